@@ -1,0 +1,188 @@
+// Splitting images into 8-bit channel planes and joining them again.
+
+#include <keladjust/CxImage.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "ImageFormat/ColourConversion.h"
+#include "ImageFormat/Geometry.h"
+#include "ImageFormat/PixelSpan.h"
+#include "platform/Assertion.h"
+#include "platform/FloatingPoint.h"
+
+namespace {
+
+using keladjust::PixelLayout;
+using keladjust::PixelSpan;
+
+enum class ColourSpace { rgb, hsl };
+
+void convertSpanToHsl(PixelSpan& span) {
+    for (std::size_t i = 0; i < span.count; ++i) {
+        const _tagMyRGBQUAD hsl =
+            keladjust::rgbToHsl({span.blue[i], span.green[i], span.red[i], 0});
+        span.red[i] = hsl.red;
+        span.green[i] = hsl.green;
+        span.blue[i] = hsl.blue;
+    }
+}
+
+void convertSpanToRgb(PixelSpan& span) {
+    for (std::size_t i = 0; i < span.count; ++i) {
+        const _tagMyRGBQUAD rgb =
+            keladjust::hslToRgb({span.blue[i], span.green[i], span.red[i], 0});
+        span.red[i] = rgb.red;
+        span.green[i] = rgb.green;
+        span.blue[i] = rgb.blue;
+    }
+}
+
+std::uint8_t* rowOf(const CxImage& image, unsigned y) {
+    return image.pBits + std::size_t{image.effWidth} * y;
+}
+
+// Calls body(span) for every run of pixels of a picture of the given size, first row first.
+template <class Body>
+void forEachSpan(unsigned width, unsigned height, Body body) {
+    PixelSpan span;
+    for (unsigned y = 0; y < height; ++y) {
+        for (unsigned x = 0; x < width; x += static_cast<unsigned>(span.count)) {
+            span.x = x;
+            span.y = y;
+            span.count = std::min<std::size_t>(PixelSpan::capacity, width - x);
+            body(span);
+        }
+    }
+}
+
+bool canBecomePlane(const CxImage& plane, const CxImage& source) {
+    const std::uint64_t needed = keladjust::exactRowBytes(source.width, 8) * source.height;
+    return plane.ownsBits || plane.pBits == nullptr || needed <= plane.size;
+}
+
+// The planes in the order red, green, blue (or hue, saturation, lightness), alpha.
+bool split(CxImage& source, ColourSpace space, const std::array<CxImage*, 4>& planes) {
+    if (source.pBits == nullptr || source.format == IMAGE_FORMAT_GRAY ||
+        source.format == IMAGE_FORMAT_UNKNOWN) {
+        return false;
+    }
+    if (planes[0] == nullptr || planes[1] == nullptr || planes[2] == nullptr) return false;
+    for (const CxImage* plane : planes) {
+        if (plane == nullptr) continue;
+        if (plane == &source || !canBecomePlane(*plane, source)) return false;
+    }
+
+    const bool hasPixels = source.width != 0 && source.height != 0;
+    if (hasPixels && !keladjust::hasPixels(&source)) return false;  // its size wraps at 32 bits
+    for (CxImage* plane : planes) {
+        if (plane == nullptr) continue;
+        plane->Destroy();
+        const void* created = plane->Create(source.width, source.height, 8, IMAGE_FORMAT_RGB);
+        if (hasPixels && created == nullptr) return false;
+    }
+    if (!hasPixels) return true;
+
+    const PixelLayout layout = keladjust::layoutOf(source);
+    forEachSpan(source.width, source.height, [&](PixelSpan& span) {
+        const std::uint8_t* pixels =
+            rowOf(source, span.y) + std::size_t{source.bytesPerPixel} * span.x;
+        const auto target = [&span](const CxImage* plane) -> std::uint8_t* {
+            if (plane == nullptr || plane->pBits == nullptr) return nullptr;
+            return rowOf(*plane, span.y) + span.x;
+        };
+        keladjust::loadSpan(layout, pixels, span);
+        if (space == ColourSpace::hsl) convertSpanToHsl(span);
+        const std::array<const std::uint8_t*, 3> lanes{span.red, span.green, span.blue};
+        for (std::size_t i = 0; i < lanes.size(); ++i) {
+            if (std::uint8_t* row = target(planes[i])) std::copy_n(lanes[i], span.count, row);
+        }
+        if (std::uint8_t* row = target(planes[3])) {
+            keladjust::loadAlpha(layout, pixels, span.count, row);
+        }
+    });
+    return true;
+}
+
+// The programming error of joining planes that do not belong together. The reported texts are part
+// of the interface, so they are written out rather than taken from an assert().
+void checkPlanes(const CxImage& r, const CxImage& g, const CxImage& b, const CxImage* a) {
+    const auto matches = [&r](const CxImage& plane) {
+        return plane.GetWidth() == r.GetWidth() && plane.GetHeight() == r.GetHeight() &&
+               plane.GetBpp() == 8;
+    };
+    if (matches(r) && matches(g) && matches(b) && (a == nullptr || matches(*a))) return;
+
+    constexpr const char* source = "Source\\ImageFormat";
+    constexpr const char* function = "CxImage::Combine";
+    if (a != nullptr) {
+        keladjust::platform::reportFailedAssertion(
+            "(rw == gw && gw == bw && bw == aw) && (rh == gh && gh == bh && bh == ah) && "
+            "(r->GetBpp() == g->GetBpp() && g->GetBpp() == b->GetBpp() && b->GetBpp() == "
+            "a->GetBpp() && a->GetBpp() == 8)",
+            source, 617, function);
+    }
+    keladjust::platform::reportFailedAssertion(
+        "(rw == gw && gw == bw) && (rh == gh && gh == bh) && (r->GetBpp() == g->GetBpp() && "
+        "g->GetBpp() == b->GetBpp() && b->GetBpp() == 8)",
+        source, 622, function);
+}
+
+void loadPlane(const CxImage& plane, const PixelSpan& span, std::uint8_t* lane) {
+    if (plane.pBits == nullptr) {
+        std::fill_n(lane, span.count, std::uint8_t{0});
+    } else {
+        std::copy_n(rowOf(plane, span.y) + span.x, span.count, lane);
+    }
+}
+
+void storeAlpha(PixelLayout layout, const std::uint8_t* alpha, std::size_t count,
+                std::uint8_t* pixels) {
+    if (keladjust::bytesPerPixelOf(layout) != 4) return;
+    for (std::size_t i = 0; i < count; ++i) pixels[4 * i + 3] = alpha[i];
+}
+
+}  // namespace
+
+bool CxImage::SplitRGBA(CxImage* r, CxImage* g, CxImage* b, CxImage* a) {
+    return split(*this, ColourSpace::rgb, {r, g, b, a});
+}
+
+bool CxImage::SplitHSLA(CxImage* h, CxImage* s, CxImage* l, CxImage* a) {
+    return split(*this, ColourSpace::hsl, {h, s, l, a});
+}
+
+bool CxImage::Combine(CxImage* r, CxImage* g, CxImage* b, CxImage* a, int colorSpace) {
+    if (r == nullptr || g == nullptr || b == nullptr) return false;
+    checkPlanes(*r, *g, *b, a);
+
+    const unsigned newWidth = r->width;
+    const unsigned newHeight = r->height;
+    const bool nothingToWrite = newWidth == 0 || newHeight == 0 || bpp == 0;
+    if (!nothingToWrite) {
+        if (!keladjust::sizeFits(newWidth, newHeight, std::max(bpp, 8u))) return false;
+        const std::uint64_t needed = keladjust::exactRowBytes(newWidth, bpp) * newHeight;
+        if (!ownsBits && needed > size) return false;
+    }
+    if (Create(newWidth, newHeight, bpp, format) == nullptr) return nothingToWrite;
+    if (pBits == nullptr) return true;
+
+    const keladjust::platform::DefaultFloatingPoint scope;
+    const PixelLayout layout = keladjust::layoutOf(*this);
+    std::array<std::uint8_t, PixelSpan::capacity> alpha;
+    forEachSpan(width, height, [&](PixelSpan& span) {
+        loadPlane(*r, span, span.red);
+        loadPlane(*g, span, span.green);
+        loadPlane(*b, span, span.blue);
+        if (colorSpace == 1) convertSpanToRgb(span);
+        std::uint8_t* pixels = rowOf(*this, span.y) + std::size_t{bytesPerPixel} * span.x;
+        keladjust::storeSpan(layout, span, pixels);
+        if (a != nullptr) {
+            loadPlane(*a, span, alpha.data());
+            storeAlpha(layout, alpha.data(), span.count, pixels);
+        }
+    });
+    return true;
+}

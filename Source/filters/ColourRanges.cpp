@@ -1,0 +1,162 @@
+// Hue, saturation and lightness of one band of hues at a time.
+
+#include "filters/ColourRanges.h"
+
+#include <cstdint>
+
+#include "filters/HslColour.h"
+#include "filters/Rounding.h"
+#include "filters/StageForms.h"
+
+namespace keladjust {
+
+namespace {
+
+HslColour shiftHue(HslColour hsl, float shift) {
+    float hue = hsl.hue + shift;
+    if (hue < 0.0f) {
+        hue = hue + 360.0f;
+    } else if (hue > 360.0f) {
+        hue = hue - 360.0f;
+    }
+    return {hue, hsl.saturation, hsl.lightness};
+}
+
+HslColour scaleSaturation(HslColour hsl, float ratio) {
+    return {hsl.hue, clamp01(hsl.saturation * (1.0f + ratio)), hsl.lightness};
+}
+
+HslColour scaleLightness(HslColour hsl, float ratio) {
+    return {hsl.hue, hsl.saturation, clamp01(hsl.lightness * (1.0f + ratio))};
+}
+
+// The unchanged side of the mix makes the round trip as well.
+Colour blend(HslColour current, HslColour changed, float weight) {
+    const Colour from = toRgb(current);
+    const Colour to = toRgb(changed);
+    const auto mix = [weight](float a, float b) { return (1.0f - weight) * a + weight * b; };
+    return {mix(from.red, to.red), mix(from.green, to.green), mix(from.blue, to.blue)};
+}
+
+// The three changes one after another, each on what the last one stored: `store` turns a mixed
+// colour into what a picture or a table holds of it.
+template <class Store>
+Colour changeColour(Colour c, const HueBand& band, const RangeChange& change, Store store) {
+    HslColour hsl = toHsl(c);
+    const float weight = band.weight(hsl.hue);
+    bool hslIsCurrent = true;
+    const auto step = [&](float amount, HslColour (*changed)(HslColour, float)) {
+        if (amount == 0.0f) return;
+        if (!hslIsCurrent) hsl = toHsl(c);
+        c = store(blend(hsl, changed(hsl, amount), weight));
+        hslIsCurrent = false;
+    };
+    step(change.shift, shiftHue);
+    step(change.saturationRatio, scaleSaturation);
+    step(change.lightnessRatio, scaleLightness);
+    return c;
+}
+
+std::uint8_t unitToByte(float value) {
+    return clampToByte(value * 255.0f);
+}
+float byteToUnit(std::uint8_t value) {
+    return static_cast<float>(value) / 255.0f;
+}
+
+bool changesAnything(float hue, float saturation, float brightness) {
+    return hue != 0.0f || saturation != 0.0f || brightness != 0.0f;
+}
+
+class ColourRangeFormula {
+public:
+    ColourRangeFormula(float minDegree, float maxDegree, float hue, float saturation,
+                       float brightness)
+        : active_(changesAnything(hue, saturation, brightness)),
+          band_(minDegree, maxDegree),
+          change_(hue, saturation, brightness) {}
+    bool active() const { return active_; }
+    Colour operator()(Colour c) const {
+        return changeColour(c, band_, change_,
+                            [](Colour mixed) { return mapChannels(mixed, clamp01); });
+    }
+
+private:
+    bool active_;
+    HueBand band_;
+    RangeChange change_;
+};
+
+}  // namespace
+
+float HueBand::weight(float hue) const {
+    if (min_ > max_) {
+        if (hue >= min_) return (hue - min_) / (360.0f - min_);
+        if (hue <= max_) return max_ == 0.0f ? 1.0f : 1.0f - hue / max_;
+        return 0.0f;
+    }
+    if (hue > min_ && hue < max_) {
+        const float distance = (hue - min_) * 2.0f / (max_ - min_);
+        return distance <= 1.0f ? distance : 2.0f - distance;
+    }
+    return 0.0f;
+}
+
+ColourRangeKernel::ColourRangeKernel(float minDegree, float maxDegree, float hue, float saturation,
+                                     float brightness)
+    : active_(changesAnything(hue, saturation, brightness)),
+      band_(minDegree, maxDegree),
+      change_(hue, saturation, brightness) {}
+
+void ColourRangeKernel::run(PixelSpan& span) const {
+    const auto store = [](Colour mixed) {
+        return mapChannels(mixed, [](float channel) { return byteToUnit(unitToByte(channel)); });
+    };
+    for (std::size_t i = 0; i < span.count; ++i) {
+        Colour c{byteToUnit(span.red[i]), byteToUnit(span.green[i]), byteToUnit(span.blue[i])};
+        c = changeColour(c, band_, change_, store);
+        // Rounding finds the stored byte again where truncation might miss it.
+        span.red[i] = static_cast<std::uint8_t>(c.red * 255.0f + 0.5f);
+        span.green[i] = static_cast<std::uint8_t>(c.green * 255.0f + 0.5f);
+        span.blue[i] = static_cast<std::uint8_t>(c.blue * 255.0f + 0.5f);
+    }
+}
+
+}  // namespace keladjust
+
+CxImage* doHSLAdjustFilter(CxImage* image, float minDegree, float maxDegree, float hue,
+                           float saturation, float brightness) {
+    return keladjust::applyKernel<keladjust::ColourRangeKernel>(image, minDegree, maxDegree, hue,
+                                                                saturation, brightness);
+}
+CxImage* adjustHueFilter(CxImage* image, float minDegree, float maxDegree, float hue) {
+    return doHSLAdjustFilter(image, minDegree, maxDegree, hue, 0.0f, 0.0f);
+}
+CxImage* adjustSaturationFilter(CxImage* image, float minDegree, float maxDegree,
+                                float saturation) {
+    return doHSLAdjustFilter(image, minDegree, maxDegree, 0.0f, saturation, 0.0f);
+}
+CxImage* adjustBrightnessFilter(CxImage* image, float minDegree, float maxDegree,
+                                float brightness) {
+    return doHSLAdjustFilter(image, minDegree, maxDegree, 0.0f, 0.0f, brightness);
+}
+
+float* lut3d_doHSLAdjustFilter(float* lut, unsigned long count, int stride, float minDegree,
+                               float maxDegree, float hue, float saturation, float brightness) {
+    return keladjust::applyFormula<keladjust::ColourRangeFormula>(
+        lut, count, stride, minDegree, maxDegree, hue, saturation, brightness);
+}
+float* lut3d_adjustHueFilter(float* lut, unsigned long count, int stride, float minDegree,
+                             float maxDegree, float hue) {
+    return lut3d_doHSLAdjustFilter(lut, count, stride, minDegree, maxDegree, hue, 0.0f, 0.0f);
+}
+float* lut3d_adjustSaturationFilter(float* lut, unsigned long count, int stride, float minDegree,
+                                    float maxDegree, float saturation) {
+    return lut3d_doHSLAdjustFilter(lut, count, stride, minDegree, maxDegree, 0.0f, saturation,
+                                   0.0f);
+}
+float* lut3d_adjustBrightnessFilter(float* lut, unsigned long count, int stride, float minDegree,
+                                    float maxDegree, float brightness) {
+    return lut3d_doHSLAdjustFilter(lut, count, stride, minDegree, maxDegree, 0.0f, 0.0f,
+                                   brightness);
+}

@@ -1,0 +1,23 @@
+#ifndef KELADJUST_FILTERS_SATURATION_H
+#define KELADJUST_FILTERS_SATURATION_H
+
+#include "filters/PixelKernel.h"
+
+namespace keladjust {
+
+/// Moves the channels away from the pixel's lightness or towards it; greys stay exactly as they
+/// are.
+class SaturationKernel final : public PixelKernel {
+public:
+    explicit SaturationKernel(float saturation);
+    bool active() const override { return active_; }
+    void run(PixelSpan& span) const override;
+
+private:
+    bool active_;
+    float amount_;
+};
+
+}  // namespace keladjust
+
+#endif

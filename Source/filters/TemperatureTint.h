@@ -1,0 +1,39 @@
+#ifndef KELADJUST_FILTERS_TEMPERATURETINT_H
+#define KELADJUST_FILTERS_TEMPERATURETINT_H
+
+#include <cstdint>
+
+#include "filters/PixelKernel.h"
+
+namespace keladjust {
+
+/// Blends with the colour of a black body, then restores the lightness the pixel had.
+class TemperatureKernel final : public PixelKernel {
+public:
+    explicit TemperatureKernel(long temperature);
+    bool active() const override { return active_; }
+    void run(PixelSpan& span) const override;
+
+private:
+    bool active_;
+    // The blend of each channel looks at that channel alone.
+    ByteTable red_;
+    ByteTable green_;
+    ByteTable blue_;
+};
+
+/// Shifts red and blue against green in proportion to the grey level.
+class TintKernel final : public PixelKernel {
+public:
+    explicit TintKernel(float tint);
+    bool active() const override { return active_; }
+    void run(PixelSpan& span) const override;
+
+private:
+    bool active_;
+    std::int32_t strength_;  // in 256ths
+};
+
+}  // namespace keladjust
+
+#endif

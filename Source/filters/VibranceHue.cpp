@@ -1,0 +1,130 @@
+// Vibrance: saturation for dull colours. Hue: a rotation about the grey axis.
+
+#include "filters/VibranceHue.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+#include "ImageFormat/RawWalk.h"
+#include "filters/Rounding.h"
+#include "filters/StageForms.h"
+#include "platform/Parallel.h"
+
+namespace keladjust {
+
+namespace {
+
+float vibranceAmount(float vibrance) {
+    return vibrance / 100.0f * 0.8f;
+}
+
+class VibranceFormula {
+public:
+    explicit VibranceFormula(float vibrance)
+        : active_(vibrance != 0.0f), amount_(vibranceAmount(vibrance)) {}
+    bool active() const { return active_; }
+    Colour operator()(Colour c) const {
+        const float lightness = (smallestOf(c) + largestOf(c)) * 0.5f;
+        const Colour above =
+            mapChannels(c, [lightness](float channel) { return clamp01(channel - lightness); });
+        const float colourfulness = (smallestOf(above) + largestOf(above)) * 0.5f;
+        const float gain = (1.0f - colourfulness) * amount_ + 1.0f;
+        const float offset = (1.0f - gain) * lightness;
+        return mapChannels(c, [&](float channel) { return clamp01(gain * channel + offset); });
+    }
+
+private:
+    bool active_;
+    float amount_;
+};
+
+// Rotation about the grey axis, applied to the bytes of a pixel in memory order.
+struct HueMatrix {
+    explicit HueMatrix(float angle) {
+        const double radians = static_cast<double>(angle) * 3.141592653589793 / 180.0;
+        const float cosine = static_cast<float>(std::cos(radians));
+        const float sine = static_cast<float>(std::sin(radians));
+        const float third = (1.0f - cosine) * 0.33333334f;
+        const float skew = std::sqrt(0.33333334f) * sine;
+        m00 = (1.0f - cosine) / 3.0f + cosine;
+        diagonal = third + cosine;
+        minus = third - skew;
+        plus = third + skew;
+    }
+
+    // Each row works on the bytes as the rows before have left them.
+    void rotate(std::uint8_t* pixel) const {
+        const auto byte = [pixel](int place) { return static_cast<float>(pixel[place]); };
+        pixel[0] = clampToByte(byte(0) * m00 + byte(1) * minus + byte(2) * plus);
+        pixel[1] = clampToByte(byte(1) * diagonal + byte(0) * plus + byte(2) * minus);
+        pixel[2] = clampToByte(byte(1) * plus + byte(0) * minus + byte(2) * diagonal);
+    }
+
+    float m00;
+    float diagonal;
+    float minus;
+    float plus;
+};
+
+void rotateRawWalk(CxImage& image, const HueMatrix& matrix) {
+    constexpr std::size_t pixelsPerThread = 1 << 15;
+    const RawWalk walk = rawWalkOf(image);
+    if (walk.channels < 3) return;
+    platform::parallelBands(walk.count, platform::bandCount(walk.count, pixelsPerThread),
+                            [&](std::size_t, std::size_t begin, std::size_t end) {
+                                for (std::size_t i = begin; i < end; ++i) {
+                                    matrix.rotate(walk.first + i * walk.step);
+                                }
+                            });
+}
+
+}  // namespace
+
+VibranceKernel::VibranceKernel(float vibrance) : active_(vibrance != 0.0f) {
+    const float amount = vibranceAmount(vibrance);
+    for (unsigned half = 0; half < gain_.size(); ++half) {
+        // Minus the colourfulness as a byte: dull pixels gain most, and greyish ones (half of 0)
+        // nothing, because there the byte wraps to 0.
+        const auto dullness = static_cast<std::uint8_t>(-static_cast<int>(half));
+        gain_[half] = wrappingAdd(256, truncateToInt(static_cast<float>(dullness) * amount));
+    }
+}
+
+void VibranceKernel::run(PixelSpan& span) const {
+    for (std::size_t i = 0; i < span.count; ++i) {
+        const int red = span.red[i];
+        const int green = span.green[i];
+        const int blue = span.blue[i];
+        const int smallest = std::min({red, green, blue});
+        const int largest = std::max({red, green, blue});
+        const int lightness = (smallest + largest) >> 1;
+        // The smallest channel is never above the lightness, so only the largest one counts.
+        const int half = (largest - lightness) >> 1;
+        const std::int32_t gain = gain_[static_cast<std::size_t>(half)];
+        const std::int32_t base = wrappingMultiply(lightness, wrappingSubtract(256, gain));
+        const auto stretch = [gain, base](int channel) {
+            return clampToByte(wrappingAdd(wrappingMultiply(channel, gain), base) >> 8);
+        };
+        span.red[i] = stretch(red);
+        span.green[i] = stretch(green);
+        span.blue[i] = stretch(blue);
+    }
+}
+
+}  // namespace keladjust
+
+CxImage* vibranceAdjustment(CxImage* image, float vibrance) {
+    return keladjust::applyKernel<keladjust::VibranceKernel>(image, vibrance);
+}
+
+CxImage* hueAdjustment(CxImage* image, float angle) {
+    return keladjust::exportedForm(image, [&] {
+        if (image == nullptr || angle == 0.0f) return;
+        keladjust::rotateRawWalk(*image, keladjust::HueMatrix(angle));
+    });
+}
+
+float* lut3d_vibranceAdjustment(float* lut, unsigned long count, int stride, float vibrance) {
+    return keladjust::applyFormula<keladjust::VibranceFormula>(lut, count, stride, vibrance);
+}

@@ -1,0 +1,25 @@
+#ifndef KELADJUST_FILTERS_VIBRANCEHUE_H
+#define KELADJUST_FILTERS_VIBRANCEHUE_H
+
+#include <array>
+#include <cstdint>
+
+#include "filters/PixelKernel.h"
+
+namespace keladjust {
+
+/// Saturation in inverse proportion to how saturated a pixel is already.
+class VibranceKernel final : public PixelKernel {
+public:
+    explicit VibranceKernel(float vibrance);
+    bool active() const override { return active_; }
+    void run(PixelSpan& span) const override;
+
+private:
+    bool active_;
+    std::array<std::int32_t, 128> gain_;  // in 256ths, by half the pixel's colourfulness
+};
+
+}  // namespace keladjust
+
+#endif

@@ -1,0 +1,27 @@
+#ifndef KELADJUST_PLATFORM_PARALLEL_H
+#define KELADJUST_PLATFORM_PARALLEL_H
+
+#include <cstddef>
+#include <functional>
+
+namespace keladjust::platform {
+
+/// Bounds the threads of parallelBands(), the caller's included; 0 or less: as many as cores.
+void setThreadLimit(int count) noexcept;
+
+/// How many bands parallelBands() makes of `count` items when a band holds at least `grain` (>= 1).
+/// Never 0; for callers that need working storage per band.
+std::size_t bandCount(std::size_t count, std::size_t grain) noexcept;
+
+/// Splits 0..count-1 into `bands` contiguous bands (usually bandCount()) and calls
+/// `body(band, begin, end)` for each that is not empty, every one on a thread of its own. All
+/// threads are joined before the call returns, also when `body` throws (the first exception is then
+/// passed on), so nothing outlives it. Bands for which no thread can be started run on the
+/// caller's. Workers compute in the default floating-point environment.
+void parallelBands(
+    std::size_t count, std::size_t bands,
+    const std::function<void(std::size_t band, std::size_t begin, std::size_t end)>& body);
+
+}  // namespace keladjust::platform
+
+#endif
