@@ -1,0 +1,53 @@
+#include "AdjustCommand.h"
+
+#include "AtomicFile.h"
+#include "Batch.h"
+#include "ExitCode.h"
+#include "Failure.h"
+#include "Interrupt.h"
+#include "Narrator.h"
+#include "Options.h"
+#include "OutputPlan.h"
+#include "PathText.h"
+#include "Preset.h"
+#include "platform/Console.h"
+
+#include <keladjust/keladjust.h>
+
+namespace keladjust::app {
+namespace {
+
+void createFolder(const std::filesystem::path& folder) {
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (!std::filesystem::is_directory(folder)) {
+        throw Failure("cannot create the folder " + textOf(folder) + ": " + error.message() +
+                      "; choose another place with -o");
+    }
+}
+
+int adjustPictures(const Options& options, const std::vector<PicturePlan>& plans) {
+    if (options.threads > 0) setMaxThreads(options.threads);
+    const JobSettings settings{options.settings.record(), options.encoding, options.sheet};
+    Narrator narrator(plans.size(), options.chatter, platform::errorsGoToTerminal());
+    catchInterrupts();
+    narrator.begin();
+    runBatch(plans, settings, options.jobs, interrupted,
+             [&](const JobReport& report) { narrator.tell(report); });
+    narrator.end(interrupted());
+    if (interrupted()) return EXIT_INTERRUPTED;
+    return narrator.anyFailed() ? EXIT_SOME_FAILED : EXIT_ALL_FINE;
+}
+
+}  // namespace
+
+int runAdjustCommand(const std::vector<std::string>& arguments) {
+    const auto options = parseOptions(arguments);
+    if (!options) return EXIT_ALL_FINE;
+    const OutputPlan plan = planOutputs(*options);
+    if (plan.folder) createFolder(*plan.folder);
+    if (options->savePreset) writeFile(*options->savePreset, presetFromSettings(options->settings));
+    return plan.pictures.empty() ? EXIT_ALL_FINE : adjustPictures(*options, plan.pictures);
+}
+
+}  // namespace keladjust::app

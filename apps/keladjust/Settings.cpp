@@ -1,0 +1,36 @@
+#include "Settings.h"
+
+namespace keladjust::app {
+namespace {
+
+std::size_t indexOf(const Field& field) {
+    return static_cast<std::size_t>(&field - fields().data());
+}
+
+}  // namespace
+
+Settings::Settings() : values_(fields().size()) {}
+
+void Settings::set(const Field& field, double value) {
+    values_[indexOf(field)] = value;
+}
+
+std::optional<double> Settings::get(const Field& field) const {
+    return values_[indexOf(field)];
+}
+
+void Settings::apply(const Settings& later) {
+    for (std::size_t index = 0; index < values_.size(); ++index) {
+        if (later.values_[index]) values_[index] = later.values_[index];
+    }
+}
+
+_AdjustParam Settings::record() const {
+    _AdjustParam record = identityRecord();
+    for (const Field& field : fields()) {
+        if (const auto value = get(field)) field.write(record, *value);
+    }
+    return record;
+}
+
+}  // namespace keladjust::app

@@ -1,0 +1,32 @@
+#include "codecs/Codec.h"
+
+#include <algorithm>
+#include <array>
+
+namespace keladjust::app {
+
+bool Codec::hasExtension(std::string_view extension) const {
+    return std::ranges::find(extensions(), extension) != extensions().end();
+}
+
+std::span<const Codec* const> codecs() {
+    static const std::array<const Codec*, 4> all = {&jpegCodec(), &pngCodec(), &tiffCodec(),
+                                                    &webpCodec()};
+    return all;
+}
+
+const Codec* codecForContent(std::span<const unsigned char> start) {
+    for (const Codec* codec : codecs()) {
+        if (codec->recognises(start)) return codec;
+    }
+    return nullptr;
+}
+
+const Codec* codecForExtension(std::string_view extension) {
+    for (const Codec* codec : codecs()) {
+        if (codec->hasExtension(extension)) return codec;
+    }
+    return nullptr;
+}
+
+}  // namespace keladjust::app

@@ -1,0 +1,60 @@
+#ifndef KELADJUST_APP_CODEC_H
+#define KELADJUST_APP_CODEC_H
+
+#include "Photo.h"
+
+#include <filesystem>
+#include <span>
+#include <string_view>
+
+namespace keladjust::app {
+
+struct EncodeOptions {
+    int quality = 92;       ///< 1..100, of lossy formats
+    bool lossless = false;  ///< where the format has a choice
+};
+
+/// A picture file format, from memory to memory. Metadata is none of its business.
+class Codec {
+public:
+    virtual ~Codec() = default;
+
+    /// For people: "JPEG".
+    virtual std::string_view name() const = 0;
+
+    /// In lower case without the dot, the usual one first.
+    virtual std::span<const std::string_view> extensions() const = 0;
+
+    /// Whether a file that begins with `start` is meant to be of this format.
+    virtual bool recognises(std::span<const unsigned char> start) const = 0;
+
+    virtual bool keepsAlpha() const = 0;
+
+    /// @throws Failure for a damaged, truncated or unsupported file
+    virtual Photo decode(std::span<const unsigned char> file) const = 0;
+
+    /// @throws Failure if the format cannot hold the picture
+    virtual Bytes encode(const Photo& photo, const EncodeOptions& options) const = 0;
+
+    bool hasExtension(std::string_view extension) const;
+};
+
+/// How many bytes from the start of a file recognises() looks at.
+inline constexpr std::size_t SIGNATURE_SIZE = 16;
+
+const Codec& jpegCodec();
+const Codec& pngCodec();
+const Codec& tiffCodec();
+const Codec& webpCodec();
+
+std::span<const Codec* const> codecs();
+
+/// The codec for a file with this beginning, or null. File names play no part.
+const Codec* codecForContent(std::span<const unsigned char> start);
+
+/// The codec that an extension (lower case, no dot) stands for, or null.
+const Codec* codecForExtension(std::string_view extension);
+
+}  // namespace keladjust::app
+
+#endif

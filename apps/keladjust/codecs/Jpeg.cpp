@@ -1,0 +1,226 @@
+#include "Failure.h"
+#include "codecs/Codec.h"
+
+#include <algorithm>
+#include <array>
+#include <csetjmp>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+#include <jpeglib.h>
+
+#include <jerror.h>
+
+namespace keladjust::app {
+namespace {
+
+/// Where libjpeg ends when it gives up: it knows no return values, so it jumps.
+///
+/// A jump skips destructors. Every setjmp therefore stands in a member function whose locals are
+/// trivial; what must be released belongs to the object around it.
+struct ErrorState {
+    jpeg_error_mgr base;
+    std::jmp_buf jump;
+    std::array<char, JMSG_LENGTH_MAX> message;
+    bool damaged;
+};
+
+void onError(j_common_ptr codec) {
+    auto* state = reinterpret_cast<ErrorState*>(codec->err);
+    codec->err->format_message(codec, state->message.data());
+    std::longjmp(state->jump, 1);
+}
+
+// libjpeg only warns about missing or damaged data and paints the rest grey. A photo editor must
+// not pass such a picture on as a good one.
+void onMessage(j_common_ptr codec, int level) {
+    if (level >= 0) return;
+    auto* state = reinterpret_cast<ErrorState*>(codec->err);
+    const int code = codec->err->msg_code;
+    const bool damage = code == JWRN_JPEG_EOF || code == JWRN_HIT_MARKER ||
+                        code == JWRN_HUFF_BAD_CODE || code == JWRN_MUST_RESYNC ||
+                        code == JWRN_BOGUS_PROGRESSION;
+    if (damage && !state->damaged) {
+        state->damaged = true;
+        codec->err->format_message(codec, state->message.data());
+    }
+}
+
+jpeg_error_mgr* install(ErrorState& state) {
+    jpeg_error_mgr* base = jpeg_std_error(&state.base);
+    base->error_exit = onError;
+    base->emit_message = onMessage;
+    return base;
+}
+
+class Decompressor {
+public:
+    Decompressor() { jpeg_.err = install(errors_); }
+    ~Decompressor() { jpeg_destroy_decompress(&jpeg_); }
+    Decompressor(const Decompressor&) = delete;
+    Decompressor& operator=(const Decompressor&) = delete;
+
+    bool readHeader(std::span<const unsigned char> file) {
+        if (setjmp(errors_.jump)) return false;
+        jpeg_create_decompress(&jpeg_);
+        jpeg_mem_src(&jpeg_, file.data(), static_cast<unsigned long>(file.size()));
+        jpeg_read_header(&jpeg_, TRUE);
+        if (isGrey()) {
+            jpeg_.out_color_space = JCS_GRAYSCALE;
+        } else if (isCmyk()) {
+            jpeg_.out_color_space = JCS_CMYK;
+        } else {
+            jpeg_.out_color_space = JCS_EXT_BGRA;
+        }
+        return true;
+    }
+
+    bool readRows(Photo& photo) {
+        if (setjmp(errors_.jump)) return false;
+        jpeg_start_decompress(&jpeg_);
+        while (jpeg_.output_scanline < jpeg_.output_height && !errors_.damaged) {
+            JSAMPROW row = photo.row(jpeg_.output_scanline);
+            jpeg_read_scanlines(&jpeg_, &row, 1);
+        }
+        if (!errors_.damaged) jpeg_finish_decompress(&jpeg_);
+        return !errors_.damaged;
+    }
+
+    bool isGrey() const { return jpeg_.jpeg_color_space == JCS_GRAYSCALE; }
+    bool isCmyk() const {
+        return jpeg_.jpeg_color_space == JCS_CMYK || jpeg_.jpeg_color_space == JCS_YCCK;
+    }
+    /// Files that bear Adobe's marker store how much of each ink is missing.
+    bool inksAreInverted() const { return jpeg_.saw_Adobe_marker; }
+    std::uint32_t width() const { return jpeg_.image_width; }
+    std::uint32_t height() const { return jpeg_.image_height; }
+    std::string message() const { return errors_.message.data(); }
+
+private:
+    jpeg_decompress_struct jpeg_{};
+    ErrorState errors_{};
+};
+
+/// Four inks to blue, green, red and opaque, in place. Without colour management this is the usual
+/// approximation: what an ink and black let through, multiplied.
+void convertFromCmyk(Photo& photo, bool inverted) {
+    const auto light = [inverted](unsigned char ink) { return inverted ? ink : 255 - ink; };
+    for (std::uint32_t y = 0; y < photo.height(); ++y) {
+        unsigned char* pixel = photo.row(y);
+        for (std::uint32_t x = 0; x < photo.width(); ++x, pixel += 4) {
+            const int black = light(pixel[3]);
+            const auto channel = [&](int ink) {
+                return static_cast<unsigned char>((light(pixel[ink]) * black + 127) / 255);
+            };
+            const unsigned char red = channel(0);
+            const unsigned char green = channel(1);
+            const unsigned char blue = channel(2);
+            pixel[0] = blue;
+            pixel[1] = green;
+            pixel[2] = red;
+            pixel[3] = 255;
+        }
+    }
+}
+
+class Compressor {
+public:
+    Compressor() { jpeg_.err = install(errors_); }
+    ~Compressor() {
+        jpeg_destroy_compress(&jpeg_);
+        std::free(buffer_);
+    }
+    Compressor(const Compressor&) = delete;
+    Compressor& operator=(const Compressor&) = delete;
+
+    bool write(const Photo& photo, int quality) {
+        if (setjmp(errors_.jump)) return false;
+        jpeg_create_compress(&jpeg_);
+        jpeg_mem_dest(&jpeg_, &buffer_, &size_);
+        jpeg_.image_width = photo.width();
+        jpeg_.image_height = photo.height();
+        jpeg_.input_components = static_cast<int>(photo.bytesPerPixel());
+        jpeg_.in_color_space = photo.layout() == PixelLayout::grey ? JCS_GRAYSCALE : JCS_EXT_BGRX;
+        jpeg_set_defaults(&jpeg_);
+        jpeg_set_quality(&jpeg_, quality, TRUE);
+        jpeg_.optimize_coding = TRUE;
+        if (quality >= 90) {
+            // Whoever asks for this much wants colour edges as sharp as the rest.
+            jpeg_.comp_info[0].h_samp_factor = 1;
+            jpeg_.comp_info[0].v_samp_factor = 1;
+        }
+        jpeg_start_compress(&jpeg_, TRUE);
+        while (jpeg_.next_scanline < jpeg_.image_height) {
+            // libjpeg's interface predates const; it does not write to its input.
+            JSAMPROW row = const_cast<JSAMPROW>(photo.row(jpeg_.next_scanline));
+            jpeg_write_scanlines(&jpeg_, &row, 1);
+        }
+        jpeg_finish_compress(&jpeg_);
+        return true;
+    }
+
+    std::span<const unsigned char> result() const { return {buffer_, size_}; }
+    std::string message() const { return errors_.message.data(); }
+
+private:
+    jpeg_compress_struct jpeg_{};
+    ErrorState errors_{};
+    unsigned char* buffer_ = nullptr;
+    unsigned long size_ = 0;
+};
+
+class Jpeg final : public Codec {
+public:
+    std::string_view name() const override { return "JPEG"; }
+
+    std::span<const std::string_view> extensions() const override {
+        static constexpr std::array<std::string_view, 4> all = {"jpg", "jpeg", "jpe", "jfif"};
+        return all;
+    }
+
+    bool recognises(std::span<const unsigned char> start) const override {
+        return start.size() >= 3 && start[0] == 0xFF && start[1] == 0xD8 && start[2] == 0xFF;
+    }
+
+    bool keepsAlpha() const override { return false; }
+
+    Photo decode(std::span<const unsigned char> file) const override {
+        Decompressor jpeg;
+        const auto fail = [&] {
+            return Failure("damaged or truncated JPEG (" + jpeg.message() +
+                           "); copy the file again from where it came from");
+        };
+        if (!jpeg.readHeader(file)) throw fail();
+        Photo photo(jpeg.width(), jpeg.height(),
+                    jpeg.isGrey() ? PixelLayout::grey : PixelLayout::bgra);
+        if (!jpeg.readRows(photo)) throw fail();
+        if (jpeg.isCmyk()) {
+            convertFromCmyk(photo, jpeg.inksAreInverted());
+            photo.notices.emplace_back("CMYK converted to RGB without colour management");
+        }
+        return photo;
+    }
+
+    Bytes encode(const Photo& photo, const EncodeOptions& options) const override {
+        if (std::max(photo.width(), photo.height()) > JPEG_MAX_DIMENSION) {
+            throw Failure("JPEG holds at most " + std::to_string(JPEG_MAX_DIMENSION) +
+                          " pixels a side; choose --format png or tiff");
+        }
+        Compressor jpeg;
+        if (!jpeg.write(photo, options.quality)) {
+            throw Failure("cannot encode as JPEG: " + jpeg.message());
+        }
+        const auto result = jpeg.result();
+        return Bytes(result.begin(), result.end());
+    }
+};
+
+}  // namespace
+
+const Codec& jpegCodec() {
+    static const Jpeg codec;
+    return codec;
+}
+
+}  // namespace keladjust::app

@@ -1,0 +1,5 @@
+#include "Program.h"
+
+int main(int count, char** values) {
+    return keladjust::app::runProgram(count, values);
+}

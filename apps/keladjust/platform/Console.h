@@ -1,0 +1,18 @@
+#ifndef KELADJUST_APP_PLATFORM_CONSOLE_H
+#define KELADJUST_APP_PLATFORM_CONSOLE_H
+
+#include <string>
+#include <vector>
+
+/// All that the program needs to know about the system it runs on.
+namespace keladjust::app::platform {
+
+/// The command line in UTF-8 without the program's name.
+std::vector<std::string> arguments(int count, char** values);
+
+/// Whether standard error is a terminal that someone may be looking at.
+bool errorsGoToTerminal();
+
+}  // namespace keladjust::app::platform
+
+#endif
