@@ -21,6 +21,7 @@ public:
 
     CxImage* image() { return &image_; }
     std::uint8_t* bits() { return bits_; }
+    const std::uint8_t* bits() const { return bits_; }
     std::size_t size() const { return size_; }
 
     /// Fills pixels and padding with bytes that depend on `seed` alone, the same on every platform.

@@ -1,0 +1,44 @@
+#include "ImageFormat/RawWalk.h"
+
+#include <gtest/gtest.h>
+
+#include "support/HostPicture.h"
+
+namespace {
+
+using keladjust::rawWalkMeetsPixels;
+using keladjust::rawWalkOf;
+using keladjust::test::HostPicture;
+
+TEST(RawWalk, CountsThePixelsAndIgnoresPadding) {
+    HostPicture picture(5, 3, 24, IMAGE_FORMAT_RGB);
+    const keladjust::RawWalk walk = rawWalkOf(*picture.image());
+    EXPECT_EQ(walk.first, picture.bits());
+    EXPECT_EQ(walk.count, 15u);
+    EXPECT_EQ(walk.step, 3u);
+    EXPECT_EQ(walk.channels, 3u);
+}
+
+TEST(RawWalk, OfAPictureWithoutPixelsIsEmpty) {
+    CxImage empty;
+    EXPECT_EQ(rawWalkOf(empty).count, 0u);
+    unsigned char byte = 0;
+    unsigned char* bits = &byte;
+    CxImage wrapping(&bits, 1u << 30, 1, 32, IMAGE_FORMAT_BGRA);
+    EXPECT_EQ(rawWalkOf(wrapping).count, 0u);
+}
+
+TEST(RawWalk, MeetsPixelsOnlyInRowsWithoutPadding) {
+    const auto meets = [](unsigned width, unsigned bpp, _ImagePixelFormat format) {
+        return rawWalkMeetsPixels(*HostPicture(width, 3, bpp, format).image());
+    };
+    EXPECT_TRUE(meets(5, 32, IMAGE_FORMAT_BGRA));
+    EXPECT_TRUE(meets(4, 24, IMAGE_FORMAT_RGB));
+    EXPECT_TRUE(meets(4, 8, IMAGE_FORMAT_GRAY));
+    EXPECT_FALSE(meets(5, 24, IMAGE_FORMAT_RGB));
+    EXPECT_FALSE(meets(5, 8, IMAGE_FORMAT_GRAY));
+    EXPECT_FALSE(meets(4, 16, IMAGE_FORMAT_RGB)) << "bytes of a word are no channels";
+    EXPECT_FALSE(meets(4, 24, IMAGE_FORMAT_BGRA)) << "pixel access refuses this pair";
+}
+
+}  // namespace

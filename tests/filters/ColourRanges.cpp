@@ -1,0 +1,291 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "filters/ColourRanges.h"
+#include "support/ColourSweep.h"
+
+namespace {
+
+using keladjust::HueBand;
+using keladjust::test::Bytes;
+using keladjust::test::clampByte;
+using keladjust::test::clampUnit;
+using keladjust::test::expectEveryColour;
+using keladjust::test::expectEveryEntry;
+using keladjust::test::Floats;
+using keladjust::test::HostPicture;
+
+constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+constexpr float infinity = std::numeric_limits<float>::infinity();
+
+struct Range {
+    float min, max, hue, saturation, brightness;
+};
+
+// Hue (degrees), saturation, lightness.
+Floats hslOf(Floats c) {
+    const float hi = std::max({c[0], c[1], c[2]});
+    const float lo = std::min({c[0], c[1], c[2]});
+    if (hi == lo) return {240.0f, 0.0f, c[0]};
+    const float d = hi - lo;
+    const float l = (hi + lo) * 0.5f;
+    const float s = l < 0.5f ? d / (hi + lo) : d / (2.0f - hi - lo);
+    float h = (c[0] == hi   ? (c[1] - c[2]) / d
+               : c[1] == hi ? 2.0f + (c[2] - c[0]) / d
+                            : 4.0f + (c[0] - c[1]) / d) /
+              6.0f;
+    if (h < 0) h += 1.0f;
+    return {h * 360.0f, s, l};
+}
+
+Floats rgbOf(Floats hsl) {
+    const auto [h, s, l] = hsl;
+    if (s == 0) return {l, l, l};
+    const float turn = h / 360.0f;
+    const float q = l < 0.5f ? l * (1.0f + s) : l + s - l * s;
+    const float p = 2.0f * l - q;
+    const auto channel = [p, q](float t) {
+        if (t < 0.16666667f) return p + (q - p) * 6.0f * t;
+        if (t < 0.5f) return q;
+        if (t < 0.6666667f) return p + (q - p) * (0.6666667f - t) * 6.0f;
+        return p;
+    };
+    float tr = turn + 0.33333334f;
+    if (tr > 1) tr -= 1.0f;
+    float tb = turn - 0.33333334f;
+    if (tb < 0) tb += 1.0f;
+    return {channel(tr), channel(turn), channel(tb)};
+}
+
+float weightOf(const Range& r, float h) {
+    if (r.min > r.max) {
+        if (h >= r.min) return (h - r.min) / (360.0f - r.min);
+        if (h <= r.max) return r.max == 0 ? 1.0f : 1.0f - h / r.max;
+        return 0.0f;
+    }
+    if (!(r.min < h && h < r.max)) return 0.0f;
+    const float d = (h - r.min) * 2.0f / (r.max - r.min);
+    return d <= 1 ? d : 2.0f - d;
+}
+
+// One colour through the three steps; `keep` is what is stored of a channel between them.
+template <class Keep>
+Floats rangeModel(const Range& r, Floats c, Keep keep) {
+    const float w = weightOf(r, hslOf(c)[0]);
+    const auto mix = [&](auto change) {
+        const Floats hsl = hslOf(c);
+        const Floats from = rgbOf(hsl);
+        const Floats to = rgbOf(change(hsl));
+        for (std::size_t i = 0; i < 3; ++i) c[i] = keep((1.0f - w) * from[i] + w * to[i]);
+    };
+    const float shift = r.hue > 0 ? r.hue * 1.2f : r.hue;
+    if (shift != 0) {
+        mix([&](Floats hsl) {
+            float h = hsl[0] + shift;
+            if (h < 0)
+                h += 360.0f;
+            else if (h > 360)
+                h -= 360.0f;
+            return Floats{h, hsl[1], hsl[2]};
+        });
+    }
+    if (r.saturation / 100.0f != 0) {
+        mix([&](Floats hsl) {
+            return Floats{hsl[0], clampUnit(hsl[1] * (1.0f + r.saturation / 100.0f)), hsl[2]};
+        });
+    }
+    if (r.brightness / 800.0f != 0) {
+        mix([&](Floats hsl) {
+            return Floats{hsl[0], hsl[1],
+                          clampUnit(hsl[2] * (1.0f + r.brightness / 100.0f / 8.0f))};
+        });
+    }
+    return c;
+}
+
+Bytes byteModel(const Range& r, Bytes in) {
+    Bytes held = in;
+    std::size_t next = 0;
+    Floats c{};
+    for (std::size_t i = 0; i < 3; ++i) c[i] = static_cast<float>(in[i]) / 255.0f;
+    rangeModel(r, c, [&](float v) {
+        const int byte = clampByte(v * 255.0f);
+        held[next++ % 3] = byte;
+        return static_cast<float>(byte) / 255.0f;
+    });
+    return held;
+}
+
+class ColourRange : public testing::TestWithParam<Range> {};
+
+TEST_P(ColourRange, FollowsTheFormulaForEveryColour) {
+    const Range r = GetParam();
+    expectEveryColour(
+        [&](CxImage* image) {
+            return doHSLAdjustFilter(image, r.min, r.max, r.hue, r.saturation, r.brightness);
+        },
+        [&](Bytes in) { return byteModel(r, in); });
+}
+
+TEST_P(ColourRange, FollowsTheFormulaInTables) {
+    const Range r = GetParam();
+    expectEveryEntry(
+        [&](float* lut, unsigned long count, int stride) {
+            return lut3d_doHSLAdjustFilter(lut, count, stride, r.min, r.max, r.hue, r.saturation,
+                                           r.brightness);
+        },
+        [&](Floats in) { return rangeModel(r, in, clampUnit); });
+}
+
+INSTANTIATE_TEST_SUITE_P(Bands, ColourRange,
+                         testing::Values(Range{330, 30, 25, 0, 0}, Range{330, 30, 0, -40, 0},
+                                         Range{60, 180, -100, 60, 30},
+                                         Range{180, 300, 100, 0, -100}, Range{0, 360, 15, 100, 100},
+                                         Range{300, 0, 40, 0, 20}));
+
+TEST(HueBand, TriangleBetweenItsBounds) {
+    const HueBand band(60.0f, 180.0f);
+    EXPECT_EQ(band.weight(60.0f), 0.0f);
+    EXPECT_EQ(band.weight(90.0f), 0.5f);
+    EXPECT_EQ(band.weight(120.0f), 1.0f);
+    EXPECT_EQ(band.weight(150.0f), 0.5f);
+    EXPECT_EQ(band.weight(180.0f), 0.0f);
+    EXPECT_EQ(band.weight(300.0f), 0.0f);
+}
+
+TEST(HueBand, WrapsThroughZero) {
+    const HueBand band(330.0f, 30.0f);
+    EXPECT_EQ(band.weight(345.0f), 0.5f);
+    EXPECT_EQ(band.weight(0.0f), 1.0f);
+    EXPECT_EQ(band.weight(15.0f), 0.5f);
+    EXPECT_EQ(band.weight(30.0f), 0.0f);
+    EXPECT_EQ(band.weight(180.0f), 0.0f);
+    EXPECT_EQ(HueBand(300.0f, 0.0f).weight(0.0f), 1.0f);
+}
+
+TEST(HueBand, WithoutBoundsWeighsNothing) {
+    EXPECT_EQ(HueBand(nan, 100.0f).weight(50.0f), 0.0f);
+    EXPECT_EQ(HueBand(0.0f, nan).weight(50.0f), 0.0f);
+}
+
+TEST(ColourRanges, LeaveGreysAloneButForBrightnessAtBlue) {
+    // Greys count as hue 240 without saturation; shifting or scaling the latter does nothing, and
+    // the round trip of a grey is exact but for truncation in x / 255 * 255.
+    const auto onGrey = [](float min, float max, float hue, float saturation, float brightness) {
+        HostPicture picture(1, 1, 24, IMAGE_FORMAT_RGB);
+        picture.setPixel(0, 0, {160, 160, 160, 0});
+        doHSLAdjustFilter(picture.image(), min, max, hue, saturation, brightness);
+        return picture.pixel(0, 0);
+    };
+    EXPECT_EQ(onGrey(180, 300, 90, 0, 0), (_tagMyRGBQUAD{160, 160, 160, 0}));
+    EXPECT_EQ(onGrey(180, 300, 0, 100, 0), (_tagMyRGBQUAD{160, 160, 160, 0}));
+    EXPECT_EQ(onGrey(0, 120, 0, 0, 100), (_tagMyRGBQUAD{160, 160, 160, 0}));
+    EXPECT_EQ(onGrey(180, 300, 0, 0, 100), (_tagMyRGBQUAD{180, 180, 180, 0}));   // times 1.125
+    EXPECT_EQ(onGrey(180, 300, 0, 0, -100), (_tagMyRGBQUAD{140, 140, 140, 0}));  // times 0.875
+}
+
+TEST(ColourRanges, PositiveShiftsAreAFifthStronger) {
+    // Pure red at the middle of its band: +100 is 120 degrees, green; -100 is 260, between blue and
+    // magenta by 20 degrees.
+    const auto onRed = [](float hue) {
+        HostPicture picture(1, 1, 24, IMAGE_FORMAT_RGB);
+        picture.setPixel(0, 0, {0, 0, 255, 0});
+        adjustHueFilter(picture.image(), 330, 30, hue);
+        return picture.pixel(0, 0);
+    };
+    EXPECT_EQ(onRed(100.0f), (_tagMyRGBQUAD{0, 255, 0, 0}));
+    const _tagMyRGBQUAD violet = onRed(-100.0f);
+    EXPECT_NEAR(violet.red, 85, 1);  // 20 / 60 of 255, truncated
+    EXPECT_EQ(violet.green, 0);
+    EXPECT_NEAR(violet.blue, 255, 1);
+}
+
+TEST(ColourRanges, SaturationDoublesOrGoes) {
+    const auto on = [](float saturation) {
+        HostPicture picture(1, 1, 24, IMAGE_FORMAT_RGB);
+        picture.setPixel(0, 0, {102, 102, 153, 0});  // hue 0, lightness 0.5, saturation 0.2
+        adjustSaturationFilter(picture.image(), 330, 30, saturation);
+        return picture.pixel(0, 0);
+    };
+    // Saturation 0.4 about a lightness of 127.5; truncation may cost a level.
+    EXPECT_NEAR(on(100.0f).red, 178, 1);
+    EXPECT_NEAR(on(100.0f).blue, 76, 1);
+    const _tagMyRGBQUAD grey = on(-100.0f);
+    EXPECT_EQ(grey.red, 127);
+    EXPECT_EQ(grey.blue, 127);
+}
+
+TEST(ColourRanges, SingleFiltersAreTheStepsOfTheCombinedOne) {
+    HostPicture picture(64, 64, 32, IMAGE_FORMAT_BGRA);
+    picture.fillRandom(8);
+    const auto same = [&](auto single, auto combined) {
+        HostPicture a(picture);
+        HostPicture b(picture);
+        single(a.image());
+        combined(b.image());
+        EXPECT_EQ(a.bytes(), b.bytes());
+        EXPECT_NE(a.bytes(), picture.bytes());
+    };
+    same([](CxImage* i) { adjustHueFilter(i, 20, 90, 33); },
+         [](CxImage* i) { doHSLAdjustFilter(i, 20, 90, 33, 0, 0); });
+    same([](CxImage* i) { adjustSaturationFilter(i, 20, 90, 33); },
+         [](CxImage* i) { doHSLAdjustFilter(i, 20, 90, 0, 33, 0); });
+    same([](CxImage* i) { adjustBrightnessFilter(i, 20, 90, 33); },
+         [](CxImage* i) { doHSLAdjustFilter(i, 20, 90, 0, 0, 33); });
+    const auto sameInTables = [](auto single, const Range& r) {
+        expectEveryEntry([&](float* lut, unsigned long count,
+                             int stride) { return single(lut, count, stride, 20, 90, 33); },
+                         [&](Floats in) { return rangeModel(r, in, clampUnit); });
+    };
+    sameInTables(lut3d_adjustHueFilter, {20, 90, 33, 0, 0});
+    sameInTables(lut3d_adjustSaturationFilter, {20, 90, 0, 33, 0});
+    sameInTables(lut3d_adjustBrightnessFilter, {20, 90, 0, 0, 33});
+}
+
+TEST(ColourRanges, AtZeroChangeNothingWhateverTheirBounds) {
+    HostPicture picture(61, 7, 32, IMAGE_FORMAT_BGRA);
+    const auto before = picture.fillRandom(1).bytes();
+    EXPECT_EQ(doHSLAdjustFilter(picture.image(), 0, 360, 0, 0, 0), picture.image());
+    EXPECT_EQ(adjustHueFilter(picture.image(), nan, nan, 0), picture.image());
+    EXPECT_EQ(picture.bytes(), before);
+}
+
+TEST(ColourRanges, PixelsOfWeightZeroMakeTheRoundTripThroughHsl) {
+    // Most colours lose a level in some channel each time: a user who saw none change would have a
+    // library that skips them, and results that differ from the table of a GPU pass.
+    HostPicture picture(1, 1, 24, IMAGE_FORMAT_RGB);
+    const Range r{10, 20, 50, 0, 0};
+    picture.setPixel(0, 0, {200, 101, 37, 0});
+    doHSLAdjustFilter(picture.image(), r.min, r.max, r.hue, 0, 0);
+    const Bytes expected = byteModel(r, {37, 101, 200});
+    ASSERT_NE(expected, (Bytes{37, 101, 200})) << "pick a colour that shows the round trip";
+    EXPECT_EQ(picture.pixel(0, 0).red, expected[0]);
+    EXPECT_EQ(picture.pixel(0, 0).green, expected[1]);
+    EXPECT_EQ(picture.pixel(0, 0).blue, expected[2]);
+}
+
+TEST(ColourRanges, GiveADefinedResultForAnySetting) {
+    for (const float setting : {nan, infinity, -infinity, 1e30f, -1e30f}) {
+        HostPicture picture(16, 16, 32, IMAGE_FORMAT_BGRA);
+        picture.fillRandom(3);
+        const HostPicture before(picture);
+        doHSLAdjustFilter(picture.image(), setting, setting, setting, setting, setting);
+        adjustHueFilter(picture.image(), 0, 360, setting);
+        adjustSaturationFilter(picture.image(), 0, 360, setting);
+        adjustBrightnessFilter(picture.image(), 0, 360, setting);
+        EXPECT_TRUE(picture.guardsIntact());
+        for (std::size_t i = 3; i < picture.size(); i += 4) {
+            ASSERT_EQ(picture.bits()[i], before.bits()[i]);
+        }
+    }
+    // A saturation of NaN clamps to 0 there: grey at full weight.
+    HostPicture red(1, 1, 24, IMAGE_FORMAT_RGB);
+    red.setPixel(0, 0, {0, 0, 255, 0});
+    adjustSaturationFilter(red.image(), 330, 30, nan);
+    EXPECT_EQ(red.pixel(0, 0), (_tagMyRGBQUAD{127, 127, 127, 0}));
+}
+
+}  // namespace

@@ -1,0 +1,230 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "support/ColourSweep.h"
+
+namespace {
+
+using keladjust::test::Bytes;
+using keladjust::test::clampByte;
+using keladjust::test::clampUnit;
+using keladjust::test::expectEveryColour;
+using keladjust::test::expectEveryEntry;
+using keladjust::test::Floats;
+using keladjust::test::HostPicture;
+
+// The formulas in few lines, straight from the definition of the screen lift.
+float lift(float c, float k, float scale) {
+    return scale - (scale - k * c) * (scale - c) / scale;
+}
+float whole(float v) {
+    return std::trunc(v);
+}
+
+struct Tonal {
+    CxImage* (*image)(CxImage*, float);
+    float* (*table)(float*, unsigned long, int, float);
+    bool dark;       // weighted by 1 - M rather than M
+    bool doubled;    // a positive lift is done twice
+    bool wraps;      // low byte rather than clamp
+    float positive;  // strength of positive and negative settings
+    float negative;
+};
+constexpr Tonal highlights{hdrHighlight, lut3d_hdrHighlight, false, false, true, 1.0f, 1.0f};
+constexpr Tonal shadows{hdrShadow, lut3d_hdrShadow, true, false, true, 2.0f, 0.5f};
+constexpr Tonal whites{hdrWhiteLevel, lut3d_hdrWhiteLevel, false, true, false, 1.0f, 1.0f};
+constexpr Tonal blacks{hdrBlackLevel, lut3d_hdrBlackLevel, true, false, false, 0.5f, 2.0f};
+
+float coefficient(const Tonal& tonal, float setting, float largest, float scale) {
+    const float a = setting / 100.0f * (setting > 0 ? tonal.positive : tonal.negative);
+    return (tonal.dark ? 1.0f - largest / scale : largest / scale) * a;
+}
+
+Bytes tonalModel(const Tonal& tonal, float setting, Bytes in) {
+    const float k =
+        coefficient(tonal, setting, static_cast<float>(std::max({in[0], in[1], in[2]})), 255.0f);
+    Bytes out{};
+    for (std::size_t c = 0; c < 3; ++c) {
+        float v = lift(static_cast<float>(in[c]), k, 255.0f);
+        if (tonal.doubled && k > 0) v = lift(v, k, 255.0f);
+        // Every value the sweeps reach fits in 64 bits, whose low byte is that of 32.
+        out[c] =
+            tonal.wraps ? static_cast<int>(static_cast<long long>(whole(v)) & 255) : clampByte(v);
+    }
+    return out;
+}
+
+Floats tonalTableModel(const Tonal& tonal, float setting, Floats in) {
+    const float k = coefficient(tonal, setting, std::max({in[0], in[1], in[2]}), 1.0f);
+    Floats out{};
+    for (std::size_t c = 0; c < 3; ++c) {
+        float v = lift(in[c], k, 1.0f);
+        if (tonal.doubled && k > 0) v = lift(v, k, 1.0f);
+        out[c] = clampUnit(v);
+    }
+    return out;
+}
+
+class TonalRange : public testing::TestWithParam<std::tuple<Tonal, float>> {};
+
+TEST_P(TonalRange, FollowsTheFormulaForEveryColour) {
+    const auto [tonal, setting] = GetParam();
+    expectEveryColour([&](CxImage* image) { return tonal.image(image, setting); },
+                      [&](Bytes in) { return tonalModel(tonal, setting, in); });
+}
+
+TEST_P(TonalRange, FollowsTheFormulaInTables) {
+    const auto [tonal, setting] = GetParam();
+    expectEveryEntry([&](float* lut, unsigned long count,
+                         int stride) { return tonal.table(lut, count, stride, setting); },
+                     [&](Floats in) { return tonalTableModel(tonal, setting, in); });
+}
+
+INSTANTIATE_TEST_SUITE_P(Highlights, TonalRange,
+                         testing::Combine(testing::Values(highlights),
+                                          testing::Values(100.0f, 37.0f, -100.0f, 250.0f)));
+INSTANTIATE_TEST_SUITE_P(Shadows, TonalRange,
+                         testing::Combine(testing::Values(shadows),
+                                          testing::Values(100.0f, 23.0f, -61.0f, -400.0f)));
+INSTANTIATE_TEST_SUITE_P(Whites, TonalRange,
+                         testing::Combine(testing::Values(whites),
+                                          testing::Values(100.0f, -100.0f, 300.0f)));
+INSTANTIATE_TEST_SUITE_P(Blacks, TonalRange,
+                         testing::Combine(testing::Values(blacks),
+                                          testing::Values(100.0f, -100.0f, 12.5f)));
+
+TEST(Exposure, FollowsTheFormulaForEveryByteAndLeavesAlpha) {
+    for (const float setting : {100.0f, -100.0f, 20.0f, -3.5f, 1000.0f}) {
+        HostPicture picture = keladjust::test::everyByte();
+        exposureAdjustment(picture.image(), setting);
+        const auto factor = static_cast<float>(std::exp2(double{setting / 50.0f * 0.6f}));
+        for (unsigned i = 0; i < 256; ++i) {
+            const int expected = clampByte(static_cast<float>(i) * factor);
+            const _tagMyRGBQUAD p = picture.pixel(i, 0);
+            ASSERT_TRUE(p.red == expected && p.green == expected && p.blue == expected)
+                << setting << " on " << i;
+            ASSERT_EQ(p.alpha, 255);
+        }
+        expectEveryEntry(
+            [&](float* lut, unsigned long count, int stride) {
+                return lut3d_exposureAdjustment(lut, count, stride, setting);
+            },
+            [&](Floats in) {
+                return Floats{clampUnit(in[0] * factor), clampUnit(in[1] * factor),
+                              clampUnit(in[2] * factor)};
+            });
+    }
+}
+
+TEST(Exposure, Setting100MultipliesByTwoToTheOnePointTwo) {
+    HostPicture picture = keladjust::test::everyByte();
+    exposureAdjustment(picture.image(), 100.0f);
+    EXPECT_EQ(picture.pixel(100, 0).red, 229);  // 100 * 2.2974, truncated
+    EXPECT_EQ(picture.pixel(112, 0).red, 255);
+
+    HostPicture darker = keladjust::test::everyByte();
+    exposureAdjustment(darker.image(), -100.0f);
+    EXPECT_EQ(darker.pixel(100, 0).red, 43);  // 100 / 2.2974 = 43.53
+}
+
+TEST(Exposure, TruncatesRatherThanRounds) {
+    // 2^(x / 50 * 0.6) = 1.5 at x = 50 * log2(1.5) / 0.6 = 48.747; a little more keeps 3 * f
+    // at 4.5.
+    HostPicture picture = keladjust::test::everyByte();
+    exposureAdjustment(picture.image(), 48.75f);
+    EXPECT_EQ(picture.pixel(3, 0).red, 4);
+}
+
+using ImageStage = CxImage* (*)(CxImage*, float);
+using TableStage = float* (*)(float*, unsigned long, int, float);
+constexpr ImageStage imageStages[] = {exposureAdjustment, hdrHighlight, hdrShadow, hdrWhiteLevel,
+                                      hdrBlackLevel};
+constexpr TableStage tableStages[] = {lut3d_exposureAdjustment, lut3d_hdrHighlight, lut3d_hdrShadow,
+                                      lut3d_hdrWhiteLevel, lut3d_hdrBlackLevel};
+
+TEST(TonalStages, AtZeroLeaveEveryBitAsItIs) {
+    HostPicture picture(61, 7, 32, IMAGE_FORMAT_BGRA);
+    const auto before = picture.fillRandom(1).bytes();
+    for (const ImageStage stage : imageStages) {
+        EXPECT_EQ(stage(picture.image(), 0.0f), picture.image());
+        EXPECT_EQ(picture.bytes(), before);
+    }
+    for (const TableStage stage : tableStages) {
+        expectEveryEntry([&](float* lut, unsigned long count,
+                             int stride) { return stage(lut, count, stride, 0.0f); },
+                         [](Floats in) { return in; });
+    }
+}
+
+TEST(TonalStages, KeepBlackBlackAndWhiteWhite) {
+    for (const ImageStage stage : imageStages) {
+        for (const float setting : {100.0f, 40.0f, -40.0f, -100.0f}) {
+            HostPicture picture(2, 1, 24, IMAGE_FORMAT_RGB);
+            picture.setPixel(1, 0, {255, 255, 255, 0});
+            stage(picture.image(), setting);
+            EXPECT_EQ(picture.pixel(0, 0), (_tagMyRGBQUAD{0, 0, 0, 0}));
+            if (stage == exposureAdjustment && setting < 0) continue;  // darkens white by design
+            EXPECT_EQ(picture.pixel(1, 0), (_tagMyRGBQUAD{255, 255, 255, 0}));
+        }
+    }
+}
+
+TEST(Whites, At100LiftsAFullyBrightPixelTwice) {
+    HostPicture picture(2, 1, 24, IMAGE_FORMAT_RGB);
+    picture.setPixel(0, 0, {100, 100, 255, 0});
+    hdrWhiteLevel(picture.image(), 100.0f);
+    // k = 1: 255 - 155 * 155 / 255 = 160.78, and again 255 - 94.22 * 94.22 / 255 = 220.19.
+    EXPECT_EQ(picture.pixel(0, 0), (_tagMyRGBQUAD{220, 220, 255, 0}));
+
+    picture.setPixel(1, 0, {100, 100, 255, 0});
+    hdrWhiteLevel(picture.image(), -100.0f);
+    // k = -1, once: 255 - 355 * 155 / 255 = 39.2.
+    EXPECT_EQ(picture.pixel(1, 0), (_tagMyRGBQUAD{39, 39, 255, 0}));
+}
+
+TEST(ShadowsAndBlacks, AreLopsidedTheOppositeWay) {
+    const auto onGrey51 = [](ImageStage stage, float setting) {
+        HostPicture picture(1, 1, 8, IMAGE_FORMAT_GRAY);
+        picture.setPixel(0, 0, {51, 51, 51, 51});
+        stage(picture.image(), setting);
+        return int{picture.pixel(0, 0).red};
+    };
+    // M = 51: weight 0.8. The lift is 255 - (255 - k * 51) * 204 / 255 = 51 + 40.8 k.
+    EXPECT_EQ(onGrey51(hdrShadow, 50.0f), 83);       // a = 1, k = 0.8
+    EXPECT_EQ(onGrey51(hdrShadow, -50.0f), 42);      // a = -0.25, k = -0.2: 42.84
+    EXPECT_EQ(onGrey51(hdrBlackLevel, 50.0f), 59);   // a = 0.25, k = 0.2: 59.16
+    EXPECT_EQ(onGrey51(hdrBlackLevel, -50.0f), 18);  // a = -1, k = -0.8: 18.36
+}
+
+TEST(TonalStages, GiveADefinedResultForAnySetting) {
+    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    for (const ImageStage stage : imageStages) {
+        HostPicture picture(2, 1, 32, IMAGE_FORMAT_RGBA);
+        picture.setPixel(0, 0, {10, 20, 200, 77});
+        stage(picture.image(), nan);
+        EXPECT_EQ(picture.pixel(0, 0), (_tagMyRGBQUAD{0, 0, 0, 77})) << "NaN clamps to the bottom";
+    }
+    for (const float setting : {infinity, -infinity, 1e30f, -1e30f}) {
+        for (const ImageStage stage : imageStages) {
+            HostPicture picture(16, 16, 32, IMAGE_FORMAT_RGBA);
+            picture.fillRandom(3);
+            const HostPicture copy(picture);
+            stage(picture.image(), setting);
+            EXPECT_TRUE(picture.guardsIntact());
+            for (unsigned i = 0; i < 256; ++i) {
+                ASSERT_EQ(picture.bits()[4 * i + 3], copy.bits()[4 * i + 3]);
+            }
+        }
+    }
+    // An infinite exposure is white wherever there is light at all.
+    HostPicture picture = keladjust::test::everyByte();
+    exposureAdjustment(picture.image(), infinity);
+    EXPECT_EQ(picture.pixel(0, 0).red, 0);
+    EXPECT_EQ(picture.pixel(1, 0).red, 255);
+}
+
+}  // namespace

@@ -1,0 +1,195 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "support/ColourSweep.h"
+
+namespace {
+
+using keladjust::test::Bytes;
+using keladjust::test::clampByte;
+using keladjust::test::clampUnit;
+using keladjust::test::expectEveryColour;
+using keladjust::test::expectEveryEntry;
+using keladjust::test::Floats;
+using keladjust::test::HostPicture;
+
+constexpr float infinity = std::numeric_limits<float>::infinity();
+constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+
+Bytes vibranceModel(float vibrance, Bytes in) {
+    const float a = vibrance / 100.0f * 0.8f;
+    const int lightness = (std::min({in[0], in[1], in[2]}) + std::max({in[0], in[1], in[2]})) >> 1;
+    int smallest = 255;
+    int largest = 0;
+    for (const int c : in) {
+        const int d = std::clamp(c - lightness, 0, 255);
+        smallest = std::min(smallest, d);
+        largest = std::max(largest, d);
+    }
+    const int m = (smallest + largest) >> 1;
+    const int n = m == 0 ? 0 : 256 - m;
+    const auto k = static_cast<long long>(256 + std::trunc(static_cast<float>(n) * a));
+    Bytes out{};
+    for (std::size_t i = 0; i < 3; ++i) {
+        out[i] = static_cast<int>(
+            std::clamp<long long>((in[i] * k + lightness * (256 - k)) >> 8, 0, 255));
+    }
+    return out;
+}
+
+TEST(Vibrance, FollowsTheFormulaForEveryColour) {
+    for (const float vibrance : {100.0f, 33.0f, -100.0f, 5000.0f}) {
+        expectEveryColour([&](CxImage* image) { return vibranceAdjustment(image, vibrance); },
+                          [&](Bytes in) { return vibranceModel(vibrance, in); });
+    }
+}
+
+TEST(Vibrance, FollowsTheFormulaInTables) {
+    for (const float vibrance : {100.0f, 33.0f, -100.0f}) {
+        const float a = vibrance / 100.0f * 0.8f;
+        expectEveryEntry(
+            [&](float* lut, unsigned long count, int stride) {
+                return lut3d_vibranceAdjustment(lut, count, stride, vibrance);
+            },
+            [&](Floats in) {
+                const float lightness =
+                    (std::min({in[0], in[1], in[2]}) + std::max({in[0], in[1], in[2]})) * 0.5f;
+                Floats d = in;
+                for (float& c : d) c = clampUnit(c - lightness);
+                const float m =
+                    (std::min({d[0], d[1], d[2]}) + std::max({d[0], d[1], d[2]})) * 0.5f;
+                const float f = (1.0f - m) * a + 1.0f;
+                const float o = (1.0f - f) * lightness;
+                for (float& c : in) c = clampUnit(f * c + o);
+                return in;
+            });
+    }
+}
+
+TEST(Vibrance, WorkedExample) {
+    HostPicture picture(1, 1, 24, IMAGE_FORMAT_RGB);
+    picture.setPixel(0, 0, {100, 100, 200, 0});
+    vibranceAdjustment(picture.image(), 100.0f);
+    EXPECT_EQ(picture.pixel(0, 0), (_tagMyRGBQUAD{64, 64, 235, 0}));
+}
+
+TEST(Vibrance, LeavesGreysAloneInBothForms) {
+    HostPicture picture = keladjust::test::everyByte();
+    const auto before = picture.bytes();
+    vibranceAdjustment(picture.image(), 100.0f);
+    EXPECT_EQ(picture.bytes(), before);
+
+    float grey[] = {0.25f, 0.25f, 0.25f};
+    lut3d_vibranceAdjustment(grey, 1, 3, 100.0f);
+    // f * 0.25 + (1 - f) * 0.25 in single precision; f = 1.8.
+    EXPECT_FLOAT_EQ(grey[0], 0.25f);
+    EXPECT_EQ(grey[0], grey[1]);
+    EXPECT_EQ(grey[1], grey[2]);
+}
+
+TEST(VibranceAndHue, AtZeroChangeNothing) {
+    HostPicture picture(61, 7, 32, IMAGE_FORMAT_BGRA);
+    const auto before = picture.fillRandom(1).bytes();
+    EXPECT_EQ(vibranceAdjustment(picture.image(), 0.0f), picture.image());
+    EXPECT_EQ(hueAdjustment(picture.image(), 0.0f), picture.image());
+    EXPECT_EQ(picture.bytes(), before);
+}
+
+// The bytes of a pixel in memory order.
+Bytes hueModel(float angle, Bytes bytes) {
+    const double x = angle * 3.141592653589793 / 180;
+    const auto c = static_cast<float>(std::cos(x));
+    const auto s = static_cast<float>(std::sin(x));
+    const float t = (1.0f - c) * 0.33333334f;
+    const float u = std::sqrt(0.33333334f) * s;
+    auto f = [&](std::size_t i) { return static_cast<float>(bytes[i]); };
+    bytes[0] = clampByte(f(0) * ((1.0f - c) / 3.0f + c) + f(1) * (t - u) + f(2) * (t + u));
+    bytes[1] = clampByte(f(1) * (t + c) + f(0) * (t + u) + f(2) * (t - u));
+    bytes[2] = clampByte(f(1) * (t + u) + f(0) * (t - u) + f(2) * (t + c));
+    return bytes;
+}
+
+TEST(Hue, FollowsTheRotationForEveryColour) {
+    for (const float angle : {30.0f, -120.0f, 360.0f}) {
+        expectEveryColour([&](CxImage* image) { return hueAdjustment(image, angle); },
+                          [&](Bytes rgb) {
+                              const Bytes bgr = hueModel(angle, {rgb[2], rgb[1], rgb[0]});
+                              return Bytes{bgr[2], bgr[1], bgr[0]};
+                          });
+    }
+}
+
+TEST(Hue, WorksOnBytesInMemoryOrderWhateverTheFormat) {
+    HostPicture picture(1, 1, 24, IMAGE_FORMAT_RGB);
+    picture.setPixel(0, 0, {30, 90, 200, 0});  // in memory 200, 90, 30
+    hueAdjustment(picture.image(), 40.0f);
+    const Bytes expected = hueModel(40.0f, {200, 90, 30});
+    EXPECT_EQ(picture.bits()[0], expected[0]);
+    EXPECT_EQ(picture.bits()[1], expected[1]);
+    EXPECT_EQ(picture.bits()[2], expected[2]);
+}
+
+TEST(Hue, FullTurnLeavesPixelsWithinOneLevel) {
+    // The matrix is the identity but for single-precision rounding, and truncation then takes up to
+    // one level a row; rows feed on one another, but their weights for other channels are about 0.
+    HostPicture picture(64, 64, 32, IMAGE_FORMAT_BGRA);
+    picture.fillRandom(5);
+    const HostPicture before(picture);
+    hueAdjustment(picture.image(), 360.0f);
+    for (std::size_t i = 0; i < picture.size(); ++i) {
+        EXPECT_NEAR(picture.bits()[i], before.bits()[i], 1);
+    }
+}
+
+TEST(Hue, LeavesPicturesOfFewerThanThreeBytesAPixelAlone) {
+    for (const unsigned bpp : {8u, 16u}) {
+        HostPicture picture(9, 5, bpp, IMAGE_FORMAT_RGB);
+        const auto before = picture.fillRandom(2).bytes();
+        hueAdjustment(picture.image(), 90.0f);
+        EXPECT_EQ(picture.bytes(), before);
+    }
+}
+
+TEST(Hue, OfAPaddedPictureRunsAlongTheBuffer) {
+    // 10 pixels of 3 bytes: the last two bytes of the 32 are out of reach, padding byte 15 is not.
+    HostPicture picture(5, 2, 24, IMAGE_FORMAT_BGR);
+    picture.fillRandom(4);
+    HostPicture expected(picture);
+    for (std::size_t i = 0; i < 30; i += 3) {
+        std::uint8_t* p = expected.bits() + i;
+        const Bytes rotated = hueModel(75.0f, {p[0], p[1], p[2]});
+        for (std::size_t c = 0; c < 3; ++c) p[c] = static_cast<std::uint8_t>(rotated[c]);
+    }
+    hueAdjustment(picture.image(), 75.0f);
+    EXPECT_EQ(picture.bytes(), expected.bytes());
+    EXPECT_TRUE(picture.guardsIntact());
+}
+
+TEST(VibranceAndHue, GiveADefinedResultForAnySetting) {
+    // NaN: the truncated gain is 0, so k stays 256 and nothing moves.
+    HostPicture picture(4, 4, 32, IMAGE_FORMAT_BGRA);
+    const auto before = picture.fillRandom(6).bytes();
+    vibranceAdjustment(picture.image(), nan);
+    EXPECT_EQ(picture.bytes(), before);
+    // A hue of NaN or infinity has no cosine: all three channels clamp to the bottom.
+    for (const float angle : {nan, infinity}) {
+        HostPicture hue(picture);
+        hueAdjustment(hue.image(), angle);
+        for (std::size_t i = 0; i < hue.size(); ++i) {
+            EXPECT_EQ(hue.bits()[i], i % 4 == 3 ? before[i] : 0);
+        }
+    }
+    // 1e30 saturates the gain: 256 + (2^31 - 1) wraps to -2147483393 for every pixel that is not
+    // greyish, and the products wrap with it: red 200, green and blue 100, L 150 give
+    // (200 k + 150 (256 - k)) mod 2^32 = 50 k + 38400 mod 2^32 = 51150 -> 199, and for 100
+    // 38400 - 50 k mod 2^32 = 25650 -> 100.
+    HostPicture huge(1, 1, 24, IMAGE_FORMAT_RGB);
+    huge.setPixel(0, 0, {100, 100, 200, 0});
+    vibranceAdjustment(huge.image(), 1e30f);
+    EXPECT_EQ(huge.pixel(0, 0), (_tagMyRGBQUAD{100, 100, 199, 0}));
+}
+
+}  // namespace

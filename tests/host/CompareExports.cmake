@@ -1,0 +1,27 @@
+# Compares the names that LIBRARY exports with the lines of EXPECTED, both ways.
+execute_process(COMMAND ${NM} -D -C --defined-only ${LIBRARY}
+    OUTPUT_VARIABLE table COMMAND_ERROR_IS_FATAL ANY)
+string(REPLACE ";" "|" table "${table}")
+string(REPLACE "\n" ";" table "${table}")
+set(exported)
+foreach(line IN LISTS table)
+    # Address, kind, name. Constructors and destructors stand there once for each of their variants.
+    string(REGEX REPLACE "^[0-9a-f]+ [A-Za-z] " "" name "${line}")
+    if(name)
+        list(APPEND exported "${name}")
+    endif()
+endforeach()
+list(REMOVE_DUPLICATES exported)
+
+file(STRINGS ${EXPECTED} expected)
+list(LENGTH expected count)
+if(count EQUAL 0)
+    message(FATAL_ERROR "no names in ${EXPECTED}")
+endif()
+set(unexpected ${exported})
+list(REMOVE_ITEM unexpected ${expected})
+set(missing ${expected})
+list(REMOVE_ITEM missing ${exported})
+if(unexpected OR missing)
+    message(FATAL_ERROR "exported, but not promised: ${unexpected}\npromised, but not exported: ${missing}")
+endif()
