@@ -3,17 +3,12 @@
 #include <limits>
 #include <vector>
 
+#include "models/BrightnessContrast.h"
 #include "support/ColourSweep.h"
 
 namespace {
 
-using keladjust::test::Bytes;
-using keladjust::test::clampByte;
-using keladjust::test::clampUnit;
-using keladjust::test::everyByte;
-using keladjust::test::expectEveryEntry;
-using keladjust::test::Floats;
-using keladjust::test::HostPicture;
+using namespace keladjust::test;
 
 constexpr float infinity = std::numeric_limits<float>::infinity();
 constexpr float nan = std::numeric_limits<float>::quiet_NaN();
@@ -29,13 +24,6 @@ std::vector<int> curveOf(CxImage* (*stage)(CxImage*, float), float setting) {
         curve.push_back(p.red);
     }
     return curve;
-}
-
-int brightnessModel(float b, int c) {
-    const float value =
-        b > 0 ? b / 100.0f + 1.0f : (1.0f / (b / 253.0f + 0.99f) - 1.0f) * -255.0f * 0.6f;
-    const auto channel = static_cast<float>(c);
-    return clampByte(value > 0 ? channel * value : channel + value);
 }
 
 TEST(Brightness, FollowsItsCurveForEveryByte) {
@@ -118,30 +106,6 @@ TEST(Brightness, TouchesTheBytesThatAPixelHas) {
         }
         EXPECT_TRUE(picture.guardsIntact());
     }
-}
-
-int contrastModel(float setting, int c) {
-    const float v =
-        (setting > 0 ? 1.0f / (1.0f - setting / 255.0f) - 1.0f : setting / 255.0f) * 100.0f * 0.5f;
-    // In 64 bits nothing wraps; only where v leaves 32 bits could that matter, and there it ends in
-    // one of the two fixed windows either way.
-    long long low = v != v       ? 0
-                    : v >= 2e9f  ? 2000000000
-                    : v <= -2e9f ? -2000000000
-                                 : static_cast<long long>(v);
-    long long high = 255 - low;
-    long long range = low < 0 ? 2 * low + 255 : 255 - 2 * low;
-    if (high < low) {
-        low = 120;
-        high = 127;
-        range = 15;
-    } else if (low < -127) {
-        low = -120;
-        range = 15;
-    }
-    if (low < 1) return static_cast<int>(c * range / 255 - low);
-    if (c <= low) return 0;
-    return c <= high ? static_cast<int>((c - low) * 255 / range) : 255;
 }
 
 TEST(Contrast, FollowsItsWindowForEveryByte) {

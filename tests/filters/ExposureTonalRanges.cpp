@@ -4,69 +4,12 @@
 #include <cmath>
 #include <limits>
 
+#include "models/ExposureTonalRanges.h"
 #include "support/ColourSweep.h"
 
 namespace {
 
-using keladjust::test::Bytes;
-using keladjust::test::clampByte;
-using keladjust::test::clampUnit;
-using keladjust::test::expectEveryColour;
-using keladjust::test::expectEveryEntry;
-using keladjust::test::Floats;
-using keladjust::test::HostPicture;
-
-// The formulas in few lines, straight from the definition of the screen lift.
-float lift(float c, float k, float scale) {
-    return scale - (scale - k * c) * (scale - c) / scale;
-}
-float whole(float v) {
-    return std::trunc(v);
-}
-
-struct Tonal {
-    CxImage* (*image)(CxImage*, float);
-    float* (*table)(float*, unsigned long, int, float);
-    bool dark;       // weighted by 1 - M rather than M
-    bool doubled;    // a positive lift is done twice
-    bool wraps;      // low byte rather than clamp
-    float positive;  // strength of positive and negative settings
-    float negative;
-};
-constexpr Tonal highlights{hdrHighlight, lut3d_hdrHighlight, false, false, true, 1.0f, 1.0f};
-constexpr Tonal shadows{hdrShadow, lut3d_hdrShadow, true, false, true, 2.0f, 0.5f};
-constexpr Tonal whites{hdrWhiteLevel, lut3d_hdrWhiteLevel, false, true, false, 1.0f, 1.0f};
-constexpr Tonal blacks{hdrBlackLevel, lut3d_hdrBlackLevel, true, false, false, 0.5f, 2.0f};
-
-float coefficient(const Tonal& tonal, float setting, float largest, float scale) {
-    const float a = setting / 100.0f * (setting > 0 ? tonal.positive : tonal.negative);
-    return (tonal.dark ? 1.0f - largest / scale : largest / scale) * a;
-}
-
-Bytes tonalModel(const Tonal& tonal, float setting, Bytes in) {
-    const float k =
-        coefficient(tonal, setting, static_cast<float>(std::max({in[0], in[1], in[2]})), 255.0f);
-    Bytes out{};
-    for (std::size_t c = 0; c < 3; ++c) {
-        float v = lift(static_cast<float>(in[c]), k, 255.0f);
-        if (tonal.doubled && k > 0) v = lift(v, k, 255.0f);
-        // Every value the sweeps reach fits in 64 bits, whose low byte is that of 32.
-        out[c] =
-            tonal.wraps ? static_cast<int>(static_cast<long long>(whole(v)) & 255) : clampByte(v);
-    }
-    return out;
-}
-
-Floats tonalTableModel(const Tonal& tonal, float setting, Floats in) {
-    const float k = coefficient(tonal, setting, std::max({in[0], in[1], in[2]}), 1.0f);
-    Floats out{};
-    for (std::size_t c = 0; c < 3; ++c) {
-        float v = lift(in[c], k, 1.0f);
-        if (tonal.doubled && k > 0) v = lift(v, k, 1.0f);
-        out[c] = clampUnit(v);
-    }
-    return out;
-}
+using namespace keladjust::test;
 
 class TonalRange : public testing::TestWithParam<std::tuple<Tonal, float>> {};
 

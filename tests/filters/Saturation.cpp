@@ -3,50 +3,17 @@
 #include <algorithm>
 #include <limits>
 
+#include "models/Saturation.h"
 #include "support/ColourSweep.h"
 
 namespace {
 
-using keladjust::test::Bytes;
-using keladjust::test::clampByte;
-using keladjust::test::clampUnit;
-using keladjust::test::expectEveryColour;
-using keladjust::test::expectEveryEntry;
-using keladjust::test::Floats;
-using keladjust::test::HostPicture;
-
-// One pixel on a scale of `scale`, unclamped.
-Floats stretch(float setting, Floats in, float scale) {
-    const float s = setting / 100.0f;
-    const float hi = std::max({in[0], in[1], in[2]});
-    const float lo = std::min({in[0], in[1], in[2]});
-    const float delta = (hi - lo) / scale;
-    if (delta == 0) return in;
-    const float sum = (hi + lo) / scale;
-    const float sat = sum * 0.5f < 0.5f ? delta / sum : delta / (2.0f - sum);
-    const float lightness = sum * 0.5f * scale;
-    for (float& c : in) {
-        if (s >= 0) {
-            const float f = 1.0f / (sat + s >= 1 ? sat : 1.0f - s) - 1.0f;
-            c = c + (c - lightness) * f;
-        } else {
-            c = lightness + (c - lightness) * (1.0f + s);
-        }
-    }
-    return in;
-}
+using namespace keladjust::test;
 
 TEST(Saturation, FollowsTheFormulaForEveryColour) {
     for (const float setting : {100.0f, 50.0f, 7.0f, -30.0f, -100.0f, -250.0f}) {
         expectEveryColour([&](CxImage* image) { return saturationAdjustment(image, setting); },
-                          [&](Bytes in) {
-                              const Floats out =
-                                  stretch(setting,
-                                          {static_cast<float>(in[0]), static_cast<float>(in[1]),
-                                           static_cast<float>(in[2])},
-                                          255.0f);
-                              return Bytes{clampByte(out[0]), clampByte(out[1]), clampByte(out[2])};
-                          });
+                          [&](Bytes in) { return saturationModel(setting, in); });
     }
 }
 
@@ -58,7 +25,7 @@ TEST(Saturation, FollowsTheFormulaInTables) {
             },
             [&](Floats in) {
                 if (in[0] == in[1] && in[1] == in[2]) return in;
-                const Floats out = stretch(setting, in, 1.0f);
+                const Floats out = saturationModel(setting, in, 1.0f);
                 return Floats{clampUnit(out[0]), clampUnit(out[1]), clampUnit(out[2])};
             });
     }

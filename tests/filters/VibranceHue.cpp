@@ -4,41 +4,15 @@
 #include <cmath>
 #include <limits>
 
+#include "models/VibranceHue.h"
 #include "support/ColourSweep.h"
 
 namespace {
 
-using keladjust::test::Bytes;
-using keladjust::test::clampByte;
-using keladjust::test::clampUnit;
-using keladjust::test::expectEveryColour;
-using keladjust::test::expectEveryEntry;
-using keladjust::test::Floats;
-using keladjust::test::HostPicture;
+using namespace keladjust::test;
 
 constexpr float infinity = std::numeric_limits<float>::infinity();
 constexpr float nan = std::numeric_limits<float>::quiet_NaN();
-
-Bytes vibranceModel(float vibrance, Bytes in) {
-    const float a = vibrance / 100.0f * 0.8f;
-    const int lightness = (std::min({in[0], in[1], in[2]}) + std::max({in[0], in[1], in[2]})) >> 1;
-    int smallest = 255;
-    int largest = 0;
-    for (const int c : in) {
-        const int d = std::clamp(c - lightness, 0, 255);
-        smallest = std::min(smallest, d);
-        largest = std::max(largest, d);
-    }
-    const int m = (smallest + largest) >> 1;
-    const int n = m == 0 ? 0 : 256 - m;
-    const auto k = static_cast<long long>(256 + std::trunc(static_cast<float>(n) * a));
-    Bytes out{};
-    for (std::size_t i = 0; i < 3; ++i) {
-        out[i] = static_cast<int>(
-            std::clamp<long long>((in[i] * k + lightness * (256 - k)) >> 8, 0, 255));
-    }
-    return out;
-}
 
 TEST(Vibrance, FollowsTheFormulaForEveryColour) {
     for (const float vibrance : {100.0f, 33.0f, -100.0f, 5000.0f}) {
@@ -96,20 +70,6 @@ TEST(VibranceAndHue, AtZeroChangeNothing) {
     EXPECT_EQ(vibranceAdjustment(picture.image(), 0.0f), picture.image());
     EXPECT_EQ(hueAdjustment(picture.image(), 0.0f), picture.image());
     EXPECT_EQ(picture.bytes(), before);
-}
-
-// The bytes of a pixel in memory order.
-Bytes hueModel(float angle, Bytes bytes) {
-    const double x = angle * 3.141592653589793 / 180;
-    const auto c = static_cast<float>(std::cos(x));
-    const auto s = static_cast<float>(std::sin(x));
-    const float t = (1.0f - c) * 0.33333334f;
-    const float u = std::sqrt(0.33333334f) * s;
-    auto f = [&](std::size_t i) { return static_cast<float>(bytes[i]); };
-    bytes[0] = clampByte(f(0) * ((1.0f - c) / 3.0f + c) + f(1) * (t - u) + f(2) * (t + u));
-    bytes[1] = clampByte(f(1) * (t + c) + f(0) * (t + u) + f(2) * (t - u));
-    bytes[2] = clampByte(f(1) * (t + u) + f(0) * (t - u) + f(2) * (t + c));
-    return bytes;
 }
 
 TEST(Hue, FollowsTheRotationForEveryColour) {

@@ -10,13 +10,10 @@
 #include <thread>
 #include <vector>
 
+#include "models/Scalars.h"
 #include "support/HostPicture.h"
 
 namespace keladjust::test {
-
-/// Red, green, blue.
-using Bytes = std::array<int, 3>;
-using Floats = std::array<float, 3>;
 
 /// Runs `stage(CxImage*)` on a picture of all 16.7 million colours and compares every pixel with
 /// `model(Bytes) -> Bytes`, alpha with what it was.
@@ -107,14 +104,6 @@ void expectEveryEntry(Stage stage, Model model) {
             }
         }
     }
-}
-
-/// NaN gives the lower bound.
-inline int clampByte(double value) {
-    return value > 0 ? (value < 255 ? static_cast<int>(value) : 255) : 0;
-}
-inline float clampUnit(float value) {
-    return value > 0 ? (value < 1 ? value : 1.0f) : 0.0f;
 }
 
 }  // namespace keladjust::test

@@ -1,0 +1,119 @@
+// Each per-pixel stage beside the same formula applied pixel by pixel through GetPixelColor() and
+// SetPixelColor(). Names end in library or naive; the arguments are width and height.
+
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+#include <functional>
+#include <string>
+
+#include "models/BrightnessContrast.h"
+#include "models/ColourRanges.h"
+#include "models/ExposureTonalRanges.h"
+#include "models/Saturation.h"
+#include "models/TemperatureTint.h"
+#include "models/VibranceHue.h"
+#include "support/BenchPicture.h"
+
+namespace {
+
+using namespace keladjust::test;
+
+struct Row {
+    const char* name;
+    CxImage* (*library)(CxImage*);
+    Bytes (*formula)(Bytes);
+};
+
+constexpr Range orange{15, 75, 0, 30, 0};
+constexpr Range orangeThree{15, 75, 20, 30, -20};
+
+// The formulas compute their constants anew for every pixel, as the plainest host code would.
+const Row rows[] = {
+    {"temperature", [](CxImage* i) { return temperatureAdjustment(i, 9000); },
+     [](Bytes c) { return temperatureModel(9000, c); }},
+    {"tint", [](CxImage* i) { return tintAdjustment(i, 40); },
+     [](Bytes c) { return tintModel(40, c); }},
+    {"exposure", [](CxImage* i) { return exposureAdjustment(i, 10); },
+     [](Bytes c) { return exposureModel(10, c); }},
+    {"brightness", [](CxImage* i) { return brightnessAdjustment(i, 10); },
+     [](Bytes c) {
+         return Bytes{brightnessModel(10, c[0]), brightnessModel(10, c[1]),
+                      brightnessModel(10, c[2])};
+     }},
+    {"contrast", [](CxImage* i) { return contrastAdjustment(i, 20); },
+     [](Bytes c) {
+         return Bytes{contrastModel(20, c[0]), contrastModel(20, c[1]), contrastModel(20, c[2])};
+     }},
+    {"vibrance", [](CxImage* i) { return vibranceAdjustment(i, 50); },
+     [](Bytes c) { return vibranceModel(50, c); }},
+    {"saturation", [](CxImage* i) { return saturationAdjustment(i, 30); },
+     [](Bytes c) { return saturationModel(30, c); }},
+    {"highlights", [](CxImage* i) { return hdrHighlight(i, -40); },
+     [](Bytes c) { return tonalModel(highlights, -40, c); }},
+    {"shadows", [](CxImage* i) { return hdrShadow(i, 40); },
+     [](Bytes c) { return tonalModel(shadows, 40, c); }},
+    {"whites", [](CxImage* i) { return hdrWhiteLevel(i, 20); },
+     [](Bytes c) { return tonalModel(whites, 20, c); }},
+    {"blacks", [](CxImage* i) { return hdrBlackLevel(i, -20); },
+     [](Bytes c) { return tonalModel(blacks, -20, c); }},
+    {"hue", [](CxImage* i) { return hueAdjustment(i, 30); },
+     [](Bytes c) {
+         const Bytes bgr = hueModel(30, {c[2], c[1], c[0]});
+         return Bytes{bgr[2], bgr[1], bgr[0]};
+     }},
+    {"colour range, one slider",
+     [](CxImage* i) { return adjustSaturationFilter(i, orange.min, orange.max, 30); },
+     [](Bytes c) { return byteModel(orange, c); }},
+    {"colour range, three sliders",
+     [](CxImage* i) {
+         return doHSLAdjustFilter(i, orangeThree.min, orangeThree.max, orangeThree.hue,
+                                  orangeThree.saturation, orangeThree.brightness);
+     },
+     [](Bytes c) { return byteModel(orangeThree, c); }},
+};
+
+void naive(CxImage& image, Bytes (*formula)(Bytes)) {
+    const auto width = static_cast<int>(image.GetWidth());
+    const auto height = static_cast<int>(image.GetHeight());
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const _tagMyRGBQUAD p = image.GetPixelColor(x, y, true);
+            const Bytes c = formula({p.red, p.green, p.blue});
+            image.SetPixelColor(x, y,
+                                {static_cast<unsigned char>(c[2]), static_cast<unsigned char>(c[1]),
+                                 static_cast<unsigned char>(c[0]), p.alpha});
+        }
+    }
+}
+
+void measure(benchmark::State& state, const std::function<void(CxImage&)>& stage) {
+    CxImage original;
+    keladjust::bench::createPhotographLike(original, state.range(0), state.range(1));
+    CxImage image;
+    for (auto _ : state) {
+        state.PauseTiming();
+        image.Copy(original);
+        state.ResumeTiming();
+        stage(image);
+    }
+    state.counters["megapixels/s"] =
+        benchmark::Counter(static_cast<double>(state.range(0) * state.range(1)) / 1e6,
+                           benchmark::Counter::kIsIterationInvariantRate);
+}
+
+const bool registered = [] {
+    for (const Row& row : rows) {
+        const auto add = [&row](const std::string& kind, auto stage) {
+            benchmark::RegisterBenchmark(
+                (std::string(row.name) + "/" + kind).c_str(),
+                [stage](benchmark::State& state) { measure(state, stage); })
+                ->Apply(keladjust::bench::pictureSizes);
+        };
+        add("library", [&row](CxImage& image) { row.library(&image); });
+        add("naive", [&row](CxImage& image) { naive(image, row.formula); });
+    }
+    return true;
+}();
+
+}  // namespace

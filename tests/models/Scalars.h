@@ -1,0 +1,24 @@
+#ifndef KELADJUST_TESTS_MODELS_SCALARS_H
+#define KELADJUST_TESTS_MODELS_SCALARS_H
+
+#include <array>
+
+/// The formulas of the stages in a few lines each, pixel by pixel, written apart from the library:
+/// what tests expect and what benchmarks compare with.
+namespace keladjust::test {
+
+/// Red, green, blue: 0..255 and 0..1.
+using Bytes = std::array<int, 3>;
+using Floats = std::array<float, 3>;
+
+/// NaN gives the lower bound.
+inline int clampByte(double value) {
+    return value > 0 ? (value < 255 ? static_cast<int>(value) : 255) : 0;
+}
+inline float clampUnit(float value) {
+    return value > 0 ? (value < 1 ? value : 1.0f) : 0.0f;
+}
+
+}  // namespace keladjust::test
+
+#endif
