@@ -11,6 +11,7 @@
 
 #include "host/LibraryState.h"
 #include "host/Pipeline.h"
+#include "lut/LibraryLut.h"
 #include "platform/Event.h"
 #include "platform/Parallel.h"
 
@@ -47,6 +48,8 @@ void createBusyEvent(LibraryState& state) {
 }  // namespace
 
 bool initOgreRunTime(const char*, const char*) {
+    // The colour table needs no engine: it is there even if the engine does not come up.
+    keladjust::buildLibraryLut();
     LibraryState& state = libraryState();
     try {
         createBusyEvent(state);
@@ -58,6 +61,7 @@ bool initOgreRunTime(const char*, const char*) {
 }
 
 void releaseOgre() {
+    keladjust::destroyLibraryLut();
     libraryState().setBusyEvent(nullptr);
 }
 
@@ -89,4 +93,12 @@ void releaseCxImage(CxImage* image) {
 CxImage* doAdjust(CxImage* image, _AdjustParam parameters) {
     const BusyLock lock;
     return keladjust::runCpuPipeline(image, parameters);
+}
+
+float* getLut3dData(_AdjustParam parameters) {
+    return keladjust::bakeLibraryLut(parameters);
+}
+
+bool writeLut3DFile(_AdjustParam parameters, const char* path) {
+    return keladjust::writeLibraryLut(parameters, path);
 }
