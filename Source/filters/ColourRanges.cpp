@@ -2,6 +2,7 @@
 
 #include "filters/ColourRanges.h"
 
+#include <array>
 #include <cstdint>
 
 #include "filters/HslColour.h"
@@ -109,16 +110,19 @@ ColourRangeKernel::ColourRangeKernel(float minDegree, float maxDegree, float hue
       change_(hue, saturation, brightness) {}
 
 void ColourRangeKernel::run(PixelSpan& span) const {
-    const auto store = [](Colour mixed) {
-        return mapChannels(mixed, [](float channel) { return byteToUnit(unitToByte(channel)); });
+    std::array<std::uint8_t, 3> bytes;
+    // Between the steps a picture holds the colour as bytes.
+    const auto store = [&bytes](Colour mixed) {
+        bytes = {unitToByte(mixed.red), unitToByte(mixed.green), unitToByte(mixed.blue)};
+        return Colour{byteToUnit(bytes[0]), byteToUnit(bytes[1]), byteToUnit(bytes[2])};
     };
     for (std::size_t i = 0; i < span.count; ++i) {
-        Colour c{byteToUnit(span.red[i]), byteToUnit(span.green[i]), byteToUnit(span.blue[i])};
-        c = changeColour(c, band_, change_, store);
-        // Rounding finds the stored byte again where truncation might miss it.
-        span.red[i] = static_cast<std::uint8_t>(c.red * 255.0f + 0.5f);
-        span.green[i] = static_cast<std::uint8_t>(c.green * 255.0f + 0.5f);
-        span.blue[i] = static_cast<std::uint8_t>(c.blue * 255.0f + 0.5f);
+        bytes = {span.red[i], span.green[i], span.blue[i]};
+        const Colour c{byteToUnit(bytes[0]), byteToUnit(bytes[1]), byteToUnit(bytes[2])};
+        changeColour(c, band_, change_, store);
+        span.red[i] = bytes[0];
+        span.green[i] = bytes[1];
+        span.blue[i] = bytes[2];
     }
 }
 
