@@ -5,10 +5,8 @@
 
 #include <cstdint>
 
-#include "ImageFormat/RawWalk.h"
 #include "filters/Rounding.h"
 #include "filters/StageForms.h"
-#include "platform/Parallel.h"
 
 namespace keladjust {
 
@@ -114,20 +112,6 @@ private:
     ContrastWindow<float> window_;
 };
 
-void brightenRawWalk(CxImage& image, const ByteTable& table) {
-    constexpr std::size_t pixelsPerThread = 1 << 16;
-    const RawWalk walk = rawWalkOf(image);
-    platform::parallelBands(walk.count, platform::bandCount(walk.count, pixelsPerThread),
-                            [&](std::size_t, std::size_t begin, std::size_t end) {
-                                for (std::size_t i = begin; i < end; ++i) {
-                                    std::uint8_t* pixel = walk.first + i * walk.step;
-                                    for (std::size_t c = 0; c < walk.channels; ++c) {
-                                        pixel[c] = table[pixel[c]];
-                                    }
-                                }
-                            });
-}
-
 }  // namespace
 
 BrightnessKernel::BrightnessKernel(float setting) : active_(setting != 0.0f) {
@@ -148,7 +132,7 @@ CxImage* brightnessAdjustment(CxImage* image, float brightness) {
     return keladjust::exportedForm(image, [&] {
         const keladjust::BrightnessKernel kernel(brightness);
         if (image != nullptr && kernel.active()) {
-            keladjust::brightenRawWalk(*image, *kernel.table());
+            keladjust::mapRawWalk(*image, *kernel.table());
         }
     });
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "ImageFormat/Geometry.h"
+#include "ImageFormat/RawWalk.h"
 #include "platform/Parallel.h"
 
 namespace keladjust {
@@ -49,6 +50,21 @@ void runKernels(CxImage& image, std::span<const PixelKernel* const> kernels) {
                                     runOnRow(image, layout, static_cast<unsigned>(y), kernels,
                                              span);
                                 }
+                            });
+}
+
+void mapRawWalk(CxImage& image, const ByteTable& table) {
+    const RawWalk walk = rawWalkOf(image);
+    platform::parallelBands(walk.count, platform::bandCount(walk.count, pixelsPerThread),
+                            [&](std::size_t, std::size_t begin, std::size_t end) {
+                                withStep(walk.step, [&](auto step) {
+                                    const std::size_t channels = std::min<std::size_t>(3, step);
+                                    for (std::size_t i = begin; i < end; ++i) {
+                                        std::uint8_t* const pixel = walk.first + i * step;
+                                        for (std::size_t c = 0; c < channels; ++c)
+                                            pixel[c] = table[pixel[c]];
+                                    }
+                                });
                             });
 }
 

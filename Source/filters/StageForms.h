@@ -17,6 +17,9 @@ namespace keladjust {
 /// is what they would leave one by one. Rows are spread over threads.
 void runKernels(CxImage& image, std::span<const PixelKernel* const> kernels);
 
+/// Maps every channel byte of the picture along the raw walk.
+void mapRawWalk(CxImage& image, const ByteTable& table);
+
 /// Calls `body()` as an exported function does: in the default floating-point environment, and with
 /// no exception passing on. A body allocates before it changes a pixel, so a picture for which
 /// memory is short is still whole.

@@ -9,6 +9,7 @@
 #include <new>
 #include <utility>
 
+#include "filters/LensCorrection.h"
 #include "host/LibraryState.h"
 #include "host/Pipeline.h"
 #include "lut/LibraryLut.h"
@@ -63,6 +64,7 @@ bool initOgreRunTime(const char*, const char*) {
 void releaseOgre() {
     keladjust::destroyLibraryLut();
     libraryState().setBusyEvent(nullptr);
+    keladjust::releaseLensMaps();
 }
 
 const char* setLogPath(const char* path) {

@@ -15,6 +15,7 @@
 #include "filters/StageForms.h"
 #include "filters/TemperatureTint.h"
 #include "filters/VibranceHue.h"
+#include "filters/Vignette.h"
 
 namespace keladjust {
 
@@ -65,9 +66,17 @@ constexpr Stage colourRange() {
             }};
 }
 
-CxImage* vignette(CxImage* image, const _AdjustParam& p) {
-    return vignetteAdjustFilter(image, p.vignetteAmount, p.vignetteFeather, p.vignetteHighlights,
-                                p.vignetteSize, p.vignetteRoundness, p.vignetteExposure);
+constexpr Stage vignette() {
+    return {[](CxImage* image, const _AdjustParam& p) {
+                return vignetteAdjustFilter(image, p.vignetteAmount, p.vignetteFeather,
+                                            p.vignetteHighlights, p.vignetteSize,
+                                            p.vignetteRoundness, p.vignetteExposure);
+            },
+            [](const CxImage& image, const _AdjustParam& p) -> KernelPointer {
+                return std::make_unique<VignetteKernel>(
+                    image.width, image.height, p.vignetteAmount, p.vignetteFeather,
+                    p.vignetteHighlights, p.vignetteSize, p.vignetteRoundness, p.vignetteExposure);
+            }};
 }
 
 using P = _AdjustParam;
@@ -92,7 +101,7 @@ constexpr Stage stages[] = {
     colourRange<KELADJUST_RANGE_PURPLE>(),
     colourRange<KELADJUST_RANGE_BLUE>(),
     colourRange<KELADJUST_RANGE_AQUA>(),
-    {vignette},
+    vignette(),
     spatial<clarity, &P::clarity>(),
     spatial<sharpen, &P::sharpen>(),
     spatial<distortFilter, &P::distortion>(),

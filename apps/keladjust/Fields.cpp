@@ -19,8 +19,9 @@ constexpr std::string_view VIGNETTE = "Vignette";
 constexpr std::string_view LENS = "Lens and effects";
 constexpr std::string_view NOISE = "Noise";
 
-/// Each band reaches from the centre of one neighbour to the centre of the other, so that the eight
-/// cover the circle and every hue lies in two of them. Red wraps through 0.
+/// A band works most in its middle, red's at 0, and less towards its ends. So that each works most
+/// on the colour it is named after, the middles are at 0, 30, 60, 120, 180, 240, 270 and 300
+/// degrees; so that no hue is out of reach, neighbours overlap around the whole circle.
 struct ColourBand {
     const char* name;
     double from;
@@ -28,8 +29,8 @@ struct ColourBand {
 };
 
 constexpr ColourBand BANDS[KELADJUST_RANGE_COUNT] = {
-    {"red", 300, 30},      {"orange", 0, 60},    {"yellow", 30, 120}, {"green", 60, 180},
-    {"magenta", 270, 360}, {"purple", 240, 300}, {"blue", 180, 270},  {"aqua", 120, 240},
+    {"red", 300, 30},      {"orange", 0, 60},    {"yellow", 30, 90}, {"green", 60, 180},
+    {"magenta", 270, 330}, {"purple", 240, 300}, {"blue", 180, 300}, {"aqua", 120, 240},
 };
 
 void addBand(std::vector<Field>& table, std::size_t index) {

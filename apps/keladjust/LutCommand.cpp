@@ -43,6 +43,7 @@ void refuseToReplacePresets(const std::filesystem::path& output, const CommandLi
 
 void writeBlueFastest(const _AdjustParam& record, const std::filesystem::path& output) {
     AtomicFile file(output);
+    file.write({});  // finds out, with a better message, whether the library can write there
     if (!writeLut3DFile(record, file.temporary().string().c_str())) {
         throw Failure("cannot write " + textOf(output) +
                       "; check that the folder exists and you may write to it");

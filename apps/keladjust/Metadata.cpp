@@ -1,5 +1,8 @@
 #include "Metadata.h"
 
+#include "codecs/Codec.h"
+#include "codecs/WebPContainer.h"
+
 #include <exiv2/exiv2.hpp>
 
 #include <algorithm>
@@ -14,6 +17,7 @@ struct Metadata::Content {
     Exiv2::ExifData exif;
     Exiv2::XmpData xmp;
     Exiv2::IptcData iptc;
+    Exiv2::ByteOrder byteOrder = Exiv2::littleEndian;  // camera makers' notes may depend on it
     std::string comment;
     Bytes profile;
     std::vector<std::string> notices;
@@ -95,6 +99,40 @@ bool canHold(const Exiv2::Image& image, Exiv2::MetadataId kind) {
     return mode == Exiv2::amWrite || mode == Exiv2::amReadWrite;
 }
 
+Bytes addWithExiv2(const Bytes& encoded, const Metadata::Content& content) {
+    const auto image = openImage(encoded);
+    if (image->byteOrder() == Exiv2::invalidByteOrder) image->setByteOrder(content.byteOrder);
+    if (canHold(*image, Exiv2::mdExif)) {
+        // A TIFF's own layout is among these entries and must stay.
+        Exiv2::ExifData exif = image->exifData();
+        for (const Exiv2::Exifdatum& datum : content.exif) exif[datum.key()] = datum.value();
+        image->setExifData(exif);
+    }
+    if (canHold(*image, Exiv2::mdXmp)) image->setXmpData(content.xmp);
+    if (canHold(*image, Exiv2::mdIptc)) image->setIptcData(content.iptc);
+    if (canHold(*image, Exiv2::mdComment)) image->setComment(content.comment);
+    if (!content.profile.empty()) {
+        Exiv2::DataBuf profile(content.profile.data(), static_cast<long>(content.profile.size()));
+        image->setIccProfile(profile);
+    }
+    image->writeMetadata();
+    Exiv2::BasicIo& io = image->io();
+    const unsigned char* bytes = io.mmap();
+    return Bytes(bytes, bytes + io.size());
+}
+
+// Exiv2 0.27 writes a wrong canvas size into a WebP file that gets its first metadata, and loses
+// the colour profile. So it only makes the parts here.
+Bytes addToWebP(const Bytes& encoded, const Metadata::Content& content) {
+    Exiv2::Blob exif;
+    Exiv2::ExifParser::encode(exif, content.byteOrder, content.exif);
+    std::string xmp;
+    if (!content.xmp.empty()) Exiv2::XmpParser::encode(xmp, content.xmp);
+    return withWebPChunks(
+        encoded,
+        {content.profile, exif, {reinterpret_cast<const unsigned char*>(xmp.data()), xmp.size()}});
+}
+
 }  // namespace
 
 Metadata::Metadata() : content_(std::make_unique<Content>()) {}
@@ -106,6 +144,9 @@ Metadata::Metadata(std::span<const unsigned char> file) : Metadata() {
         content_->exif = image->exifData();
         content_->xmp = image->xmpData();
         content_->iptc = image->iptcData();
+        if (image->byteOrder() != Exiv2::invalidByteOrder) {
+            content_->byteOrder = image->byteOrder();
+        }
         content_->comment = image->comment();
         if (image->iccProfileDefined()) {
             const Exiv2::DataBuf& profile = *image->iccProfile();
@@ -169,25 +210,8 @@ Bytes Metadata::addTo(Bytes encoded, std::vector<std::string>& notices) const {
     }
     const Exiv2Session session;
     try {
-        const auto image = openImage(encoded);
-        if (canHold(*image, Exiv2::mdExif)) {
-            // A TIFF's own layout is among these entries and must stay.
-            Exiv2::ExifData exif = image->exifData();
-            for (const Exiv2::Exifdatum& datum : content.exif) exif[datum.key()] = datum.value();
-            image->setExifData(exif);
-        }
-        if (canHold(*image, Exiv2::mdXmp)) image->setXmpData(content.xmp);
-        if (canHold(*image, Exiv2::mdIptc)) image->setIptcData(content.iptc);
-        if (canHold(*image, Exiv2::mdComment)) image->setComment(content.comment);
-        if (!content.profile.empty()) {
-            Exiv2::DataBuf profile(content.profile.data(),
-                                   static_cast<long>(content.profile.size()));
-            image->setIccProfile(profile);
-        }
-        image->writeMetadata();
-        Exiv2::BasicIo& io = image->io();
-        const unsigned char* bytes = io.mmap();
-        return Bytes(bytes, bytes + io.size());
+        return webpCodec().recognises(encoded) ? addToWebP(encoded, content)
+                                               : addWithExiv2(encoded, content);
     } catch (const Exiv2::AnyError& error) {
         notices.push_back(std::string("metadata is not kept: ") + error.what());
         return encoded;

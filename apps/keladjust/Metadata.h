@@ -42,8 +42,9 @@ public:
     /// What was lost on the way in.
     const std::vector<std::string>& notices() const;
 
-private:
     struct Content;
+
+private:
     std::unique_ptr<Content> content_;
 };
 

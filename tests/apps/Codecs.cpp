@@ -127,13 +127,6 @@ TEST(Codecs, RefusePicturesTooLargeForTheFormat) {
     expectSamePixels(roundTrip(pngCodec(), wide), wide);
 }
 
-TEST(Photo, RefusesSizesThatTheLibraryCannotAddress) {
-    EXPECT_THROW(Photo(65'536, 16'384, PixelLayout::bgra), Failure);
-    EXPECT_THROW(Photo(0xFFFF'FFFF, 1, PixelLayout::grey), Failure);
-    EXPECT_THROW(Photo(0xFFFF'FFFF, 0xFFFF'FFFF, PixelLayout::bgra), Failure);
-    EXPECT_THROW(Photo(0, 5, PixelLayout::grey), Failure);
-}
-
 TEST(SampleDepth, TakesTheNearestLevel) {
     for (std::uint32_t deep = 0; deep < 65'536; ++deep) {
         ASSERT_EQ(eightBits(static_cast<std::uint16_t>(deep)), std::lround(deep / 257.0)) << deep;
@@ -209,6 +202,22 @@ TEST(OddPictures, MultipliedAlphaIsUndone) {
         const std::vector<int> pixel(photo.pixel(17, 9), photo.pixel(17, 9) + 4);
         EXPECT_EQ(pixel, (std::vector<int>{255, 64, 128, 100})) << tiled;
     }
+}
+
+TEST(OddPictures, FurtherPagesAreLeftOutWithANotice) {
+    const TemporaryFolder folder;
+    writePagedTiff(folder / "pages.tif", {false, true});
+    EXPECT_TRUE(decodeFile(folder / "pages.tif").notices.empty());
+    writePagedTiff(folder / "pages.tif", {false, true, false});
+    EXPECT_EQ(decodeFile(folder / "pages.tif").notices,
+              std::vector<std::string>{"only the first page is used"});
+}
+
+// Most raw files begin with a preview, which must not be taken for the picture.
+TEST(OddPictures, PreviewsOfRawFilesAreRefused) {
+    const TemporaryFolder folder;
+    writePagedTiff(folder / "raw.tif", {true, false});
+    EXPECT_THROW(decodeFile(folder / "raw.tif"), Failure);
 }
 
 TEST(OddPictures, AbsurdSizesAreRefusedByName) {

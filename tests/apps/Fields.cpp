@@ -68,7 +68,7 @@ TEST(Fields, IdentityLiesInTheUsefulRange) {
 }
 
 // A hue that no band covers could not be changed without typing degrees.
-TEST(Fields, UsualBandsCoverEveryHueTwice) {
+TEST(Fields, UsualBandsCoverEveryHue) {
     const _AdjustParam record = identityRecord();
     for (int degree = 0; degree < 360; ++degree) {
         int bands = 0;
@@ -79,8 +79,24 @@ TEST(Fields, UsualBandsCoverEveryHueTwice) {
                                       : hue > range.minDegree && hue < range.maxDegree;
             bands += inside ? 1 : 0;
         }
-        EXPECT_EQ(bands, 2) << degree;
+        EXPECT_GE(bands, 1) << degree;
     }
+}
+
+TEST(Fields, UsualBandsHaveTheirColoursInTheMiddle) {
+    const _AdjustParam record = identityRecord();
+    const auto middle = [&](int place) {
+        return (record.range[place].minDegree + record.range[place].maxDegree) / 2;
+    };
+    const _AdjustColourRange& red = record.range[KELADJUST_RANGE_RED];
+    EXPECT_GT(red.minDegree, red.maxDegree) << "red lies about 0";
+    EXPECT_EQ(middle(KELADJUST_RANGE_ORANGE), 30);
+    EXPECT_EQ(middle(KELADJUST_RANGE_YELLOW), 60);
+    EXPECT_EQ(middle(KELADJUST_RANGE_GREEN), 120);
+    EXPECT_EQ(middle(KELADJUST_RANGE_AQUA), 180);
+    EXPECT_EQ(middle(KELADJUST_RANGE_BLUE), 240);
+    EXPECT_EQ(middle(KELADJUST_RANGE_PURPLE), 270);
+    EXPECT_EQ(middle(KELADJUST_RANGE_MAGENTA), 300);
 }
 
 TEST(Fields, RefuseWhatTheSlotCannotHold) {

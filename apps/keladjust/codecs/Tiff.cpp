@@ -126,6 +126,32 @@ struct Layout {
     }
 };
 
+bool isPreview(TIFF* tiff) {
+    std::uint32_t kind = 0;
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_SUBFILETYPE, &kind);
+    std::uint16_t compression = 0;
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_COMPRESSION, &compression);
+    // The second kind is an EXIF thumbnail.
+    return (kind & FILETYPE_REDUCEDIMAGE) != 0 || compression == COMPRESSION_OJPEG;
+}
+
+// Leaves the first page.
+bool hasMorePages(TIFF* tiff) {
+    while (TIFFReadDirectory(tiff)) {
+        if (!isPreview(tiff)) return true;
+    }
+    return false;
+}
+
+// Raw files of most cameras look like TIFF files with a small preview in the first place. Nobody
+// wants that adjusted instead of the picture.
+void refuseRaw(TIFF* tiff, std::span<const unsigned char> bytes) {
+    const bool canon = bytes.size() > 9 && bytes[8] == 'C' && bytes[9] == 'R';
+    if (canon || isPreview(tiff)) {
+        throw Failure("looks like a camera's raw file; develop it to a TIFF or JPEG first");
+    }
+}
+
 Layout readLayout(TIFF* tiff, const MemoryFile& file) {
     Layout layout;
     if (!TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &layout.width) ||
@@ -299,6 +325,7 @@ public:
         file.input = bytes;
         const Tiff tiff = open(file, "rm");
         if (!tiff) throw damaged(file);
+        refuseRaw(tiff.get(), bytes);
         const Layout layout = readLayout(tiff.get(), file);
         const bool grey = layout.isGrey() && !layout.hasAlpha;
         Photo photo(layout.width, layout.height, grey ? PixelLayout::grey : PixelLayout::bgra);
@@ -315,7 +342,7 @@ public:
         } else {
             readConverted(tiff.get(), layout, photo, file);
         }
-        if (!TIFFLastDirectory(tiff.get())) {
+        if (hasMorePages(tiff.get())) {
             photo.notices.emplace_back("only the first page is used");
         }
         return photo;

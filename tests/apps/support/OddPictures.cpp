@@ -114,6 +114,22 @@ void writeMultipliedTiff(const std::filesystem::path& path, const std::vector<st
     }
 }
 
+void writePagedTiff(const std::filesystem::path& path, const std::vector<bool>& previews) {
+    const std::unique_ptr<TIFF, decltype(&TIFFClose)> tiff(TIFFOpen(path.string().c_str(), "w"),
+                                                           &TIFFClose);
+    for (const bool preview : previews) {
+        TIFFSetField(tiff.get(), TIFFTAG_SUBFILETYPE, preview ? FILETYPE_REDUCEDIMAGE : 0);
+        TIFFSetField(tiff.get(), TIFFTAG_IMAGEWIDTH, 1);
+        TIFFSetField(tiff.get(), TIFFTAG_IMAGELENGTH, 1);
+        TIFFSetField(tiff.get(), TIFFTAG_BITSPERSAMPLE, 8);
+        TIFFSetField(tiff.get(), TIFFTAG_SAMPLESPERPIXEL, 1);
+        TIFFSetField(tiff.get(), TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+        std::uint8_t pixel = 7;
+        TIFFWriteScanline(tiff.get(), &pixel, 0);
+        TIFFWriteDirectory(tiff.get());
+    }
+}
+
 void writeAbsurdJpeg(const std::filesystem::path& path) {
     app::Bytes jpeg = app::jpegCodec().encode(noise(16, 16, app::PixelLayout::bgra), {});
     // The frame header: marker FF C0, length, precision, then height and width in two bytes each.

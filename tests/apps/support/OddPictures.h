@@ -25,6 +25,9 @@ void writeCmykJpeg(const std::filesystem::path& path, const std::vector<std::uin
 void writeMultipliedTiff(const std::filesystem::path& path, const std::vector<std::uint8_t>& colour,
                          bool tiled);
 
+/// A TIFF of one grey pixel per page, each marked as a preview or not.
+void writePagedTiff(const std::filesystem::path& path, const std::vector<bool>& previews);
+
 /// A picture of which the header says that it is far larger than it is.
 void writeAbsurdJpeg(const std::filesystem::path& path);
 

@@ -1,0 +1,22 @@
+#ifndef KELADJUST_APP_WEBPCONTAINER_H
+#define KELADJUST_APP_WEBPCONTAINER_H
+
+#include "Photo.h"
+
+#include <span>
+
+namespace keladjust::app {
+
+/// What can stand beside the picture in a WebP file; empty parts are left out.
+struct WebPChunks {
+    std::span<const unsigned char> profile;
+    std::span<const unsigned char> exif;
+    std::span<const unsigned char> xmp;
+};
+
+/// `encoded`, a WebP file as the encoder makes it, with `chunks`.
+Bytes withWebPChunks(const Bytes& encoded, const WebPChunks& chunks);
+
+}  // namespace keladjust::app
+
+#endif
