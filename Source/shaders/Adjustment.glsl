@@ -13,27 +13,6 @@ uniform float blackLevel;
 
 const int neutralTemperature = 11500;
 
-// Hue in turns, saturation, lightness. The small terms keep greys, black and white from dividing by
-// zero.
-vec3 turnHslOf(vec3 colour) {
-    vec4 p = colour.g < colour.b ? vec4(colour.b, colour.g, -1.0, 2.0 / 3.0)
-                                 : vec4(colour.g, colour.b, 0.0, -1.0 / 3.0);
-    vec4 q = colour.r < p.x ? vec4(p.x, p.y, p.w, colour.r) : vec4(colour.r, p.y, p.z, p.x);
-    float chroma = q.x - min(q.w, q.y);
-    float hue = abs((q.w - q.y) / (6.0 * chroma + 1e-10) + q.z);
-    float light = q.x - chroma / 2.0;
-    float saturation = chroma / (1.0 - abs(2.0 * light - 1.0) + 1e-10);
-    return vec3(hue, saturation, light);
-}
-
-vec3 colourOfTurnHsl(vec3 hsl) {
-    float angle = 6.0 * hsl.x;
-    vec3 pure = clampUnit(
-        vec3(abs(angle - 3.0) - 1.0, 2.0 - abs(angle - 2.0), 2.0 - abs(angle - 4.0)));
-    float chroma = (1.0 - abs(2.0 * hsl.z - 1.0)) * hsl.y;
-    return (pure - 0.5) * chroma + hsl.z;
-}
-
 // Light of a black body, a fit over 1000..40000 kelvin.
 vec3 blackBody(float kelvin) {
     float k = clamp(kelvin, 1000.0, 40000.0) / 100.0;
@@ -65,8 +44,8 @@ vec3 withTemperature(vec3 colour) {
     }
     float ratio = abs(1.0 - float(kelvin) / float(neutralTemperature)) * 1.7;
     vec3 lit = clampUnit(colour * (1.0 - ratio) + (colour * blackBody(float(kelvin))) * ratio);
-    vec3 hsl = turnHslOf(lit);
-    return clampUnit(colourOfTurnHsl(vec3(hsl.xy, lightness(colour))));
+    vec3 hsl = hslOf(lit);
+    return clampUnit(colourOfHsl(vec3(hsl.xy, lightness(colour))));
 }
 
 // May leave 0..1: the next stage that clamps, or the picture written to, brings it back.

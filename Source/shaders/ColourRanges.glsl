@@ -41,49 +41,6 @@ uniform float Aqua_hueVal;
 uniform float Aqua_satVal;
 uniform float Aqua_brightnessVal;
 
-// Hue in degrees, saturation, lightness. Greys have the hue of blue.
-vec3 hslOf(vec3 colour) {
-    float hi = largest(colour);
-    float lo = smallest(colour);
-    if (lo == hi) return vec3(240.0, 0.0, colour.r);
-    float delta = hi - lo;
-    float light = (hi + lo) * 0.5;
-    float saturation = light < 0.5 ? delta / (hi + lo) : delta / (2.0 - hi - lo);
-    float hue;
-    if (colour.r == hi) {
-        hue = (colour.g - colour.b) / delta;
-    } else if (colour.g == hi) {
-        hue = 2.0 + (colour.b - colour.r) / delta;
-    } else {
-        hue = 4.0 + (colour.r - colour.g) / delta;
-    }
-    hue /= 6.0;
-    if (hue < 0.0) hue += 1.0;
-    return vec3(hue * 360.0, saturation, light);
-}
-
-// One channel of a colour between p and q, at `turn` of the way round.
-float channelAt(float turn, float p, float q) {
-    if (turn < 0.16666667) return p + (q - p) * 6.0 * turn;
-    if (turn < 0.5) return q;
-    if (turn < 0.6666667) return p + (q - p) * (0.6666667 - turn) * 6.0;
-    return p;
-}
-
-vec3 colourOfHsl(vec3 hsl) {
-    float saturation = hsl.y;
-    float light = hsl.z;
-    if (saturation == 0.0) return vec3(light);
-    float turn = hsl.x / 360.0;
-    float q = light < 0.5 ? light * (1.0 + saturation) : light + saturation - light * saturation;
-    float p = 2.0 * light - q;
-    float red = turn + 0.33333334;
-    if (red > 1.0) red -= 1.0;
-    float blue = turn - 0.33333334;
-    if (blue < 0.0) blue += 1.0;
-    return vec3(channelAt(red, p, q), channelAt(turn, p, q), channelAt(blue, p, q));
-}
-
 // How much a hue belongs to a band: falling from 1 in its middle, or at 0 degrees if it wraps, to 0
 // at both bounds.
 float weightOf(float hue, float minDegree, float maxDegree) {
@@ -107,13 +64,13 @@ vec3 withRange(vec3 colour, float minDegree, float maxDegree, float hueShift, fl
                float brightnessChange) {
     if (hueShift == 0.0 && saturation == 0.0 && brightnessChange == 0.0) return colour;
     vec3 hsl = hslOf(colour);
-    float weight = weightOf(hsl.x, minDegree, maxDegree);
+    float weight = weightOf(hsl.x * 360.0, minDegree, maxDegree);
     if (hueShift != 0.0) {
-        hsl.x += hueShift > 0.0 ? hueShift * 1.2 : hueShift;
+        hsl.x += (hueShift > 0.0 ? hueShift * 1.2 : hueShift) / 360.0;
         if (hsl.x < 0.0) {
-            hsl.x += 360.0;
-        } else if (hsl.x > 360.0) {
-            hsl.x -= 360.0;
+            hsl.x += 1.0;
+        } else if (hsl.x > 1.0) {
+            hsl.x -= 1.0;
         }
         colour = mixedIn(colour, hsl, weight);
     }
