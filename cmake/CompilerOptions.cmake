@@ -9,6 +9,11 @@ else()
         # Results are the same on every machine: no fused multiply-add where the source has two steps.
         -ffp-contract=off)
 endif()
+if(MINGW AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # GCC takes the stack of a Windows program for aligned to whatever its vectors need, but it is
+    # aligned to 16 bytes only (GCC bug 54412): wider aligned moves would crash.
+    target_compile_options(keladjust_options INTERFACE -Wa,-muse-unaligned-vector-move)
+endif()
 
 if(KELADJUST_SANITIZE)
     target_compile_options(keladjust_options INTERFACE

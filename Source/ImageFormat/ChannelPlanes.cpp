@@ -1,6 +1,6 @@
 // Splitting images into 8-bit channel planes and joining them again.
 
-#include <keladjust/CxImage.h>
+#include "ImageFormat/ChannelPlanes.h"
 
 #include <algorithm>
 #include <array>
@@ -15,10 +15,9 @@
 
 namespace {
 
+using keladjust::ColourSpace;
 using keladjust::PixelLayout;
 using keladjust::PixelSpan;
-
-enum class ColourSpace { rgb, hsl };
 
 void convertSpanToHsl(PixelSpan& span) {
     for (std::size_t i = 0; i < span.count; ++i) {
@@ -44,18 +43,21 @@ std::uint8_t* rowOf(const CxImage& image, unsigned y) {
     return image.pBits + std::size_t{image.effWidth} * y;
 }
 
-// Calls body(span) for every run of pixels of a picture of the given size, first row first.
+// Calls body(span) for every run of pixels of row `y`, from left to right.
 template <class Body>
-void forEachSpan(unsigned width, unsigned height, Body body) {
+void forEachSpan(unsigned width, unsigned y, Body body) {
     PixelSpan span;
-    for (unsigned y = 0; y < height; ++y) {
-        for (unsigned x = 0; x < width; x += static_cast<unsigned>(span.count)) {
-            span.x = x;
-            span.y = y;
-            span.count = std::min<std::size_t>(PixelSpan::capacity, width - x);
-            body(span);
-        }
+    span.y = y;
+    for (unsigned x = 0; x < width; x += static_cast<unsigned>(span.count)) {
+        span.x = x;
+        span.count = std::min<std::size_t>(PixelSpan::capacity, width - x);
+        body(span);
     }
+}
+
+// Row `y` of a plane; null for one without pixels.
+std::uint8_t* planeRow(const CxImage* plane, unsigned y) {
+    return plane == nullptr || plane->pBits == nullptr ? nullptr : rowOf(*plane, y);
 }
 
 bool canBecomePlane(const CxImage& plane, const CxImage& source) {
@@ -86,23 +88,14 @@ bool split(CxImage& source, ColourSpace space, const std::array<CxImage*, 4>& pl
     if (!hasPixels) return true;
 
     const PixelLayout layout = keladjust::layoutOf(source);
-    forEachSpan(source.width, source.height, [&](PixelSpan& span) {
-        const std::uint8_t* pixels =
-            rowOf(source, span.y) + std::size_t{source.bytesPerPixel} * span.x;
-        const auto target = [&span](const CxImage* plane) -> std::uint8_t* {
-            if (plane == nullptr || plane->pBits == nullptr) return nullptr;
-            return rowOf(*plane, span.y) + span.x;
-        };
-        keladjust::loadSpan(layout, pixels, span);
-        if (space == ColourSpace::hsl) convertSpanToHsl(span);
-        const std::array<const std::uint8_t*, 3> lanes{span.red, span.green, span.blue};
-        for (std::size_t i = 0; i < lanes.size(); ++i) {
-            if (std::uint8_t* row = target(planes[i])) std::copy_n(lanes[i], span.count, row);
+    for (unsigned y = 0; y < source.height; ++y) {
+        keladjust::splitRow(
+            source, y, space,
+            {planeRow(planes[0], y), planeRow(planes[1], y), planeRow(planes[2], y)});
+        if (std::uint8_t* alpha = planeRow(planes[3], y)) {
+            keladjust::loadAlpha(layout, rowOf(source, y), source.width, alpha);
         }
-        if (std::uint8_t* row = target(planes[3])) {
-            keladjust::loadAlpha(layout, pixels, span.count, row);
-        }
-    });
+    }
     return true;
 }
 
@@ -130,21 +123,52 @@ void checkPlanes(const CxImage& r, const CxImage& g, const CxImage& b, const CxI
         source, 622, function);
 }
 
-void loadPlane(const CxImage& plane, const PixelSpan& span, std::uint8_t* lane) {
-    if (plane.pBits == nullptr) {
+void loadLane(const std::uint8_t* row, const PixelSpan& span, std::uint8_t* lane) {
+    if (row == nullptr) {
         std::fill_n(lane, span.count, std::uint8_t{0});
     } else {
-        std::copy_n(rowOf(plane, span.y) + span.x, span.count, lane);
+        std::copy_n(row + span.x, span.count, lane);
     }
 }
 
 void storeAlpha(PixelLayout layout, const std::uint8_t* alpha, std::size_t count,
                 std::uint8_t* pixels) {
     if (keladjust::bytesPerPixelOf(layout) != 4) return;
-    for (std::size_t i = 0; i < count; ++i) pixels[4 * i + 3] = alpha[i];
+    for (std::size_t i = 0; i < count; ++i) {
+        pixels[4 * i + 3] = alpha == nullptr ? std::uint8_t{0} : alpha[i];
+    }
 }
 
 }  // namespace
+
+namespace keladjust {
+
+void splitRow(const CxImage& image, unsigned y, ColourSpace space,
+              const std::array<std::uint8_t*, 3>& rows) {
+    const PixelLayout layout = layoutOf(image);
+    forEachSpan(image.width, y, [&](PixelSpan& span) {
+        loadSpan(layout, rowOf(image, y) + std::size_t{image.bytesPerPixel} * span.x, span);
+        if (space == ColourSpace::hsl) convertSpanToHsl(span);
+        const std::array<const std::uint8_t*, 3> lanes{span.red, span.green, span.blue};
+        for (std::size_t i = 0; i < lanes.size(); ++i) {
+            if (rows[i] != nullptr) std::copy_n(lanes[i], span.count, rows[i] + span.x);
+        }
+    });
+}
+
+void joinRow(CxImage& image, unsigned y, ColourSpace space,
+             const std::array<const std::uint8_t*, 3>& rows) {
+    const PixelLayout layout = layoutOf(image);
+    forEachSpan(image.width, y, [&](PixelSpan& span) {
+        loadLane(rows[0], span, span.red);
+        loadLane(rows[1], span, span.green);
+        loadLane(rows[2], span, span.blue);
+        if (space == ColourSpace::hsl) convertSpanToRgb(span);
+        storeSpan(layout, span, rowOf(image, y) + std::size_t{image.bytesPerPixel} * span.x);
+    });
+}
+
+}  // namespace keladjust
 
 bool CxImage::SplitRGBA(CxImage* r, CxImage* g, CxImage* b, CxImage* a) {
     return split(*this, ColourSpace::rgb, {r, g, b, a});
@@ -171,18 +195,10 @@ bool CxImage::Combine(CxImage* r, CxImage* g, CxImage* b, CxImage* a, int colorS
 
     const keladjust::platform::DefaultFloatingPoint scope;
     const PixelLayout layout = keladjust::layoutOf(*this);
-    std::array<std::uint8_t, PixelSpan::capacity> alpha;
-    forEachSpan(width, height, [&](PixelSpan& span) {
-        loadPlane(*r, span, span.red);
-        loadPlane(*g, span, span.green);
-        loadPlane(*b, span, span.blue);
-        if (colorSpace == 1) convertSpanToRgb(span);
-        std::uint8_t* pixels = rowOf(*this, span.y) + std::size_t{bytesPerPixel} * span.x;
-        keladjust::storeSpan(layout, span, pixels);
-        if (a != nullptr) {
-            loadPlane(*a, span, alpha.data());
-            storeAlpha(layout, alpha.data(), span.count, pixels);
-        }
-    });
+    const ColourSpace space = colorSpace == 1 ? ColourSpace::hsl : ColourSpace::rgb;
+    for (unsigned y = 0; y < height; ++y) {
+        keladjust::joinRow(*this, y, space, {planeRow(r, y), planeRow(g, y), planeRow(b, y)});
+        if (a != nullptr) storeAlpha(layout, planeRow(a, y), width, rowOf(*this, y));
+    }
     return true;
 }

@@ -42,9 +42,9 @@ struct PixelSpan {
     unsigned x = 0;         ///< column of the first pixel
     unsigned y = 0;         ///< row
     std::size_t count = 0;  ///< pixels in the lanes
-    alignas(64) std::uint8_t red[capacity];
-    alignas(64) std::uint8_t green[capacity];
-    alignas(64) std::uint8_t blue[capacity];
+    alignas(64) std::uint8_t red[capacity] = {};
+    alignas(64) std::uint8_t green[capacity] = {};
+    alignas(64) std::uint8_t blue[capacity] = {};
 };
 
 /// Fills the lanes with `span.count` pixels, as CxImage::GetPixelColor() reads them.

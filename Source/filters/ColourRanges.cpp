@@ -2,12 +2,10 @@
 
 #include "filters/ColourRanges.h"
 
-#include <array>
-#include <cstdint>
-
 #include "filters/HslColour.h"
 #include "filters/Rounding.h"
 #include "filters/StageForms.h"
+#include "filters/spans/Spans.h"
 
 namespace keladjust {
 
@@ -39,32 +37,6 @@ Colour blend(HslColour current, HslColour changed, float weight) {
     return {mix(from.red, to.red), mix(from.green, to.green), mix(from.blue, to.blue)};
 }
 
-// The three changes one after another, each on what the last one stored: `store` turns a mixed
-// colour into what a picture or a table holds of it.
-template <class Store>
-Colour changeColour(Colour c, const HueBand& band, const RangeChange& change, Store store) {
-    HslColour hsl = toHsl(c);
-    const float weight = band.weight(hsl.hue);
-    bool hslIsCurrent = true;
-    const auto step = [&](float amount, HslColour (*changed)(HslColour, float)) {
-        if (amount == 0.0f) return;
-        if (!hslIsCurrent) hsl = toHsl(c);
-        c = store(blend(hsl, changed(hsl, amount), weight));
-        hslIsCurrent = false;
-    };
-    step(change.shift, shiftHue);
-    step(change.saturationRatio, scaleSaturation);
-    step(change.lightnessRatio, scaleLightness);
-    return c;
-}
-
-std::uint8_t unitToByte(float value) {
-    return clampToByte(value * 255.0f);
-}
-float byteToUnit(std::uint8_t value) {
-    return static_cast<float>(value) / 255.0f;
-}
-
 bool changesAnything(float hue, float saturation, float brightness) {
     return hue != 0.0f || saturation != 0.0f || brightness != 0.0f;
 }
@@ -77,9 +49,19 @@ public:
           band_(minDegree, maxDegree),
           change_(hue, saturation, brightness) {}
     bool active() const { return active_; }
+    // The three changes one after another, each on what the last one stored.
     Colour operator()(Colour c) const {
-        return changeColour(c, band_, change_,
-                            [](Colour mixed) { return mapChannels(mixed, clamp01); });
+        HslColour hsl = toHsl(c);
+        const float weight = band_.weight(hsl.hue);
+        const auto step = [&](float amount, HslColour (*changed)(HslColour, float)) {
+            if (amount == 0.0f) return;
+            c = mapChannels(blend(hsl, changed(hsl, amount), weight), clamp01);
+            hsl = toHsl(c);
+        };
+        step(change_.shift, shiftHue);
+        step(change_.saturationRatio, scaleSaturation);
+        step(change_.lightnessRatio, scaleLightness);
+        return c;
     }
 
 private:
@@ -91,7 +73,7 @@ private:
 }  // namespace
 
 float HueBand::weight(float hue) const {
-    if (min_ > max_) {
+    if (wraps()) {
         if (hue >= min_) return (hue - min_) / (360.0f - min_);
         if (hue <= max_) return max_ == 0.0f ? 1.0f : 1.0f - hue / max_;
         return 0.0f;
@@ -110,20 +92,7 @@ ColourRangeKernel::ColourRangeKernel(float minDegree, float maxDegree, float hue
       change_(hue, saturation, brightness) {}
 
 void ColourRangeKernel::run(PixelSpan& span) const {
-    std::array<std::uint8_t, 3> bytes;
-    // Between the steps a picture holds the colour as bytes.
-    const auto store = [&bytes](Colour mixed) {
-        bytes = {unitToByte(mixed.red), unitToByte(mixed.green), unitToByte(mixed.blue)};
-        return Colour{byteToUnit(bytes[0]), byteToUnit(bytes[1]), byteToUnit(bytes[2])};
-    };
-    for (std::size_t i = 0; i < span.count; ++i) {
-        bytes = {span.red[i], span.green[i], span.blue[i]};
-        const Colour c{byteToUnit(bytes[0]), byteToUnit(bytes[1]), byteToUnit(bytes[2])};
-        changeColour(c, band_, change_, store);
-        span.red[i] = bytes[0];
-        span.green[i] = bytes[1];
-        span.blue[i] = bytes[2];
-    }
+    spans::changeColourRange(span, band_, change_);
 }
 
 }  // namespace keladjust

@@ -11,6 +11,10 @@ public:
     /// Degrees; a `minDegree` above `maxDegree` wraps through 0.
     HueBand(float minDegree, float maxDegree) : min_(minDegree), max_(maxDegree) {}
 
+    float minDegree() const { return min_; }
+    float maxDegree() const { return max_; }
+    bool wraps() const { return min_ > max_; }
+
     /// 0 outside the band, rising linearly to 1 at its middle, or at 0 degrees for a wrapping band.
     float weight(float hue) const;
 

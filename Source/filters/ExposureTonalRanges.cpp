@@ -2,12 +2,12 @@
 
 #include "filters/ExposureTonalRanges.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
 #include "filters/Rounding.h"
 #include "filters/StageForms.h"
+#include "filters/spans/Spans.h"
 
 namespace keladjust {
 
@@ -34,42 +34,16 @@ float blackAmount(float setting) {
 }
 
 // Screens a channel with itself: towards the end of the scale for k > 0, away from it for k < 0.
-float liftByte(float c, float k) {
-    return 255.0f - (255.0f - k * c) * (255.0f - c) / 255.0f;
-}
-float liftUnit(float c, float k) {
+float lift(float c, float k) {
     return 1.0f - (1.0f - k * c) * (1.0f - c) / 1.0f;
 }
 
-// The coefficient of bright pixels and of dark ones, on the two scales.
-float brightByte(float largest, float amount) {
-    return largest / 255.0f * amount;
-}
-float darkByte(float largest, float amount) {
-    return (1.0f - largest / 255.0f) * amount;
-}
-float brightUnit(float largest, float amount) {
+// The coefficient of bright pixels and of dark ones.
+float brightCoefficient(float largest, float amount) {
     return largest * amount;
 }
-float darkUnit(float largest, float amount) {
+float darkCoefficient(float largest, float amount) {
     return (1.0f - largest) * amount;
-}
-
-// Highlights and shadows keep the low byte of the whole number: beyond -100..100 they wrap round.
-std::uint8_t lowByte(float value) {
-    return static_cast<std::uint8_t>(truncateToInt(value));
-}
-
-// Runs `change(channel, k)` with one coefficient for the three channels of a pixel.
-template <class Coefficient, class Change>
-void forEachPixel(PixelSpan& span, Coefficient coefficient, Change change) {
-    for (std::size_t i = 0; i < span.count; ++i) {
-        const std::uint8_t largest = std::max({span.red[i], span.green[i], span.blue[i]});
-        const float k = coefficient(static_cast<float>(largest));
-        span.red[i] = change(static_cast<float>(span.red[i]), k);
-        span.green[i] = change(static_cast<float>(span.green[i]), k);
-        span.blue[i] = change(static_cast<float>(span.blue[i]), k);
-    }
 }
 
 class ExposureFormula {
@@ -94,26 +68,26 @@ public:
     bool active() const { return active_; }
     Colour operator()(Colour c) const {
         const float k = coefficientOf(largestOf(c), amount_);
-        return mapChannels(c, [k](float channel) { return clamp01(liftUnit(channel, k)); });
+        return mapChannels(c, [k](float channel) { return clamp01(lift(channel, k)); });
     }
 
 private:
     bool active_;
     float amount_;
 };
-using HighlightFormula = TonalFormula<highlightAmount, brightUnit>;
-using ShadowFormula = TonalFormula<shadowAmount, darkUnit>;
-using BlackLevelFormula = TonalFormula<blackAmount, darkUnit>;
+using HighlightFormula = TonalFormula<highlightAmount, brightCoefficient>;
+using ShadowFormula = TonalFormula<shadowAmount, darkCoefficient>;
+using BlackLevelFormula = TonalFormula<blackAmount, darkCoefficient>;
 
 class WhiteLevelFormula {
 public:
     explicit WhiteLevelFormula(float level) : active_(level != 0.0f), amount_(whiteAmount(level)) {}
     bool active() const { return active_; }
     Colour operator()(Colour c) const {
-        const float k = brightUnit(largestOf(c), amount_);
+        const float k = brightCoefficient(largestOf(c), amount_);
         return mapChannels(c, [k](float channel) {
-            const float once = liftUnit(channel, k);
-            return clamp01(k > 0.0f ? liftUnit(once, k) : once);
+            const float once = lift(channel, k);
+            return clamp01(k > 0.0f ? lift(once, k) : once);
         });
     }
 
@@ -133,38 +107,27 @@ HighlightKernel::HighlightKernel(float highlight)
     : active_(highlight != 0.0f), amount_(highlightAmount(highlight)) {}
 
 void HighlightKernel::run(PixelSpan& span) const {
-    forEachPixel(
-        span, [this](float largest) { return brightByte(largest, amount_); },
-        [](float channel, float k) { return lowByte(liftByte(channel, k)); });
+    spans::liftWrapping(span, spans::Tones::bright, amount_);
 }
 
 ShadowKernel::ShadowKernel(float shadow) : active_(shadow != 0.0f), amount_(shadowAmount(shadow)) {}
 
 void ShadowKernel::run(PixelSpan& span) const {
-    forEachPixel(
-        span, [this](float largest) { return darkByte(largest, amount_); },
-        [](float channel, float k) { return lowByte(liftByte(channel, k)); });
+    spans::liftWrapping(span, spans::Tones::dark, amount_);
 }
 
 WhiteLevelKernel::WhiteLevelKernel(float level)
     : active_(level != 0.0f), amount_(whiteAmount(level)) {}
 
 void WhiteLevelKernel::run(PixelSpan& span) const {
-    forEachPixel(
-        span, [this](float largest) { return brightByte(largest, amount_); },
-        [](float channel, float k) {
-            const float once = liftByte(channel, k);
-            return clampToByte(k > 0.0f ? liftByte(once, k) : once);
-        });
+    spans::liftTwice(span, amount_);
 }
 
 BlackLevelKernel::BlackLevelKernel(float level)
     : active_(level != 0.0f), amount_(blackAmount(level)) {}
 
 void BlackLevelKernel::run(PixelSpan& span) const {
-    forEachPixel(
-        span, [this](float largest) { return darkByte(largest, amount_); },
-        [](float channel, float k) { return clampToByte(liftByte(channel, k)); });
+    spans::liftClamped(span, spans::Tones::dark, amount_);
 }
 
 }  // namespace keladjust

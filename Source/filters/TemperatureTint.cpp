@@ -9,11 +9,11 @@
 #include <memory>
 #include <new>
 
-#include "ImageFormat/ColourConversion.h"
 #include "ImageFormat/Geometry.h"
 #include "filters/HslColour.h"
 #include "filters/Rounding.h"
 #include "filters/StageForms.h"
+#include "filters/spans/Spans.h"
 
 namespace keladjust {
 
@@ -137,34 +137,19 @@ TemperatureKernel::TemperatureKernel(long temperature)
 }
 
 void TemperatureKernel::run(PixelSpan& span) const {
+    const PixelSpan original = span;
     for (std::size_t i = 0; i < span.count; ++i) {
-        const std::uint8_t red = span.red[i];
-        const std::uint8_t green = span.green[i];
-        const std::uint8_t blue = span.blue[i];
-        _tagMyRGBQUAD hsl = rgbToHsl({blue_[blue], green_[green], red_[red], 0});
-        hsl.blue = static_cast<std::uint8_t>(
-            (std::max({red, green, blue}) + std::min({red, green, blue})) >> 1);
-        const _tagMyRGBQUAD rgb = hslToRgb(hsl);
-        span.red[i] = rgb.red;
-        span.green[i] = rgb.green;
-        span.blue[i] = rgb.blue;
+        span.red[i] = red_[span.red[i]];
+        span.green[i] = green_[span.green[i]];
+        span.blue[i] = blue_[span.blue[i]];
     }
+    spans::restoreLightness(span, original);
 }
 
 TintKernel::TintKernel(float tint) : active_(tint != 0.0f), strength_(tintStrength(tint)) {}
 
 void TintKernel::run(PixelSpan& span) const {
-    const std::int32_t against = wrappingSubtract(0, strength_);
-    for (std::size_t i = 0; i < span.count; ++i) {
-        const std::int32_t red = span.red[i];
-        const std::int32_t green = span.green[i];
-        const std::int32_t blue = span.blue[i];
-        const std::int32_t grey = (green * 601 + red * 306 + blue * 117) >> 10;
-        const std::int32_t shift = wrappingMultiply(grey, strength_) >> 8;
-        span.red[i] = clampToByte(red + shift);
-        span.green[i] = clampToByte(green + (wrappingMultiply(grey, against) >> 8));
-        span.blue[i] = clampToByte(blue + shift);
-    }
+    spans::shiftTint(span, strength_);
 }
 
 }  // namespace keladjust

@@ -9,6 +9,7 @@
 #include "ImageFormat/RawWalk.h"
 #include "filters/Rounding.h"
 #include "filters/StageForms.h"
+#include "filters/spans/Spans.h"
 #include "platform/Parallel.h"
 
 namespace keladjust {
@@ -81,35 +82,11 @@ void rotateRawWalk(CxImage& image, const HueMatrix& matrix) {
 
 }  // namespace
 
-VibranceKernel::VibranceKernel(float vibrance) : active_(vibrance != 0.0f) {
-    const float amount = vibranceAmount(vibrance);
-    for (unsigned half = 0; half < gain_.size(); ++half) {
-        // Minus the colourfulness as a byte: dull pixels gain most, and greyish ones (half of 0)
-        // nothing, because there the byte wraps to 0.
-        const auto dullness = static_cast<std::uint8_t>(-static_cast<int>(half));
-        gain_[half] = wrappingAdd(256, truncateToInt(static_cast<float>(dullness) * amount));
-    }
-}
+VibranceKernel::VibranceKernel(float vibrance)
+    : active_(vibrance != 0.0f), amount_(vibranceAmount(vibrance)) {}
 
 void VibranceKernel::run(PixelSpan& span) const {
-    for (std::size_t i = 0; i < span.count; ++i) {
-        const int red = span.red[i];
-        const int green = span.green[i];
-        const int blue = span.blue[i];
-        const int smallest = std::min({red, green, blue});
-        const int largest = std::max({red, green, blue});
-        const int lightness = (smallest + largest) >> 1;
-        // The smallest channel is never above the lightness, so only the largest one counts.
-        const int half = (largest - lightness) >> 1;
-        const std::int32_t gain = gain_[static_cast<std::size_t>(half)];
-        const std::int32_t base = wrappingMultiply(lightness, wrappingSubtract(256, gain));
-        const auto stretch = [gain, base](int channel) {
-            return clampToByte(wrappingAdd(wrappingMultiply(channel, gain), base) >> 8);
-        };
-        span.red[i] = stretch(red);
-        span.green[i] = stretch(green);
-        span.blue[i] = stretch(blue);
-    }
+    spans::stretchVibrance(span, amount_);
 }
 
 }  // namespace keladjust

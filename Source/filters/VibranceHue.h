@@ -1,9 +1,6 @@
 #ifndef KELADJUST_FILTERS_VIBRANCEHUE_H
 #define KELADJUST_FILTERS_VIBRANCEHUE_H
 
-#include <array>
-#include <cstdint>
-
 #include "filters/PixelKernel.h"
 
 namespace keladjust {
@@ -17,7 +14,7 @@ public:
 
 private:
     bool active_;
-    std::array<std::int32_t, 128> gain_;  // in 256ths, by half the pixel's colourfulness
+    float amount_;
 };
 
 }  // namespace keladjust

@@ -63,8 +63,8 @@ public:
 private:
     void write(const Photo& photo, const Codec& codec, const Metadata& metadata,
                const std::filesystem::path& target) {
-        const Bytes encoded = codec.encode(photo, settings_.encoding);
-        writeFile(target, metadata.addTo(encoded, report_.notices));
+        Bytes encoded = codec.encode(photo, settings_.encoding);
+        writeFile(target, metadata.addTo(std::move(encoded), report_.notices));
         report_.written.push_back(target);
     }
 

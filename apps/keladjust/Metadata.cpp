@@ -153,7 +153,8 @@ Metadata::Metadata(std::span<const unsigned char> file) : Metadata() {
             content_->profile.assign(profile.pData_, profile.pData_ + profile.size_);
         }
         eraseIf(content_->exif, describesStorage);
-    } catch (const Exiv2::AnyError& error) {
+    } catch (const std::exception& error) {
+        // Exiv2's own errors, and what damaged entries provoke in the standard library.
         *content_ = Content();
         content_->notices.push_back(std::string("metadata is not kept: ") + error.what());
     }
@@ -212,7 +213,7 @@ Bytes Metadata::addTo(Bytes encoded, std::vector<std::string>& notices) const {
     try {
         return webpCodec().recognises(encoded) ? addToWebP(encoded, content)
                                                : addWithExiv2(encoded, content);
-    } catch (const Exiv2::AnyError& error) {
+    } catch (const std::exception& error) {
         notices.push_back(std::string("metadata is not kept: ") + error.what());
         return encoded;
     }

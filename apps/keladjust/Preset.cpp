@@ -29,6 +29,25 @@ nlohmann::json parse(const std::string& json, const std::string& name) {
     }
 }
 
+void take(const std::string& key, const nlohmann::json& value, const std::string& name,
+          Settings& settings) {
+    const Field* field = findField(key);
+    if (!field) {
+        throw UsageError(name + ": unknown setting \"" + key + '"' + suggestion(key, fieldNames()));
+    }
+    const std::string entry = name + ": \"" + key + '"';
+    if (!value.is_number()) {
+        throw UsageError(entry + " must be a number, not " + value.type_name());
+    }
+    const double number = value.get<double>();
+    try {
+        field->check(number, entry);
+    } catch (const Failure& failure) {
+        throw UsageError(failure.what());
+    }
+    settings.set(*field, number);
+}
+
 }  // namespace
 
 Settings settingsFromPreset(const std::string& json, const std::string& name) {
@@ -38,23 +57,7 @@ Settings settingsFromPreset(const std::string& json, const std::string& name) {
                          preset.type_name());
     }
     Settings settings;
-    for (const auto& [key, value] : preset.items()) {
-        const Field* field = findField(key);
-        if (!field) {
-            throw UsageError(name + ": unknown setting \"" + key + '"' +
-                             suggestion(key, fieldNames()));
-        }
-        if (!value.is_number()) {
-            throw UsageError(name + ": \"" + key + "\" must be a number, not " + value.type_name());
-        }
-        const double number = value.get<double>();
-        try {
-            field->check(number, name + ": \"" + key + '"');
-        } catch (const Failure& failure) {
-            throw UsageError(failure.what());
-        }
-        settings.set(*field, number);
-    }
+    for (const auto& [key, value] : preset.items()) take(key, value, name, settings);
     return settings;
 }
 

@@ -6,7 +6,7 @@
 #include <csetjmp>
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
+#include <new>
 
 #include <jpeglib.h>
 
@@ -54,6 +54,12 @@ jpeg_error_mgr* install(ErrorState& state) {
     return base;
 }
 
+/// What to tell about a file that could not be read or written.
+std::string messageOf(const ErrorState& state) {
+    if (state.base.msg_code == JERR_OUT_OF_MEMORY) throw std::bad_alloc();
+    return state.message.data();
+}
+
 class Decompressor {
 public:
     Decompressor() { jpeg_.err = install(errors_); }
@@ -95,7 +101,7 @@ public:
     bool inksAreInverted() const { return jpeg_.saw_Adobe_marker; }
     std::uint32_t width() const { return jpeg_.image_width; }
     std::uint32_t height() const { return jpeg_.image_height; }
-    std::string message() const { return errors_.message.data(); }
+    std::string message() const { return messageOf(errors_); }
 
 private:
     jpeg_decompress_struct jpeg_{};
@@ -161,7 +167,7 @@ public:
     }
 
     std::span<const unsigned char> result() const { return {buffer_, size_}; }
-    std::string message() const { return errors_.message.data(); }
+    std::string message() const { return messageOf(errors_); }
 
 private:
     jpeg_compress_struct jpeg_{};

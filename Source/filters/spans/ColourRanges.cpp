@@ -1,0 +1,178 @@
+// The steps of a colour range over a span.
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "filters/spans/ColourRanges.cpp"
+#include <hwy/foreach_target.h>
+
+#include "filters/spans/SpanVectors-inl.h"
+#include "filters/spans/Spans.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace keladjust {
+namespace HWY_NAMESPACE {
+
+struct Hsl {
+    Floats hue;
+    Floats saturation;
+    Floats lightness;
+};
+
+// The vector form of keladjust::toHsl(), for channels in 0..1.
+HWY_INLINE Hsl toHsl(const Channels<Floats>& c) {
+    const Floats largest = largestOf(c);
+    const Floats smallest = smallestOf(c);
+    const Floats delta = hn::Sub(largest, smallest);
+    const Floats sum = hn::Add(largest, smallest);
+    const Floats lightness = hn::Mul(sum, constant(0.5f));
+    const Floats room = hn::Sub(hn::Sub(constant(2.0f), largest), smallest);
+    const Floats saturation =
+        hn::Div(delta, hn::IfThenElse(hn::Lt(lightness, constant(0.5f)), sum, room));
+
+    const FloatMask redLargest = hn::Eq(c.red, largest);
+    const FloatMask greenLargest = hn::Eq(c.green, largest);
+    const Floats difference = hn::IfThenElse(
+        redLargest, hn::Sub(c.green, c.blue),
+        hn::IfThenElse(greenLargest, hn::Sub(c.blue, c.red), hn::Sub(c.red, c.green)));
+    const Floats share = hn::Div(difference, delta);
+    // Nothing is added for red, so that a share of -0 stays what it is.
+    const Floats sixths = hn::IfThenElse(
+        redLargest, share,
+        hn::Add(hn::IfThenElse(greenLargest, constant(2.0f), constant(4.0f)), share));
+    Floats turn = hn::Div(sixths, constant(6.0f));
+    turn = hn::IfThenElse(hn::Lt(turn, constant(0.0f)), hn::Add(turn, constant(1.0f)), turn);
+
+    const FloatMask grey = hn::Eq(largest, smallest);
+    return {hn::IfThenElse(grey, constant(0.6666667f * 360.0f), hn::Mul(turn, constant(360.0f))),
+            hn::IfThenZeroElse(grey, saturation), hn::IfThenElse(grey, c.red, lightness)};
+}
+
+// The vector form of keladjust::toRgb() in two halves: what depends on saturation and lightness,
+// and what depends on the hue.
+struct Bounds {
+    Floats p;
+    Floats q;
+};
+
+HWY_INLINE Bounds boundsOf(Floats saturation, Floats lightness) {
+    const Floats dark = hn::Mul(lightness, hn::Add(constant(1.0f), saturation));
+    const Floats light = hn::Sub(hn::Add(lightness, saturation), hn::Mul(lightness, saturation));
+    const Floats q = hn::IfThenElse(hn::Lt(lightness, constant(0.5f)), dark, light);
+    return {hn::Sub(hn::Mul(constant(2.0f), lightness), q), q};
+}
+
+HWY_INLINE Channels<Floats> turnsOf(Floats hue) {
+    const Floats turn = hn::Div(hue, constant(360.0f));
+    const Floats one = constant(1.0f);
+    const Floats red = hn::Add(turn, constant(0.33333334f));
+    const Floats blue = hn::Sub(turn, constant(0.33333334f));
+    return {hn::IfThenElse(hn::Gt(red, one), hn::Sub(red, one), red), turn,
+            hn::IfThenElse(hn::Lt(blue, constant(0.0f)), hn::Add(blue, one), blue)};
+}
+
+HWY_INLINE Channels<Floats> toRgb(const Channels<Floats>& turns, Floats saturation,
+                                  Floats lightness) {
+    const Bounds bounds = boundsOf(saturation, lightness);
+    const Floats rise = hn::Sub(bounds.q, bounds.p);
+    // A hue that is not finite must not reach a grey.
+    const FloatMask grey = hn::Eq(saturation, constant(0.0f));
+    const auto channel = [&](Floats turn) HWY_ATTR {
+        const Floats up = hn::Mul(hn::Mul(rise, constant(6.0f)), turn);
+        const Floats down =
+            hn::Mul(hn::Mul(rise, hn::Sub(constant(0.6666667f), turn)), constant(6.0f));
+        const Floats high = hn::IfThenElse(
+            hn::Lt(turn, constant(0.5f)), bounds.q,
+            hn::IfThenElse(hn::Lt(turn, constant(0.6666667f)), hn::Add(bounds.p, down), bounds.p));
+        const Floats value =
+            hn::IfThenElse(hn::Lt(turn, constant(0.16666667f)), hn::Add(bounds.p, up), high);
+        return hn::IfThenElse(grey, lightness, value);
+    };
+    return mapChannels(turns, channel);
+}
+
+// The vector form of HueBand::weight().
+HWY_INLINE Floats weightOf(const HueBand& band, Floats hue) {
+    const Floats low = constant(band.minDegree());
+    const Floats high = constant(band.maxDegree());
+    const Floats one = constant(1.0f);
+    if (band.wraps()) {
+        const Floats rising = hn::Div(hn::Sub(hue, low), hn::Sub(constant(360.0f), low));
+        const Floats falling = band.maxDegree() == 0.0f ? one : hn::Sub(one, hn::Div(hue, high));
+        return hn::IfThenElse(hn::Ge(hue, low), rising,
+                              hn::IfThenElseZero(hn::Le(hue, high), falling));
+    }
+    const Floats distance = hn::Div(hn::Mul(hn::Sub(hue, low), constant(2.0f)), hn::Sub(high, low));
+    const Floats triangle =
+        hn::IfThenElse(hn::Le(distance, one), distance, hn::Sub(constant(2.0f), distance));
+    return hn::IfThenElseZero(hn::And(hn::Gt(hue, low), hn::Lt(hue, high)), triangle);
+}
+
+HWY_INLINE Floats shiftHue(Floats hue, float shift) {
+    const Floats turn = constant(360.0f);
+    const Floats shifted = hn::Add(hue, constant(shift));
+    return hn::IfThenElse(hn::Lt(shifted, constant(0.0f)), hn::Add(shifted, turn),
+                          hn::IfThenElse(hn::Gt(shifted, turn), hn::Sub(shifted, turn), shifted));
+}
+
+HWY_INLINE Floats scale(Floats component, float ratio) {
+    return clampTo(1.0f, hn::Mul(component, constant(1.0f + ratio)));
+}
+
+HWY_INLINE Channels<Floats> bytesToUnit(const Channels<Ints>& bytes) {
+    return mapChannels(
+        bytes, [](Ints byte) HWY_ATTR { return hn::Div(toFloats(byte), constant(255.0f)); });
+}
+
+// Mixes by weight and stores as bytes.
+HWY_INLINE Channels<Ints> mix(const Channels<Floats>& from, const Channels<Floats>& to,
+                              Floats weight) {
+    const Floats rest = hn::Sub(constant(1.0f), weight);
+    const auto channel = [&](Floats a, Floats b) HWY_ATTR {
+        const Floats mixed = hn::Add(hn::Mul(rest, a), hn::Mul(weight, b));
+        return clampToBytes(hn::Mul(mixed, constant(255.0f)));
+    };
+    return {channel(from.red, to.red), channel(from.green, to.green), channel(from.blue, to.blue)};
+}
+
+void changeColourRange(PixelSpan& span, const HueBand& band, const RangeChange& change) {
+    forEachVector(span, [&](std::size_t i) HWY_ATTR {
+        Channels<Ints> bytes = loadIntChannels(span, i);
+        Hsl hsl = toHsl(bytesToUnit(bytes));
+        const Floats weight = weightOf(band, hsl.hue);
+        bool hslIsCurrent = true;
+        // Each step works on the bytes that the last one stored; both sides of its mix make the
+        // round trip.
+        const auto step = [&](float amount, auto changed) HWY_ATTR {
+            if (amount == 0.0f) return;
+            if (!hslIsCurrent) hsl = toHsl(bytesToUnit(bytes));
+            const Channels<Floats> turns = turnsOf(hsl.hue);
+            bytes = mix(toRgb(turns, hsl.saturation, hsl.lightness), changed(turns), weight);
+            hslIsCurrent = false;
+        };
+        step(change.shift, [&](const Channels<Floats>&) HWY_ATTR {
+            return toRgb(turnsOf(shiftHue(hsl.hue, change.shift)), hsl.saturation, hsl.lightness);
+        });
+        step(change.saturationRatio, [&](const Channels<Floats>& turns) HWY_ATTR {
+            return toRgb(turns, scale(hsl.saturation, change.saturationRatio), hsl.lightness);
+        });
+        step(change.lightnessRatio, [&](const Channels<Floats>& turns) HWY_ATTR {
+            return toRgb(turns, hsl.saturation, scale(hsl.lightness, change.lightnessRatio));
+        });
+        storeClamped(bytes, span, i);
+    });
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace keladjust
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace keladjust {
+
+HWY_EXPORT(changeColourRange);
+
+void spans::changeColourRange(PixelSpan& span, const HueBand& band, const RangeChange& change) {
+    HWY_DYNAMIC_DISPATCH(changeColourRange)(span, band, change);
+}
+
+}  // namespace keladjust
+#endif

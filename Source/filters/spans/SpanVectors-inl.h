@@ -1,0 +1,118 @@
+// Lanes of a PixelSpan as vectors. Included once for every instruction set, like the span kernels
+// that use it; hence the guard that toggles.
+
+#if defined(KELADJUST_FILTERS_SPANS_SPANVECTORS_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef KELADJUST_FILTERS_SPANS_SPANVECTORS_INL_H
+#undef KELADJUST_FILTERS_SPANS_SPANVECTORS_INL_H
+#else
+#define KELADJUST_FILTERS_SPANS_SPANVECTORS_INL_H
+#endif
+
+#include <hwy/highway.h>
+
+#include <cstddef>
+#include <cstdint>
+
+#include "ImageFormat/PixelSpan.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace keladjust {
+namespace HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// One float, one whole number and one byte a pixel, the same number of each. Multiplications and
+// additions are never fused, so every instruction set gives the same bytes.
+using FloatTag = hn::ScalableTag<float>;
+using IntTag = hn::RebindToSigned<FloatTag>;
+using ByteTag = hn::Rebind<std::uint8_t, FloatTag>;
+using Floats = hn::Vec<FloatTag>;
+using Ints = hn::Vec<IntTag>;
+using FloatMask = hn::Mask<FloatTag>;
+
+HWY_INLINE Floats constant(float value) {
+    return hn::Set(FloatTag(), value);
+}
+HWY_INLINE Ints constant(std::int32_t value) {
+    return hn::Set(IntTag(), value);
+}
+
+HWY_INLINE Ints loadInts(const std::uint8_t* lane) {
+    return hn::PromoteTo(IntTag(), hn::Load(ByteTag(), lane));
+}
+HWY_INLINE Floats toFloats(Ints values) {
+    return hn::ConvertTo(FloatTag(), values);
+}
+HWY_INLINE Floats loadFloats(const std::uint8_t* lane) {
+    return toFloats(loadInts(lane));
+}
+
+/// Stores whole numbers, clamped to 0..255.
+HWY_INLINE void storeClamped(Ints values, std::uint8_t* lane) {
+    hn::Store(hn::DemoteTo(ByteTag(), values), ByteTag(), lane);
+}
+
+/// Truncated toward zero, saturating at the ends of 32 bits; NaN gives 0.
+HWY_INLINE Ints truncateToInts(Floats values) {
+    const Floats numbers = hn::IfThenElseZero(hn::Eq(values, values), values);
+    return hn::ConvertTo(IntTag(), numbers);
+}
+
+/// Clamped to 0..limit; NaN gives 0.
+HWY_INLINE Floats clampTo(float limit, Floats values) {
+    const Floats positive = hn::IfThenElseZero(hn::Gt(values, constant(0.0f)), values);
+    return hn::Min(positive, constant(limit));
+}
+
+/// Clamped to 0..255 and truncated; NaN gives 0.
+HWY_INLINE Ints clampToBytes(Floats values) {
+    return hn::ConvertTo(IntTag(), clampTo(255.0f, values));
+}
+
+/// Calls `body(i)` for the first pixel of every vector of the span. The last one may run past the
+/// pixels that the span counts, but not past its lanes.
+template <class Body>
+HWY_INLINE void forEachVector(const PixelSpan& span, Body body) {
+    const std::size_t step = hn::Lanes(FloatTag());
+    for (std::size_t i = 0; i < span.count; i += step) body(i);
+}
+
+/// The three channels of some pixels.
+template <class Vector>
+struct Channels {
+    Vector red;
+    Vector green;
+    Vector blue;
+};
+
+HWY_INLINE Channels<Floats> loadFloatChannels(const PixelSpan& span, std::size_t i) {
+    return {loadFloats(span.red + i), loadFloats(span.green + i), loadFloats(span.blue + i)};
+}
+HWY_INLINE Channels<Ints> loadIntChannels(const PixelSpan& span, std::size_t i) {
+    return {loadInts(span.red + i), loadInts(span.green + i), loadInts(span.blue + i)};
+}
+HWY_INLINE void storeClamped(const Channels<Ints>& c, PixelSpan& span, std::size_t i) {
+    storeClamped(c.red, span.red + i);
+    storeClamped(c.green, span.green + i);
+    storeClamped(c.blue, span.blue + i);
+}
+
+template <class Vector, class Map>
+HWY_INLINE auto mapChannels(const Channels<Vector>& c, Map map) -> Channels<decltype(map(c.red))> {
+    return {map(c.red), map(c.green), map(c.blue)};
+}
+
+template <class Vector>
+HWY_INLINE Vector largestOf(const Channels<Vector>& c) {
+    return hn::Max(c.red, hn::Max(c.green, c.blue));
+}
+template <class Vector>
+HWY_INLINE Vector smallestOf(const Channels<Vector>& c) {
+    return hn::Min(c.red, hn::Min(c.green, c.blue));
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace keladjust
+HWY_AFTER_NAMESPACE();
+
+#endif
