@@ -9,7 +9,7 @@
 #include <iterator>
 #include <map>
 #include <random>
-#include <regex>
+#include <sstream>
 #include <string>
 
 #include "shaders/Programs.h"
@@ -44,25 +44,30 @@ Checked check(const std::string& stage, const std::string& text) {
     return checked;
 }
 
-// The settings that reach the output, as the compiler found them.
+// The settings that reach the output, as the compiler found them: lines "name: offset -1, type
+// 1406,
+// ...".
 Declarations liveSettings(const std::string& report) {
     const std::map<std::string, std::string> types{
-        {"1404", "int"}, {"1406", "float"}, {"8b5e", "sampler2D"}};
-    const std::string section = report.substr(0, report.find("Uniform block reflection"));
-    const std::regex line("(\\w+): offset -1, type (\\w+),");
+        {"1404,", "int"}, {"1406,", "float"}, {"8b5e,", "sampler2D"}};
+    std::istringstream section(report.substr(0, report.find("Uniform block reflection")));
     Declarations found;
-    for (std::sregex_iterator it(section.begin(), section.end(), line), end; it != end; ++it) {
-        found[(*it)[1]] = types.at((*it)[2]);
+    std::string name, previous;
+    for (std::string word; section >> word; previous = word) {
+        if (word == "offset") name = previous.substr(0, previous.find(':'));
+        if (previous == "type") found[name] = types.at(word);
     }
     return found;
 }
 
 // The settings as they stand in the text, which is where the engine looks for them.
 Declarations declaredSettings(const std::string& text) {
-    const std::regex declaration("\\buniform\\s+([^;]*)\\s(\\w+)\\s*;");
+    std::istringstream words(text);
     Declarations found;
-    for (std::sregex_iterator it(text.begin(), text.end(), declaration), end; it != end; ++it) {
-        found[(*it)[2]] = (*it)[1];
+    for (std::string word, type, name; words >> word;) {
+        if (word != "uniform") continue;
+        words >> type >> name;
+        found[name.substr(0, name.find(';'))] = type;
     }
     return found;
 }
