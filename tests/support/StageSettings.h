@@ -149,6 +149,22 @@ inline NamedSettings everyGpuStage() {
     });
 }
 
+/// Every stage there is at once, those after the programs included.
+inline NamedSettings everyStage() {
+    NamedSettings named = everyGpuStage();
+    named.name = "every stage";
+    _AdjustParam& p = named.settings;
+    p.clarity = 15;
+    p.sharpen = 30;
+    p.distortion = 5;
+    p.fringing = 10;
+    p.dehaze = 10;
+    p.diffuse = 3;
+    p.colourNoiseReduction = 10;
+    p.luminanceNoiseReduction = 10;
+    return named;
+}
+
 }  // namespace keladjust::test
 
 #endif

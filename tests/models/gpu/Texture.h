@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -38,15 +39,20 @@ public:
     template <class Program>
     Texture rendered(Program program) const {
         Texture out = *this;
-        for (int y = 0; y < height_; ++y) {
-            for (int x = 0; x < width_; ++x) {
-                const auto colour = program(x, y);
-                for (std::size_t c = 0; c < colour.size(); ++c) {
-                    out.rgba_[offset(x, y) + c] =
-                        static_cast<std::uint8_t>(clampUnit(colour[c]) * 255.0f + 0.5f);
+        const auto rows = [&](int begin, int end) {
+            for (int y = begin; y < end; ++y) {
+                for (int x = 0; x < width_; ++x) {
+                    const auto colour = program(x, y);
+                    std::uint8_t* const texel = out.rgba_.data() + offset(x, y);
+                    for (std::size_t c = 0; c < colour.size(); ++c) {
+                        texel[c] = static_cast<std::uint8_t>(clampUnit(colour[c]) * 255.0f + 0.5f);
+                    }
                 }
             }
-        }
+        };
+        std::thread otherHalf(rows, height_ / 2, height_);
+        rows(0, height_ / 2);
+        otherHalf.join();
         return out;
     }
 
