@@ -620,6 +620,7 @@ bool KelOgreEffectBase::isWindowClosed() const {
 bool KelOgreEffectBase::frameStarted(const Ogre::FrameEvent&) {
     stopped_ = isWindowClosed();
     if (!stopped_) return true;
+    logMessage("window had been closed!");
     windowClosed();
     return false;
 }
