@@ -70,11 +70,17 @@ void loadPictureFile(const std::string& path, Ogre::Image& image) {
 
 void storePictureFile(const std::string& path, const unsigned char* pixels, std::uint32_t width,
                       std::uint32_t height, std::uint32_t format) {
+    const auto pixelFormat = static_cast<Ogre::PixelFormat>(format);
+    // The engine takes the caller's word for all of it, up to an assertion that ends the process.
+    if (pixels == nullptr || width == 0 || height == 0 || pixelFormat <= Ogre::PF_UNKNOWN ||
+        pixelFormat >= Ogre::PF_COUNT) {
+        OGRE_EXCEPT(Ogre::Exception::ERR_INVALIDPARAMS, "There is no picture to store",
+                    "storePictureFile");
+    }
     Ogre::Image image;
     // Not written to: the interface of the engine does not tell pictures to read from others.
     auto* data = const_cast<unsigned char*>(pixels);
-    image.loadDynamicImage(data, width, height, 1, static_cast<Ogre::PixelFormat>(format), false, 1,
-                           0);
+    image.loadDynamicImage(data, width, height, 1, pixelFormat, false, 1, 0);
     image.save(path);
 }
 

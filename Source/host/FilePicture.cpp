@@ -56,7 +56,9 @@ void FilePicture::free() {
 
 CxImage* FilePicture::take(const Ogre::Image* loaded) {
     free();
-    if (loaded == nullptr) return new (std::nothrow) CxImage();
+    if (loaded == nullptr || loaded->getWidth() == 0 || loaded->getHeight() == 0) {
+        return new (std::nothrow) CxImage();
+    }
     const unsigned bpp = loaded->getBPP();
     if (sizeFits(loaded->getWidth(), loaded->getHeight(), bpp)) bits_ = paddedCopy(*loaded, bpp);
     if (bits_ == nullptr) return new (std::nothrow) CxImage();

@@ -28,7 +28,7 @@ bool GpuEngine::isRunning() const {
 }
 
 bool GpuEngine::canAdjust() const {
-    return basicAdjust != nullptr && range != nullptr && lens != nullptr;
+    return isRunning() && basicAdjust != nullptr && range != nullptr && lens != nullptr;
 }
 
 GpuEngine startGpuEngine(const char* resourcePrefix, const char* pluginPrefix,

@@ -15,7 +15,7 @@ struct GpuEngine {
     KelOgreEffectBase* lens = nullptr;
     KelOgreEffectBase* combined = nullptr;
 
-    /// True if the engine is up; it may also have stopped by itself.
+    /// True if the engine is up. It may also have stopped by itself, and the effects with it.
     bool isRunning() const;
     /// True if every effect that an adjustment asks for is there.
     bool canAdjust() const;

@@ -136,9 +136,10 @@ void renderRanges(const GpuEngine& engine, CxImage& image, const P& p) {
 
 void runStages(CxImage* image, const P& p, const GpuEngine& engine) {
     if (image == nullptr) return;
-    if (changesTones(p)) renderBasicAdjust(engine, *image, p);
+    if (changesTones(p) && engine.isRunning()) renderBasicAdjust(engine, *image, p);
     clarity(image, p.clarity);
-    if (changesRanges(p)) renderRanges(engine, *image, p);
+    // The first render may have found the window closed: the engine is down then, effects and all.
+    if (changesRanges(p) && engine.isRunning()) renderRanges(engine, *image, p);
     // Clarity works on either side of the colour ranges; sharpening once more than they did.
     clarity(image, p.clarity);
     sharpen(image, p.sharpen);

@@ -259,8 +259,8 @@ TEST_F(RenderThread, NoTimeAtAllIsTooLittle) {
     bool slow = false;
     EXPECT_EQ(thread->render(effect, nullptr, nullptr, 4, &slow, 0), 1);
     EXPECT_TRUE(slow);
-    EXPECT_EQ(
-        log.countExact("Evaluate time is low 0, it couldn't be completed work in this time."), 1);
+    EXPECT_EQ(log.countExact("Evaluate time is low 0, it couldn't be completed work in this time."),
+              1);
 }
 
 TEST_F(RenderThread, ServesManyHostThreadsOneAtATime) {
