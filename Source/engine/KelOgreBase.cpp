@@ -80,6 +80,7 @@ void KelOgreBase::teardown() {
     } catch (...) {
         logCurrentException("The engine does not stop in order");
     }
+    keladjust::platform::engineWindowClosed();
     log_.reset();
 }
 

@@ -20,6 +20,9 @@ bool displayAvailable();
 Ogre::RenderWindow* openEngineWindow(Ogre::Root& root, const std::string& title, unsigned width,
                                      unsigned height);
 
+/// Called once the window and the engine with it are gone.
+void engineWindowClosed();
+
 /// Takes the window off the desktop, where the system has it there.
 void hideEngineWindow(Ogre::RenderWindow& window);
 

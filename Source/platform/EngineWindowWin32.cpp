@@ -16,6 +16,8 @@ Ogre::RenderWindow* openEngineWindow(Ogre::Root& root, const std::string& title,
     return root.initialise(true, title);
 }
 
+void engineWindowClosed() {}
+
 void hideEngineWindow(Ogre::RenderWindow& window) {
     HWND handle = nullptr;
     window.getCustomAttribute("WINDOW", &handle);

@@ -41,7 +41,7 @@ vec3 colourOfHsl(vec3 hsl) {
     vec3 turn = hsl.x + vec3(1.0, 0.0, -1.0) / 3.0;
     if (turn.r > 1.0) turn.r -= 1.0;
     if (turn.b < 0.0) turn.b += 1.0;
-    vec3 pure = clampUnit(min(6.0 * turn, 4.0 - 6.0 * turn));
+    vec3 pure = min(6.0 * turn, clampUnit(4.0 - 6.0 * turn));
     return hsl.z + largestChroma(hsl.z) * hsl.y * (pure - 0.5);
 }
 

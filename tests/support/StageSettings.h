@@ -100,6 +100,11 @@ inline std::vector<NamedSettings> rangeStages() {
         range("brightness -90", 0, 0, -90);
         range("all three", 35, -50, 100);
     }
+    stages.push_back(only("shifts beyond the circle", [](P& p) {
+        setRangeBounds(p);
+        p.range[KELADJUST_RANGE_GREEN].hue = 420;
+        p.range[KELADJUST_RANGE_BLUE].hue = -650;
+    }));
     const auto vignette = [&](const char* name, float amount, float size, float roundness,
                               float feather, float exposure, float protection) {
         stages.push_back(only(name, [&](P& p) {
