@@ -498,9 +498,10 @@ void KelOgreEffectBase::destroyScene() {
         root->removeFrameListener(this);
         registered_ = false;
     }
-    destroyRenderTexture();
+    // By name, because the destructor comes here, too.
+    KelOgreEffectBase::destroyRenderTexture();
     deletePackBuffer();
-    windowClosed();
+    KelOgreEffectBase::windowClosed();
     material_.reset();
     picturePlane_.reset();
     inputTextures_.clear();
