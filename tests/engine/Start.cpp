@@ -382,8 +382,8 @@ TEST_F(Start, TwentyFiveCyclesLeaveNothingBehind) {
                 first.descriptors, last.descriptors);
     EXPECT_EQ(last.threads, threadsBefore);
     EXPECT_EQ(last.descriptors, first.descriptors);
-    // A picture or a shader compiler that stayed would be several megabytes a cycle.
-    EXPECT_LT(last.residentKilobytes, first.residentKilobytes + 4096);
+    // A picture that stayed each time would be 27 megabytes; the heap itself breathes by a few.
+    EXPECT_LT(last.residentKilobytes, first.residentKilobytes + 10240);
 }
 
 }  // namespace
