@@ -9,6 +9,7 @@ extern "C" {
 }
 #include <keladjust/CxImage.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <stdexcept>
