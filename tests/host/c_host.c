@@ -16,7 +16,7 @@
 int main(void) {
     unsigned char pixels[] = {10, 20, 30, 255, 100, 150, 200, 128};
     unsigned char* bits = pixels;
-    _AdjustParam settings = {11500};
+    _AdjustParam settings = {.temperature = 11500};
     CxImage* image = createCxImage(&bits, 2, 1, 32, IMAGE_FORMAT_BGRA);
     CHECK(image != NULL);
     CHECK(sizeof(settings) == 260);
