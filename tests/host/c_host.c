@@ -5,12 +5,12 @@
 #include <stdio.h>
 #include <stdlib.h>
 
-#define CHECK(condition)                                             \
-    do {                                                             \
-        if (!(condition)) {                                          \
+#define CHECK(condition)                                            \
+    do {                                                            \
+        if (!(condition)) {                                         \
             fprintf(stderr, "line %d: %s\n", __LINE__, #condition); \
-            return EXIT_FAILURE;                                     \
-        }                                                            \
+            return EXIT_FAILURE;                                    \
+        }                                                           \
     } while (0)
 
 int main(void) {
