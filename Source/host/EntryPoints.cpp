@@ -9,7 +9,10 @@
 #include <new>
 #include <utility>
 
+#include "engine/KelOgreRenderThread.h"
 #include "filters/LensCorrection.h"
+#include "host/GpuEngine.h"
+#include "host/GpuPipeline.h"
 #include "host/LibraryState.h"
 #include "host/Pipeline.h"
 #include "lut/LibraryLut.h"
@@ -23,17 +26,25 @@ static_assert(sizeof(_AdjustParam) == 65 * 4, "hosts pass the record by value, s
 
 namespace {
 
-/// Keeps adjustments apart, once the busy event exists.
+/// Keeps adjustments apart from one another and from starts and stops of the engine, once the busy
+/// event exists.
 class BusyLock {
 public:
-    BusyLock() : busy_(libraryState().busyEvent()) {
-        if (busy_) busy_->wait();
+    BusyLock() {
+        while ((busy_ = libraryState().busyEvent()) != nullptr) {
+            busy_->wait();
+            if (busy_ == libraryState().busyEvent()) return;
+            // Closed while this call waited: there is another event by now, or none.
+            busy_->signal();
+        }
     }
     ~BusyLock() {
         if (busy_) busy_->signal();
     }
     BusyLock(const BusyLock&) = delete;
     BusyLock& operator=(const BusyLock&) = delete;
+
+    bool isHeld() const { return busy_ != nullptr; }
 
 private:
     std::shared_ptr<keladjust::platform::Event> busy_;
@@ -46,24 +57,45 @@ void createBusyEvent(LibraryState& state) {
     state.setBusyEvent(std::move(busy));
 }
 
+bool startEngine(const char* resourcePrefix, const char* pluginPrefix) {
+    LibraryState& state = libraryState();
+    const std::lock_guard life(state.life);
+    if (state.gpu.isRunning()) return true;
+    createBusyEvent(state);
+    const BusyLock busy;
+    keladjust::stopGpuEngine(state.gpu);  // it may have stopped by itself
+    state.cpuOnly = false;
+    state.gpu = keladjust::startGpuEngine(resourcePrefix, pluginPrefix, state.logPath.data());
+    if (!state.gpu.isRunning()) {
+        keladjust::stopGpuEngine(state.gpu);
+        state.cpuOnly = true;
+        return false;
+    }
+    if (keladjust::isDriverTooOld(state.gpu)) state.cpuOnly = true;
+    return true;
+}
+
 }  // namespace
 
-bool initOgreRunTime(const char*, const char*) {
+bool initOgreRunTime(const char* resourcePrefix, const char* pluginPrefix) {
     // The colour table needs no engine: it is there even if the engine does not come up.
     keladjust::buildLibraryLut();
-    LibraryState& state = libraryState();
     try {
-        createBusyEvent(state);
+        return startEngine(resourcePrefix, pluginPrefix);
     } catch (...) {
-        // Out of memory or handles: adjustments are then not kept apart, as before this call.
+        // Out of memory, handles or threads.
+        libraryState().cpuOnly = true;
+        return false;
     }
-    state.cpuOnly = true;
-    return false;
 }
 
 void releaseOgre() {
+    LibraryState& state = libraryState();
+    const std::lock_guard life(state.life);
+    const BusyLock busy;
     keladjust::destroyLibraryLut();
-    libraryState().setBusyEvent(nullptr);
+    state.setBusyEvent(nullptr);
+    keladjust::stopGpuEngine(state.gpu);
     keladjust::releaseLensMaps();
 }
 
@@ -83,9 +115,11 @@ CxImage* createCxImage(unsigned char** ppBits, unsigned int width, unsigned int 
     return new (std::nothrow) CxImage(ppBits, width, height, bpp, format);
 }
 
-CxImage* createCxImageFromFile(const char*) {
-    // Files are loaded by the engine; without it the image stays empty.
-    return new (std::nothrow) CxImage();
+CxImage* createCxImageFromFile(const char* fileName) {
+    LibraryState& state = libraryState();
+    const std::lock_guard life(state.life);
+    if (!state.gpu.isRunning()) return new (std::nothrow) CxImage();
+    return state.filePicture.take(state.gpu.thread->loadPicture(fileName));
 }
 
 void releaseCxImage(CxImage* image) {
@@ -94,6 +128,10 @@ void releaseCxImage(CxImage* image) {
 
 CxImage* doAdjust(CxImage* image, _AdjustParam parameters) {
     const BusyLock lock;
+    const LibraryState& state = libraryState();
+    if (lock.isHeld() && !state.cpuOnly && state.gpu.canAdjust()) {
+        return keladjust::runGpuPipeline(image, parameters, state.gpu);
+    }
     return keladjust::runCpuPipeline(image, parameters);
 }
 

@@ -6,6 +6,8 @@
 #include <memory>
 #include <mutex>
 
+#include "host/FilePicture.h"
+#include "host/GpuEngine.h"
 #include "platform/Event.h"
 
 namespace keladjust {
@@ -18,6 +20,15 @@ public:
 
     /// What stands before "Ogre.log".
     std::array<char, 512> logPath{};
+
+    /// Held while the engine is started, stopped or asked for a file.
+    std::mutex life;
+    /// Changed by the holder of `life` and the busy event, read by the holder of either. Not ended
+    /// with this object: a program that ends without stopping the engine must not tear it down
+    /// among other libraries that are gone already.
+    GpuEngine gpu;
+    /// The holder of `life` may use it.
+    FilePicture filePicture;
 
     /// The busy event, signalled while no adjustment runs; null before initOgreRunTime() and after
     /// releaseOgre(). Calls in flight hold it, too, so that closing it under them is harmless.

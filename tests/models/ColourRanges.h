@@ -59,13 +59,18 @@ inline float weightOf(const Range& r, float h) {
     return d <= 1 ? d : 2.0f - d;
 }
 
+/// What the changed colour is mixed with: the colour after the way through HSL and back, or as it
+/// came.
+enum class MixedWith { roundTrip, colour };
+
 // One colour through the three steps; `keep` is what is stored of a channel between them.
 template <class Keep>
-inline Floats rangeModel(const Range& r, Floats c, Keep keep) {
+inline Floats rangeModel(const Range& r, Floats c, Keep keep,
+                         MixedWith mixedWith = MixedWith::roundTrip) {
     const float w = weightOf(r, hslOf(c)[0]);
     const auto mix = [&](auto change) {
         const Floats hsl = hslOf(c);
-        const Floats from = rgbOf(hsl);
+        const Floats from = mixedWith == MixedWith::roundTrip ? rgbOf(hsl) : c;
         const Floats to = rgbOf(change(hsl));
         for (std::size_t i = 0; i < 3; ++i) c[i] = keep((1.0f - w) * from[i] + w * to[i]);
     };

@@ -1,0 +1,16 @@
+#ifndef KELADJUST_ENGINE_ENGINELOG_H
+#define KELADJUST_ENGINE_ENGINELOG_H
+
+#include <string>
+
+namespace keladjust {
+
+/// Writes a line of the engine's normal level into its log; dropped while there is no log.
+void logMessage(const std::string& message) noexcept;
+
+/// Writes down the exception that is being handled, after what was being done.
+void logCurrentException(const char* occasion) noexcept;
+
+}  // namespace keladjust
+
+#endif

@@ -1,0 +1,87 @@
+#include "engine/PictureFile.h"
+
+#include <OgreArchiveManager.h>
+#include <OgreImage.h>
+#include <OgreResourceGroupManager.h>
+
+#include <filesystem>
+
+namespace keladjust {
+
+namespace {
+
+/// The folder of a picture, known to the engine while this object lives: the engine opens files
+/// only in folders that it knows. A group of its own keeps a file of the same name in another
+/// folder from being taken instead.
+class PictureFolder {
+public:
+    static constexpr const char* group = "KelPictureFolder";
+
+    explicit PictureFolder(const std::string& folder) : folder_(folder) {
+        auto& resources = Ogre::ResourceGroupManager::getSingleton();
+        resources.createResourceGroup(group, false);
+        try {
+            resources.addResourceLocation(folder_, "FileSystem", group);
+        } catch (...) {
+            leave();
+            throw;
+        }
+    }
+    ~PictureFolder() { leave(); }
+    PictureFolder(const PictureFolder&) = delete;
+    PictureFolder& operator=(const PictureFolder&) = delete;
+
+private:
+    void leave() noexcept {
+        try {
+            Ogre::ResourceGroupManager::getSingleton().destroyResourceGroup(group);
+            Ogre::ArchiveManager::getSingleton().unload(folder_);
+        } catch (...) {
+            // The engine keeps an entry that nobody uses.
+        }
+    }
+
+    std::string folder_;
+};
+
+// Spelt so that the engine never takes it for a folder of resources.cfg, which stays registered.
+std::string folderOf(const std::filesystem::path& path) {
+    return (path.parent_path() / "." / "").string();
+}
+
+}  // namespace
+
+void loadPictureFile(const std::string& path, Ogre::Image& image) {
+    image.freeMemory();
+    const std::string& defaultGroup = Ogre::ResourceGroupManager::DEFAULT_RESOURCE_GROUP_NAME;
+    const std::filesystem::path file(path);
+    const std::string name = file.filename().string();
+    if (name.empty()) {
+        OGRE_EXCEPT(Ogre::Exception::ERR_INVALIDPARAMS, "No file is named", "loadPictureFile");
+    }
+    if (!file.has_parent_path() &&
+        Ogre::ResourceGroupManager::getSingleton().resourceExists(defaultGroup, name)) {
+        image.load(name, defaultGroup);
+        return;
+    }
+    const PictureFolder folder(folderOf(file));
+    image.load(name, PictureFolder::group);
+}
+
+void storePictureFile(const std::string& path, const unsigned char* pixels, std::uint32_t width,
+                      std::uint32_t height, std::uint32_t format) {
+    const auto pixelFormat = static_cast<Ogre::PixelFormat>(format);
+    // The engine takes the caller's word for all of it, up to an assertion that ends the process.
+    if (pixels == nullptr || width == 0 || height == 0 || pixelFormat <= Ogre::PF_UNKNOWN ||
+        pixelFormat >= Ogre::PF_COUNT) {
+        OGRE_EXCEPT(Ogre::Exception::ERR_INVALIDPARAMS, "There is no picture to store",
+                    "storePictureFile");
+    }
+    Ogre::Image image;
+    // Not written to: the interface of the engine does not tell pictures to read from others.
+    auto* data = const_cast<unsigned char*>(pixels);
+    image.loadDynamicImage(data, width, height, 1, pixelFormat, false, 1, 0);
+    image.save(path);
+}
+
+}  // namespace keladjust

@@ -1,0 +1,18 @@
+#ifndef KELADJUST_HOST_GPUPIPELINE_H
+#define KELADJUST_HOST_GPUPIPELINE_H
+
+#include <keladjust/CxImage.h>
+
+#include "host/GpuEngine.h"
+
+namespace keladjust {
+
+/// Renders the colour and tone stages with two effects, runs the spatial stages on the CPU and
+/// returns `image`. A render that the engine refuses leaves the pixels as they were; what follows
+/// still runs.
+CxImage* runGpuPipeline(CxImage* image, const _AdjustParam& parameters,
+                        const GpuEngine& engine) noexcept;
+
+}  // namespace keladjust
+
+#endif

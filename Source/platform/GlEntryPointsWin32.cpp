@@ -1,0 +1,11 @@
+#include <windows.h>
+
+#include "platform/GlEntryPoints.h"
+
+namespace keladjust::platform {
+
+void (*glEntryPoint(const char* name))() {
+    return reinterpret_cast<void (*)()>(wglGetProcAddress(name));
+}
+
+}  // namespace keladjust::platform

@@ -1,0 +1,1 @@
+struct VS_OUTPUT { float4 pos: POSITION; float2 texCoord0: TEXCOORD0; float2 fragCoord: TEXCOORD1; }; sampler Sample: register(s0); float4 ps_main(VS_OUTPUT vsInput): COLOR { return tex2D(Sample, vsInput.texCoord0); }

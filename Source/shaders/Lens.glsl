@@ -1,0 +1,4 @@
+// Percent; 0 is none.
+uniform float distortion;
+uniform float fringing;
+

@@ -1,0 +1,4 @@
+// Pixels each way.
+uniform int imageWidth;
+uniform int imageHeight;
+

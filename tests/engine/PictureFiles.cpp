@@ -1,0 +1,178 @@
+// Pictures from files, as a host gets them, and pictures stored.
+
+#include <OgrePixelFormat.h>
+#include <gtest/gtest.h>
+#include <keladjust/CxImage.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "engine/KelOgreRenderThread.h"
+#include "host/LibraryState.h"
+#include "support/HostPicture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using keladjust::libraryState;
+
+class PictureFiles : public testing::Test {
+protected:
+    void SetUp() override {
+        folder = fs::temp_directory_path() / ("keladjust-files-" + std::to_string(getpid()));
+        fs::create_directories(folder / "sub");
+        fs::create_directories(folder / "known");
+        std::ofstream(folder / "resources.cfg")
+            << "[General]\nFileSystem=" << (folder / "known").string() << '\n';
+        before = fs::current_path();
+        fs::current_path(folder);
+        setLogPath((folder / "").c_str());
+        ASSERT_TRUE(initOgreRunTime((folder / "").c_str(), KELADJUST_ENGINE_CONFIG));
+    }
+    void TearDown() override {
+        releaseOgre();
+        fs::current_path(before);
+        fs::remove_all(folder);
+    }
+
+    /// Tight rows that tell where in the picture a byte stands.
+    static std::vector<unsigned char> tightRows(unsigned width, unsigned height, unsigned bytes,
+                                                unsigned char seed) {
+        std::vector<unsigned char> rows(std::size_t{width} * height * bytes);
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            rows[i] = static_cast<unsigned char>(i * 37 + seed);
+        }
+        return rows;
+    }
+    int store(const fs::path& file, unsigned width, unsigned height, Ogre::PixelFormat format,
+              unsigned char seed) {
+        const auto rows = tightRows(
+            width, height, static_cast<unsigned>(Ogre::PixelUtil::getNumElemBytes(format)), seed);
+        return libraryState().gpu.thread->storePicture(file.c_str(), rows.data(), width, height,
+                                                       format);
+    }
+    void expectPicture(const std::string& name, unsigned width, unsigned height, unsigned bytes,
+                       _ImagePixelFormat format, unsigned char seed) {
+        CxImage* image = createCxImageFromFile(name.c_str());
+        ASSERT_NE(image, nullptr);
+        ASSERT_NE(image->GetBits(), nullptr) << name;
+        EXPECT_EQ(image->GetWidth(), width);
+        EXPECT_EQ(image->GetHeight(), height);
+        EXPECT_EQ(image->GetBpp(), bytes * 8);
+        EXPECT_EQ(image->getFormat(), format);
+        const auto rows = tightRows(width, height, bytes, seed);
+        for (unsigned y = 0; y < height; ++y) {
+            for (unsigned x = 0; x < width * bytes; ++x) {
+                ASSERT_EQ(image->GetBits()[image->GetEffWidth() * y + x],
+                          rows[std::size_t{y} * width * bytes + x])
+                    << name << " at " << x << ", " << y;
+            }
+        }
+        releaseCxImage(image);
+    }
+    static void expectNone(const char* name) {
+        CxImage* image = createCxImageFromFile(name);
+        ASSERT_NE(image, nullptr);
+        EXPECT_EQ(image->GetBits(), nullptr);
+        EXPECT_EQ(image->GetWidth(), 0u);
+        EXPECT_EQ(image->GetHeight(), 0u);
+        EXPECT_EQ(image->getFormat(), IMAGE_FORMAT_UNKNOWN);
+        releaseCxImage(image);
+    }
+
+    fs::path folder;
+    fs::path before;
+};
+
+TEST_F(PictureFiles, ComeWithTheirFormatAndOddWidths) {
+    for (const unsigned width : {1u, 2u, 3u, 5u, 64u, 61u}) {
+        const std::string name = "sub/p" + std::to_string(width);
+        ASSERT_EQ(store(name + "c.png", width, 3, Ogre::PF_B8G8R8, 1), 1);
+        ASSERT_EQ(store(name + "a.png", width, 3, Ogre::PF_A8B8G8R8, 2), 1);
+        ASSERT_EQ(store(name + "g.png", width, 3, Ogre::PF_L8, 3), 1);
+        expectPicture(name + "c.png", width, 3, 3, IMAGE_FORMAT_RGB, 1);
+        expectPicture(name + "a.png", width, 3, 4, IMAGE_FORMAT_RGBA, 2);
+        expectPicture(name + "g.png", width, 3, 1, IMAGE_FORMAT_GRAY, 3);
+    }
+}
+
+TEST_F(PictureFiles, AreFoundWhereTheyAreNamed) {
+    ASSERT_EQ(store(folder / "sub" / "same.png", 5, 3, Ogre::PF_B8G8R8, 1), 1);
+    ASSERT_EQ(store(folder / "known" / "same.png", 5, 3, Ogre::PF_B8G8R8, 2), 1);
+    ASSERT_EQ(store(folder / "here.png", 5, 3, Ogre::PF_B8G8R8, 3), 1);
+    // The engine looks into the folders of resources.cfg at its start.
+    releaseOgre();
+    ASSERT_TRUE(initOgreRunTime((folder / "").c_str(), KELADJUST_ENGINE_CONFIG));
+    for (int i = 0; i < 2; ++i) {
+        expectPicture((folder / "sub" / "same.png").string(), 5, 3, 3, IMAGE_FORMAT_RGB, 1);
+        expectPicture("sub/same.png", 5, 3, 3, IMAGE_FORMAT_RGB, 1);
+        expectPicture("same.png", 5, 3, 3, IMAGE_FORMAT_RGB, 2);  // in a folder of resources.cfg
+        expectPicture((folder / "known" / "same.png").string(), 5, 3, 3, IMAGE_FORMAT_RGB, 2);
+        expectPicture("here.png", 5, 3, 3, IMAGE_FORMAT_RGB, 3);
+    }
+}
+
+TEST_F(PictureFiles, AreReadAnewEachTime) {
+    ASSERT_EQ(store("sub/changing.png", 5, 3, Ogre::PF_B8G8R8, 1), 1);
+    expectPicture("sub/changing.png", 5, 3, 3, IMAGE_FORMAT_RGB, 1);
+    ASSERT_EQ(store("sub/changing.png", 7, 2, Ogre::PF_A8B8G8R8, 2), 1);
+    expectPicture("sub/changing.png", 7, 2, 4, IMAGE_FORMAT_RGBA, 2);
+}
+
+TEST_F(PictureFiles, ThatCannotBeLoadedAreEmpty) {
+    std::ofstream("corrupt.png") << "\x89PNG\r\n\x1a\n and then nothing of the kind";
+    std::ofstream("empty.png");
+    std::ofstream("text.txt") << "no picture";
+    for (const char* name : {"none.png", "sub/none.png", "no/such/folder/none.png", "corrupt.png",
+                             "empty.png", "text.txt", "sub", "sub/", "/", "", ".", ".."}) {
+        expectNone(name);
+    }
+    expectNone(nullptr);
+    EXPECT_TRUE(libraryState().gpu.isRunning());
+}
+
+TEST_F(PictureFiles, AreAdjustedLikeAnyOther) {
+    ASSERT_EQ(store("photo.png", 61, 17, Ogre::PF_B8G8R8, 1), 1);
+    CxImage* image = createCxImageFromFile("photo.png");
+    keladjust::test::HostPicture copy(61, 17, 24, IMAGE_FORMAT_RGB);
+    std::copy_n(image->GetBits(), copy.size(), copy.bits());
+    _AdjustParam settings{};
+    settings.temperature = 11500;
+    settings.exposure = 25;
+    settings.sharpen = 30;
+    doAdjust(image, settings);
+    doAdjust(copy.image(), settings);
+    EXPECT_TRUE(std::equal(copy.bits(), copy.bits() + copy.size(), image->GetBits()));
+    releaseCxImage(image);
+}
+
+TEST_F(PictureFiles, MayBeReplacedInTheirImage) {
+    ASSERT_EQ(store("photo.png", 61, 17, Ogre::PF_B8G8R8, 1), 1);
+    CxImage* image = createCxImageFromFile("photo.png");
+    keladjust::test::HostPicture other(4, 4, 32, IMAGE_FORMAT_BGRA);
+    image->Copy(other.image());  // frees the pixels of the file
+    EXPECT_EQ(image->GetWidth(), 4u);
+    releaseCxImage(image);
+    expectPicture("photo.png", 61, 17, 3, IMAGE_FORMAT_RGB, 1);
+}
+
+TEST_F(PictureFiles, ThatCannotBeStoredAreNot) {
+    EXPECT_EQ(store("no/such/folder/p.png", 2, 2, Ogre::PF_B8G8R8, 1), 0);
+    EXPECT_EQ(store("p.nosuchkind", 2, 2, Ogre::PF_B8G8R8, 1), 0);
+    EXPECT_EQ(store("p", 2, 2, Ogre::PF_B8G8R8, 1), 0);
+    EXPECT_EQ(libraryState().gpu.thread->storePicture("p.png", nullptr, 2, 2, Ogre::PF_B8G8R8), 0);
+    EXPECT_EQ(libraryState().gpu.thread->storePicture(nullptr, nullptr, 2, 2, Ogre::PF_B8G8R8), 0);
+    const unsigned char pixel[4] = {};
+    EXPECT_EQ(libraryState().gpu.thread->storePicture("p.png", pixel, 0, 0, Ogre::PF_B8G8R8), 0);
+    EXPECT_EQ(libraryState().gpu.thread->storePicture("p.png", pixel, 1, 1, Ogre::PF_UNKNOWN), 0);
+    EXPECT_EQ(libraryState().gpu.thread->storePicture("p.png", pixel, 1, 1, 0xFFFFFFFF), 0);
+    std::ifstream log("Ogre.log");
+    std::string text{std::istreambuf_iterator<char>(log), {}};
+    EXPECT_NE(text.find("Could not store picture. Maybe something that you specified is wrong."),
+              std::string::npos);
+}
+
+}  // namespace

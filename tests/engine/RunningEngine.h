@@ -1,0 +1,43 @@
+#ifndef KELADJUST_TESTS_ENGINE_RUNNINGENGINE_H
+#define KELADJUST_TESTS_ENGINE_RUNNINGENGINE_H
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+
+#include "engine/HookEffect.h"
+#include "engine/KelOgreEffectBase.h"
+#include "engine/KelOgreRenderThread.h"
+#include "engine/LogCapture.h"
+#include "support/HostPicture.h"
+
+namespace keladjust::test {
+
+/// The real engine, on the display that the test runs on.
+class RunningEngine : public testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    /// Runs `work` on the render thread.
+    void onThread(const std::function<void()>& work);
+    /// A new effect with that fragment program.
+    KelOgreEffectBase* effectWith(const char* program, const char* className = "KelOgreEffectBase");
+    /// One pass over the picture, in place. @return what the render thread says
+    int render(KelOgreEffectBase& effect, HostPicture& picture);
+
+    LogCapture log;
+    HookFactory hooks;
+    std::unique_ptr<KelOgreRenderThread> thread;
+
+private:
+    HookEffect* hook_ = nullptr;
+};
+
+/// What an effect is told of a picture's format.
+std::uint32_t enginePixelFormat(_ImagePixelFormat format);
+
+}  // namespace keladjust::test
+
+#endif
