@@ -1,8 +1,7 @@
 #ifndef KELADJUST_ENGINE_GLBUFFERS_H
 #define KELADJUST_ENGINE_GLBUFFERS_H
 
-#include <GL/gl.h>
-#include <GL/glext.h>
+#include "platform/OpenGl.h"
 
 namespace keladjust {
 

@@ -1,6 +1,5 @@
 #include "engine/KelOgreBase.h"
 
-#include <GL/gl.h>
 #include <OgreConfigFile.h>
 #include <OgreLogManager.h>
 #include <OgreRenderSystem.h>
@@ -14,6 +13,7 @@
 #include "engine/EngineLog.h"
 #include "engine/RenderSystemOptions.h"
 #include "platform/EngineWindow.h"
+#include "platform/OpenGl.h"
 
 using keladjust::logCurrentException;
 using keladjust::logMessage;

@@ -36,12 +36,17 @@ const std::string& resourceGroup() {
     return Ogre::ResourceGroupManager::DEFAULT_RESOURCE_GROUP_NAME;
 }
 
-// Errors that others have left behind are not ours. Without a working context there is no end of
-// them.
-void forgetOpenGlErrors() {
+// Takes all pending errors and tells whether memory ran out among them. Errors that others have left
+// behind are not ours, and without a working context there is no end of them.
+bool ranOutOfMemory() {
     constexpr int manyErrors = 16;
-    for (int i = 0; i < manyErrors && glGetError() != GL_NO_ERROR; ++i) {
+    bool ranOut = false;
+    for (int i = 0; i < manyErrors; ++i) {
+        const GLenum error = glGetError();
+        if (error == GL_NO_ERROR) break;
+        ranOut = ranOut || error == GL_OUT_OF_MEMORY;
     }
+    return ranOut;
 }
 
 /// Rows without padding in memory while it lives.
@@ -129,10 +134,17 @@ bool KelOgreEffectBase::runPass(unsigned char* outputBuffer, unsigned char* inpu
     }
     buildPrograms();
     if (getMaterial() == nullptr) return false;
+    if (usesOpenGl()) ranOutOfMemory();
     if (sizeChanged_ || renderTexture_ == nullptr || camera_ == nullptr) {
         if (!resizeScene(outputBuffer)) return false;
     }
     if (!uploadInputs()) return false;
+    // The engine goes on with a texture that the driver has no memory for, and would render black.
+    if (usesOpenGl() && ranOutOfMemory()) {
+        logMessage("The graphics driver is out of memory");
+        sizeChanged_ = true;
+        return false;
+    }
     applyParameters();
     if (!renderOneFrame()) return false;
     output_.data = outputBuffer;
@@ -292,7 +304,7 @@ bool KelOgreEffectBase::copyByOpenGl(const _ImageParam& result) {
     // OpenGL reads from what is bound, and a frame ends with something else bound.
     engine_->root()->getRenderSystem()->_setRenderTarget(
         renderTexture_->getBuffer()->getRenderTarget());
-    forgetOpenGlErrors();
+    ranOutOfMemory();
     glReadBuffer(GL_COLOR_ATTACHMENT0);
     if (glGetError() != GL_NO_ERROR) {
         logMessage("The render texture cannot be read");
@@ -498,9 +510,10 @@ void KelOgreEffectBase::destroyScene() {
         root->removeFrameListener(this);
         registered_ = false;
     }
-    destroyRenderTexture();
+    // By name, because the destructor comes here, too.
+    KelOgreEffectBase::destroyRenderTexture();
     deletePackBuffer();
-    windowClosed();
+    KelOgreEffectBase::windowClosed();
     material_.reset();
     picturePlane_.reset();
     inputTextures_.clear();
