@@ -36,8 +36,8 @@ const std::string& resourceGroup() {
     return Ogre::ResourceGroupManager::DEFAULT_RESOURCE_GROUP_NAME;
 }
 
-// Takes all pending errors and tells whether memory ran out among them. Errors that others have left
-// behind are not ours, and without a working context there is no end of them.
+// Takes all pending errors and tells whether memory ran out among them. Errors that others have
+// left behind are not ours, and without a working context there is no end of them.
 bool ranOutOfMemory() {
     constexpr int manyErrors = 16;
     bool ranOut = false;
