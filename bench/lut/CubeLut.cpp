@@ -10,23 +10,14 @@
 #include <random>
 #include <string>
 
+#include "support/BenchSettings.h"
+
 namespace {
 
 namespace fs = std::filesystem;
 
 _AdjustParam everySetting() {
-    _AdjustParam p{};
-    p.temperature = 9000;
-    p.tint = 30;
-    p.exposure = 10;
-    p.brightness = 10;
-    p.contrast = 20;
-    p.vibrance = 40;
-    p.saturation = 20;
-    p.highlights = -40;
-    p.shadows = 35;
-    p.whites = 20;
-    p.blacks = -15;
+    _AdjustParam p = keladjust::bench::elevenSettings();
     float centre = 0;
     for (_AdjustColourRange& range : p.range) {
         range = {centre, centre + 60, 10, 20, -15};
