@@ -2,28 +2,15 @@
 
 #include <cstring>
 
+#include "ImageFormat/Interleave.h"
+
 namespace keladjust {
 
 namespace {
 
-// Byte places of the channels of an interleaved layout.
-template <std::size_t step, std::size_t redPlace, std::size_t bluePlace>
-struct Interleaved {
-    static void load(const std::uint8_t* pixels, PixelSpan& span) {
-        for (std::size_t i = 0; i < span.count; ++i) {
-            span.red[i] = pixels[i * step + redPlace];
-            span.green[i] = pixels[i * step + 1];
-            span.blue[i] = pixels[i * step + bluePlace];
-        }
-    }
-    static void store(const PixelSpan& span, std::uint8_t* pixels) {
-        for (std::size_t i = 0; i < span.count; ++i) {
-            pixels[i * step + redPlace] = span.red[i];
-            pixels[i * step + 1] = span.green[i];
-            pixels[i * step + bluePlace] = span.blue[i];
-        }
-    }
-};
+constexpr bool redFirst(PixelLayout layout) {
+    return layout == PixelLayout::rgb24 || layout == PixelLayout::rgba32;
+}
 
 // 16-bit pixels: the highest five bits are one lane, the lowest five another. Fields are not
 // scaled; the middle one reads two bits of the highest along, and the highest is sign-extended.
@@ -86,16 +73,12 @@ void loadSpan(PixelLayout layout, const std::uint8_t* pixels, PixelSpan& span) {
             loadWords(pixels, span.count, span.blue, span.green, span.red);
             break;
         case PixelLayout::rgb24:
-            Interleaved<3, 0, 2>::load(pixels, span);
-            break;
         case PixelLayout::bgr24:
-            Interleaved<3, 2, 0>::load(pixels, span);
-            break;
         case PixelLayout::rgba32:
-            Interleaved<4, 0, 2>::load(pixels, span);
-            break;
         case PixelLayout::bgra32:
-            Interleaved<4, 2, 0>::load(pixels, span);
+            deinterleave(pixels, bytesPerPixelOf(layout), span.count,
+                         redFirst(layout) ? span.red : span.blue, span.green,
+                         redFirst(layout) ? span.blue : span.red);
             break;
         case PixelLayout::none:
             std::memset(span.red, 0, span.count);
@@ -117,16 +100,12 @@ void storeSpan(PixelLayout layout, const PixelSpan& span, std::uint8_t* pixels) 
             storeWords(span.blue, span.green, span.red, span.count, pixels);
             break;
         case PixelLayout::rgb24:
-            Interleaved<3, 0, 2>::store(span, pixels);
-            break;
         case PixelLayout::bgr24:
-            Interleaved<3, 2, 0>::store(span, pixels);
-            break;
         case PixelLayout::rgba32:
-            Interleaved<4, 0, 2>::store(span, pixels);
-            break;
         case PixelLayout::bgra32:
-            Interleaved<4, 2, 0>::store(span, pixels);
+            interleave(redFirst(layout) ? span.red : span.blue, span.green,
+                       redFirst(layout) ? span.blue : span.red, bytesPerPixelOf(layout), span.count,
+                       pixels);
             break;
         case PixelLayout::none:
             break;

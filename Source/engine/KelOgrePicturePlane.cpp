@@ -207,7 +207,7 @@ Ogre::TexturePtr KelOgrePicturePlane::createTexture(std::uint32_t unit, std::uin
 }
 
 void KelOgrePicturePlane::removeTexture(std::uint32_t unit) {
-    const Ogre::TexturePtr old = texture(unit);
+    const Ogre::TexturePtr old = KelOgrePicturePlane::texture(unit);
     if (old == nullptr) return;
     Ogre::Pass* pass = material_->getTechnique(0)->getPass(0);
     pass->getTextureUnitState(static_cast<unsigned short>(unit))->setBlank();

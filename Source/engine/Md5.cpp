@@ -21,8 +21,8 @@ std::uint32_t sineConstant(int step) {
 std::uint32_t wordAt(std::string_view block, int place) {
     std::uint32_t word = 0;
     for (int byte = 3; byte >= 0; --byte) {
-        const auto at = static_cast<std::size_t>(4 * place + byte);
-        word = word << 8 | static_cast<unsigned char>(block[at]);
+        const int at = 4 * place + byte;
+        word = word << 8 | static_cast<unsigned char>(block[static_cast<std::size_t>(at)]);
     }
     return word;
 }

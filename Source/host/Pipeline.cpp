@@ -1,9 +1,11 @@
 #include "host/Pipeline.h"
 
+#include <array>
 #include <cstddef>
+#include <iterator>
 #include <memory>
+#include <new>
 #include <utility>
-#include <vector>
 
 #include "ImageFormat/Geometry.h"
 #include "ImageFormat/PixelSpan.h"
@@ -120,29 +122,28 @@ public:
     void add(KernelPointer kernel) {
         // Two tables are one where nothing happens to a lane between them: it is stored whole, or
         // it is one of three alike.
-        const bool followsTable = !kernels_.empty() && kernels_.back()->table() != nullptr;
+        const bool followsTable = count_ > 0 && kernels_[count_ - 1]->table() != nullptr;
         const bool lanesPass = storesLanesWhole(layout_) || layout_ == PixelLayout::gray8;
         if (lanesPass && followsTable && kernel->table() != nullptr) {
-            kernels_.back() =
-                std::make_unique<ComposedTable>(*kernels_.back()->table(), *kernel->table());
+            KernelPointer& last = kernels_[count_ - 1];
+            last = std::make_unique<ComposedTable>(*last->table(), *kernel->table());
         } else {
-            kernels_.push_back(std::move(kernel));
+            kernels_[count_++] = std::move(kernel);
         }
     }
 
     void run() {
-        if (kernels_.empty()) return;
-        std::vector<const PixelKernel*> kernels;
-        kernels.reserve(kernels_.size());
-        for (const KernelPointer& kernel : kernels_) kernels.push_back(kernel.get());
-        runKernels(image_, kernels);
-        kernels_.clear();
+        std::array<const PixelKernel*, std::size(stages)> kernels;
+        for (std::size_t i = 0; i < count_; ++i) kernels[i] = kernels_[i].get();
+        runKernels(image_, {kernels.data(), count_});
+        count_ = 0;
     }
 
 private:
     CxImage& image_;
     PixelLayout layout_;
-    std::vector<KernelPointer> kernels_;
+    std::array<KernelPointer, std::size(stages)> kernels_;
+    std::size_t count_ = 0;
 };
 
 bool canShareAPass(const Stage& stage, const CxImage& image) {
@@ -150,26 +151,35 @@ bool canShareAPass(const Stage& stage, const CxImage& image) {
     return stage.addressing == Addressing::pixels || rawWalkMeetsPixels(image);
 }
 
-CxImage* runStages(CxImage* image, const _AdjustParam& parameters) {
-    if (image == nullptr) return image;
-    Pass pass(*image);
+/// Puts the stage into the pass, if it can be there; false if it runs by itself.
+bool joinPass(const Stage& stage, const CxImage& image, const _AdjustParam& parameters,
+              Pass& pass) {
+    if (!canShareAPass(stage, image)) return false;
+    try {
+        KernelPointer kernel = stage.kernel(image, parameters);
+        if (kernel->active()) pass.add(std::move(kernel));
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;  // by itself it may need less, or passes the picture on
+    }
+}
+
+void runStages(CxImage& image, const _AdjustParam& parameters) {
+    Pass pass(image);
     for (const Stage& stage : stages) {
-        if (canShareAPass(stage, *image)) {
-            KernelPointer kernel = stage.kernel(*image, parameters);
-            if (kernel->active()) pass.add(std::move(kernel));
-        } else {
-            pass.run();
-            stage.run(image, parameters);
-        }
+        if (joinPass(stage, image, parameters, pass)) continue;
+        pass.run();
+        stage.run(&image, parameters);
     }
     pass.run();
-    return image;
 }
 
 }  // namespace
 
 CxImage* runCpuPipeline(CxImage* image, const _AdjustParam& parameters) noexcept {
-    return exportedForm(image, [&] { runStages(image, parameters); });
+    return exportedForm(image, [&] {
+        if (image != nullptr) runStages(*image, parameters);
+    });
 }
 
 }  // namespace keladjust

@@ -1,19 +1,23 @@
 #include "platform/Parallel.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <exception>
 #include <mutex>
-#include <system_error>
 #include <thread>
-#include <vector>
 
 #include "platform/FloatingPoint.h"
 
 namespace keladjust::platform {
 
 namespace {
+
+// More threads than this are of no use to a picture; it lets them be kept without allocation.
+constexpr std::size_t mostThreads = 64;
+
 std::atomic<int> threadLimit{0};
+
 }  // namespace
 
 void setThreadLimit(int count) noexcept {
@@ -25,11 +29,10 @@ std::size_t bandCount(std::size_t count, std::size_t grain) noexcept {
     const std::size_t threads = limit > 0
                                     ? static_cast<std::size_t>(limit)
                                     : std::max<std::size_t>(1, std::thread::hardware_concurrency());
-    return std::clamp<std::size_t>(count / grain, 1, threads);
+    return std::clamp<std::size_t>(count / grain, 1, std::min(threads, mostThreads));
 }
 
-void parallelBands(std::size_t count, std::size_t bands,
-                   const std::function<void(std::size_t, std::size_t, std::size_t)>& body) {
+void runBands(std::size_t count, std::size_t bands, BandWork work) {
     std::mutex failureMutex;
     std::exception_ptr failure;
     const auto runBand = [&](std::size_t band) {
@@ -41,24 +44,25 @@ void parallelBands(std::size_t count, std::size_t bands,
         if (begin == end) return;
         try {
             const DefaultFloatingPoint scope;
-            body(band, begin, end);
+            work.call(work.body, band, begin, end);
         } catch (...) {
             const std::lock_guard lock(failureMutex);
             if (!failure) failure = std::current_exception();
         }
     };
 
-    std::vector<std::thread> workers;
-    workers.reserve(bands - 1);
+    std::array<std::thread, mostThreads> workers;
     std::size_t started = 1;
     try {
-        for (; started < bands; ++started) workers.emplace_back(runBand, started);
-    } catch (const std::system_error&) {
-        // No more threads to be had: the caller does the rest itself.
+        for (; started < std::min(bands, mostThreads); ++started) {
+            workers[started] = std::thread(runBand, started);
+        }
+    } catch (...) {
+        // No thread, or no memory for one: the caller does the rest itself.
     }
     runBand(0);
     for (std::size_t band = started; band < bands; ++band) runBand(band);
-    for (std::thread& worker : workers) worker.join();
+    for (std::size_t band = 1; band < started; ++band) workers[band].join();
     if (failure) std::rethrow_exception(failure);
 }
 

@@ -2,7 +2,6 @@
 #define KELADJUST_PLATFORM_PARALLEL_H
 
 #include <cstddef>
-#include <functional>
 
 namespace keladjust::platform {
 
@@ -13,14 +12,27 @@ void setThreadLimit(int count) noexcept;
 /// Never 0; for callers that need working storage per band.
 std::size_t bandCount(std::size_t count, std::size_t grain) noexcept;
 
+/// The work of parallelBands() without its type: what to call, and with which object.
+struct BandWork {
+    const void* body;
+    void (*call)(const void* body, std::size_t band, std::size_t begin, std::size_t end);
+};
+void runBands(std::size_t count, std::size_t bands, BandWork work);
+
 /// Splits 0..count-1 into `bands` contiguous bands (usually bandCount()) and calls
-/// `body(band, begin, end)` for each that is not empty, every one on a thread of its own. All
-/// threads are joined before the call returns, also when `body` throws (the first exception is then
-/// passed on), so nothing outlives it. Bands for which no thread can be started run on the
-/// caller's. Workers compute in the default floating-point environment.
-void parallelBands(
-    std::size_t count, std::size_t bands,
-    const std::function<void(std::size_t band, std::size_t begin, std::size_t end)>& body);
+/// `body(band, begin, end)` for each that is not empty, every one on a thread of its own.
+///
+/// All threads are joined before the call returns, also when `body` throws (the first exception is
+/// then passed on), so nothing outlives it. Bands for which no thread can be started run on the
+/// caller's, so that no shortage stops a stage halfway. Workers compute in the default
+/// floating-point environment.
+template <class Body>
+void parallelBands(std::size_t count, std::size_t bands, const Body& body) {
+    runBands(count, bands,
+             {&body, [](const void* object, std::size_t band, std::size_t begin, std::size_t end) {
+                  (*static_cast<const Body*>(object))(band, begin, end);
+              }});
+}
 
 }  // namespace keladjust::platform
 

@@ -9,6 +9,10 @@
 
 #include <keladjust/keladjust.h>
 
+#include <filesystem>
+#include <random>
+#include <string>
+
 namespace keladjust::app {
 namespace {
 
@@ -22,13 +26,26 @@ constexpr const char* EXAMPLES =
     "  keladjust lut --exposure 20 --vibrance 30 --order red-fastest -o look.cube";
 
 /// The library makes colour tables only between these two calls. Whether an engine comes up does
-/// not matter here: tables are made without it.
+/// not matter here: tables are made without it. Its log is of no use, either, and must not land in
+/// the user's folder.
 class Engine {
 public:
-    Engine() { initOgreRunTime(nullptr, nullptr); }
-    ~Engine() { releaseOgre(); }
+    Engine()
+        : logPrefix_(std::filesystem::temp_directory_path() /
+                     ("keladjust-" + std::to_string(std::random_device()()) + "-")) {
+        setLogPath(logPrefix_.string().c_str());
+        initOgreRunTime(nullptr, nullptr);
+    }
+    ~Engine() {
+        releaseOgre();
+        std::error_code ignored;
+        std::filesystem::remove(logPrefix_.string() + "Ogre.log", ignored);
+    }
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
+
+private:
+    std::filesystem::path logPrefix_;
 };
 
 void refuseToReplacePresets(const std::filesystem::path& output, const CommandLine& line) {

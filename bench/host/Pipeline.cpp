@@ -4,24 +4,11 @@
 #include <benchmark/benchmark.h>
 
 #include "support/BenchPicture.h"
+#include "support/BenchSettings.h"
 
 namespace {
 
-_AdjustParam elevenSettings() {
-    _AdjustParam p{};
-    p.temperature = 9000;
-    p.tint = 30;
-    p.exposure = 10;
-    p.brightness = 10;
-    p.contrast = 20;
-    p.vibrance = 40;
-    p.saturation = 20;
-    p.highlights = -40;
-    p.shadows = 35;
-    p.whites = 20;
-    p.blacks = -15;
-    return p;
-}
+using keladjust::bench::elevenSettings;
 
 void elevenSettingsInOneCall(benchmark::State& state) {
     CxImage image;

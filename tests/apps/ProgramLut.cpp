@@ -6,7 +6,10 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <filesystem>
 #include <sstream>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -50,6 +53,19 @@ TEST_F(ProgramLut, IdentityMapsEveryColourToItself) {
         ASSERT_NEAR(entries[index][1], static_cast<double>(index / 32 % 32) / 31, 1e-6);
         ASSERT_NEAR(entries[index][2], static_cast<double>(index / 1024) / 31, 1e-6);
     }
+}
+
+TEST_F(ProgramLut, LeavesNothingButTheTableInTheCurrentFolder) {
+    // The engine that makes the table writes a log, of which users should find nothing.
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(folder / "");
+    table({});
+    std::filesystem::current_path(before);
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder / "")) {
+        names.push_back(entry.path().filename().string());
+    }
+    EXPECT_EQ(names, std::vector<std::string>{"look.cube"});
 }
 
 TEST_F(ProgramLut, OrdersHoldTheSameColours) {

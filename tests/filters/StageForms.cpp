@@ -10,6 +10,7 @@
 #include <xmmintrin.h>
 
 #include "support/HostPicture.h"
+#include "support/InstructionSets.h"
 
 namespace {
 
@@ -128,6 +129,24 @@ TEST(PerPixelStages, DoNotDependOnTheNumberOfThreads) {
         }
     }
     setMaxThreads(0);
+}
+
+TEST(PerPixelStages, DoNotDependOnTheInstructionSet) {
+    // Every layout: loading and storing have vectors of their own. A row is longer than a span and
+    // no multiple of any vector.
+    for (const PixelFormat format : everyFormat) {
+        HostPicture picture(2511, 9, format.bpp, format.format);
+        picture.fillRandom(31);
+        for (const NamedStage& stage : perPixelStages()) {
+            HostPicture usual(picture);
+            stage.run(usual.image());
+            keladjust::test::forEachInstructionSet([&](const std::string& name) {
+                HostPicture each(picture);
+                stage.run(each.image());
+                EXPECT_EQ(each.bytes(), usual.bytes()) << stage.name << " on " << name;
+            });
+        }
+    }
 }
 
 TEST(PerPixelStages, ComputeInTheDefaultEnvironmentAndRestoreTheCallers) {

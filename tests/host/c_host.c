@@ -5,18 +5,18 @@
 #include <stdio.h>
 #include <stdlib.h>
 
-#define CHECK(condition)                                             \
-    do {                                                             \
-        if (!(condition)) {                                          \
+#define CHECK(condition)                                            \
+    do {                                                            \
+        if (!(condition)) {                                         \
             fprintf(stderr, "line %d: %s\n", __LINE__, #condition); \
-            return EXIT_FAILURE;                                     \
-        }                                                            \
+            return EXIT_FAILURE;                                    \
+        }                                                           \
     } while (0)
 
 int main(void) {
     unsigned char pixels[] = {10, 20, 30, 255, 100, 150, 200, 128};
     unsigned char* bits = pixels;
-    _AdjustParam settings = {11500};
+    _AdjustParam settings = {.temperature = 11500};
     CxImage* image = createCxImage(&bits, 2, 1, 32, IMAGE_FORMAT_BGRA);
     CHECK(image != NULL);
     CHECK(sizeof(settings) == 260);

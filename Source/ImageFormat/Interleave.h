@@ -1,0 +1,22 @@
+#ifndef KELADJUST_IMAGEFORMAT_INTERLEAVE_H
+#define KELADJUST_IMAGEFORMAT_INTERLEAVE_H
+
+#include <cstddef>
+#include <cstdint>
+
+/// Pixels of three or four interleaved bytes to planar lanes and back, compiled for every
+/// instruction set.
+namespace keladjust {
+
+/// Fills the lanes of the first three bytes of a pixel, in their order in memory, from `count`
+/// pixels of `step` bytes, 3 or 4.
+void deinterleave(const std::uint8_t* pixels, std::size_t step, std::size_t count,
+                  std::uint8_t* first, std::uint8_t* second, std::uint8_t* third);
+
+/// Writes the lanes back; a fourth byte stays as it is.
+void interleave(const std::uint8_t* first, const std::uint8_t* second, const std::uint8_t* third,
+                std::size_t step, std::size_t count, std::uint8_t* pixels);
+
+}  // namespace keladjust
+
+#endif
