@@ -7,6 +7,9 @@ install(TARGETS keladjust EXPORT keladjustTargets
 install(DIRECTORY include/keladjust DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 if(TARGET keladjust-host)
     install(TARGETS keladjust-host RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    install(FILES ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/plugins.cfg
+        ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/resources.cfg
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/keladjust)
 endif()
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/keladjust)

@@ -43,6 +43,7 @@ GpuEngine startGpuEngine(const char* resourcePrefix, const char* pluginPrefix,
     const std::string combined = std::string(shaders::combinedDeclarations) + shaders::combinedMain;
     engine.combined = createEffect(*thread, combined.c_str());
     engine.thread = thread.release();
+    if (!engine.canAdjust()) logMessage("Effects are missing, adjustments run on the CPU");
     return engine;
 }
 

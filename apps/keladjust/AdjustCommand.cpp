@@ -14,6 +14,8 @@
 
 #include <keladjust/keladjust.h>
 
+#include <algorithm>
+
 namespace keladjust::app {
 namespace {
 
@@ -26,13 +28,25 @@ void createFolder(const std::filesystem::path& folder) {
     }
 }
 
-int adjustPictures(const Options& options, const std::vector<PicturePlan>& plans) {
+bool isIdentity(const _AdjustParam& record) {
+    return std::ranges::all_of(
+        fields(), [&](const Field& field) { return field.read(record) == field.identity; });
+}
+
+/// A picture that stays as it is need not wait for the engine.
+GpuUse gpuUse(const Options& options) {
+    const bool changesNothing = isIdentity(options.settings.record()) && !options.sheet;
+    return options.gpu == GpuUse::whenPossible && changesNothing ? GpuUse::never : options.gpu;
+}
+
+int adjustPictures(const Options& options, const std::vector<PicturePlan>& plans,
+                   Adjuster& adjuster) {
     if (options.threads > 0) setMaxThreads(options.threads);
     const JobSettings settings{options.settings.record(), options.encoding, options.sheet};
     Narrator narrator(plans.size(), options.chatter, platform::errorsGoToTerminal());
     catchInterrupts();
     narrator.begin();
-    runBatch(plans, settings, options.jobs, interrupted,
+    runBatch(plans, settings, adjuster, options.jobs, interrupted,
              [&](const JobReport& report) { narrator.tell(report); });
     narrator.end(interrupted());
     if (interrupted()) return EXIT_INTERRUPTED;
@@ -45,9 +59,12 @@ int runAdjustCommand(const std::vector<std::string>& arguments) {
     const auto options = parseOptions(arguments);
     if (!options) return EXIT_ALL_FINE;
     const OutputPlan plan = planOutputs(*options);
+    // Before anything is written, because the engine may be a must and not come up.
+    Adjuster adjuster(plan.pictures.empty() ? GpuUse::never : gpuUse(*options));
     if (plan.folder) createFolder(*plan.folder);
     if (options->savePreset) writeFile(*options->savePreset, presetFromSettings(options->settings));
-    return plan.pictures.empty() ? EXIT_ALL_FINE : adjustPictures(*options, plan.pictures);
+    return plan.pictures.empty() ? EXIT_ALL_FINE
+                                 : adjustPictures(*options, plan.pictures, adjuster);
 }
 
 }  // namespace keladjust::app

@@ -1,11 +1,13 @@
 #include "Adjuster.h"
 
-#include <memory>
+#include "Failure.h"
+
 #include <new>
 
 namespace keladjust::app {
+namespace {
 
-void Adjuster::adjust(Photo& photo, const _AdjustParam& record) {
+void runLibrary(Photo& photo, const _AdjustParam& record) {
     const bool grey = photo.layout() == PixelLayout::grey;
     unsigned char* bits = photo.row(0);
     const std::unique_ptr<CxImage, decltype(&releaseCxImage)> image(
@@ -13,8 +15,49 @@ void Adjuster::adjust(Photo& photo, const _AdjustParam& record) {
                       grey ? IMAGE_FORMAT_GRAY : IMAGE_FORMAT_BGRA),
         &releaseCxImage);
     if (!image) throw std::bad_alloc();
-    const std::lock_guard lock(oneAtATime_);
     doAdjust(image.get(), record);
+}
+
+}  // namespace
+
+Adjuster::Adjuster(GpuUse use) : use_(use) {
+    if (use_ == GpuUse::never) return;
+    startEngine();
+    if (!engine_) refuseIfGpuMust(obstacle_);
+}
+
+void Adjuster::startEngine() {
+    engine_ = std::make_unique<Engine>(Engine::Configuration::ofTheProgram);
+    if (!engine_->obstacle()) return;
+    obstacle_ = *engine_->obstacle();
+    engine_.reset();
+}
+
+void Adjuster::refuseIfGpuMust(const std::string& obstacle) const {
+    if (use_ != GpuUse::always) return;
+    throw Failure("the GPU cannot be used (" + obstacle + "); use --auto or --cpu");
+}
+
+Adjustment Adjuster::adjust(Photo& photo, const _AdjustParam& record) {
+    const std::lock_guard lock(oneAtATime_);
+    if (!engine_) {
+        refuseIfGpuMust(obstacle_);
+        runLibrary(photo, record);
+        return {false, obstacle_};
+    }
+    Photo before = photo;
+    runLibrary(photo, record);
+    const auto refusal = engine_->refusal();
+    if (!refusal) return {true, ""};
+
+    // The later stages have run all the same: on what was not rendered.
+    photo = std::move(before);
+    engine_.reset();
+    if (use_ != GpuUse::always) runLibrary(photo, record);
+    // Other pictures may fare better, and the engine may have ended with this one.
+    startEngine();
+    refuseIfGpuMust(*refusal);
+    return {false, *refusal};
 }
 
 }  // namespace keladjust::app

@@ -34,9 +34,9 @@ private:
 
 }  // namespace
 
-void runBatch(const std::vector<PicturePlan>& plans, const JobSettings& settings, int jobs,
-              bool (*stop)(), const std::function<void(const JobReport&)>& onReport) {
-    Adjuster adjuster;
+void runBatch(const std::vector<PicturePlan>& plans, const JobSettings& settings,
+              Adjuster& adjuster, int jobs, bool (*stop)(),
+              const std::function<void(const JobReport&)>& onReport) {
     InOrder reports(plans.size(), onReport);
     std::atomic<std::size_t> next{0};
     // Pictures are taken in order, so those that are done when the run stops are the first ones.

@@ -12,8 +12,9 @@ namespace keladjust::app {
 /// were begun are finished.
 ///
 /// @param onReport gets the reports in the order of the plans, one at a time
-void runBatch(const std::vector<PicturePlan>& plans, const JobSettings& settings, int jobs,
-              bool (*stop)(), const std::function<void(const JobReport&)>& onReport);
+void runBatch(const std::vector<PicturePlan>& plans, const JobSettings& settings,
+              Adjuster& adjuster, int jobs, bool (*stop)(),
+              const std::function<void(const JobReport&)>& onReport);
 
 }  // namespace keladjust::app
 

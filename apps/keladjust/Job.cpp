@@ -25,6 +25,12 @@ void append(std::vector<std::string>& target, const std::vector<std::string>& li
     target.insert(target.end(), lines.begin(), lines.end());
 }
 
+std::string described(const Adjustment& adjustment) {
+    if (adjustment.onGpuPath) return "adjusted on the GPU path";
+    const std::string text = "adjusted on the CPU path";
+    return adjustment.obstacle.empty() ? text : text + " (" + adjustment.obstacle + ")";
+}
+
 class PictureJob {
 public:
     PictureJob(const PicturePlan& plan, const JobSettings& settings, Adjuster& adjuster,
@@ -45,11 +51,11 @@ public:
                                       " has none");
         }
         report_.details = std::string(reader.name()) + ", " + std::to_string(photo.width()) +
-                          " x " + std::to_string(photo.height()) + ", adjusted on the CPU";
+                          " x " + std::to_string(photo.height());
 
         const std::optional<Photo> before =
             plan_.comparison || plan_.sheet ? std::optional(photo) : std::nullopt;
-        adjuster_.adjust(photo, settings_.record);
+        report_.details += ", " + described(adjuster_.adjust(photo, settings_.record));
         write(photo, writer, metadata, plan_.output);
         if (plan_.comparison) {
             write(sideBySide(*before, photo), writer, metadata.colourOnly(), *plan_.comparison);

@@ -3,6 +3,7 @@
 #include "AtomicFile.h"
 #include "CommandLine.h"
 #include "CubeText.h"
+#include "Engine.h"
 #include "ExitCode.h"
 #include "Failure.h"
 #include "PathText.h"
@@ -10,7 +11,6 @@
 #include <keladjust/keladjust.h>
 
 #include <filesystem>
-#include <random>
 #include <string>
 
 namespace keladjust::app {
@@ -24,29 +24,6 @@ constexpr const char* EXAMPLES =
     "Examples:\n"
     "  keladjust lut --preset warm.json -o warm.cube\n"
     "  keladjust lut --exposure 20 --vibrance 30 --order red-fastest -o look.cube";
-
-/// The library makes colour tables only between these two calls. Whether an engine comes up does
-/// not matter here: tables are made without it. Its log is of no use, either, and must not land in
-/// the user's folder.
-class Engine {
-public:
-    Engine()
-        : logPrefix_(std::filesystem::temp_directory_path() /
-                     ("keladjust-" + std::to_string(std::random_device()()) + "-")) {
-        setLogPath(logPrefix_.string().c_str());
-        initOgreRunTime(nullptr, nullptr);
-    }
-    ~Engine() {
-        releaseOgre();
-        std::error_code ignored;
-        std::filesystem::remove(logPrefix_.string() + "Ogre.log", ignored);
-    }
-    Engine(const Engine&) = delete;
-    Engine& operator=(const Engine&) = delete;
-
-private:
-    std::filesystem::path logPrefix_;
-};
 
 void refuseToReplacePresets(const std::filesystem::path& output, const CommandLine& line) {
     std::error_code error;
@@ -93,7 +70,8 @@ int runLutCommand(const std::vector<std::string>& arguments) {
     const std::filesystem::path path = pathFromText(output);
     const _AdjustParam record = line.settings().record();
     refuseToReplacePresets(path, line);
-    const Engine engine;
+    // The library makes colour tables only between start and release.
+    const Engine engine(Engine::Configuration::none);
     if (order == "red-fastest") {
         writeRedFastest(record, path);
     } else {

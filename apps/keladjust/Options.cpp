@@ -117,6 +117,19 @@ std::optional<Options> parseOptions(const std::vector<std::string>& arguments) {
         ->check(CLI::Range(1, 1024))
         ->type_name("N")
         ->group(running);
+    bool automatic = false;
+    bool alwaysGpu = false;
+    bool neverGpu = false;
+    CLI::Option* autoFlag =
+        app.add_flag("--auto", automatic, "Adjust on the GPU where possible (usual)")
+            ->group(running);
+    CLI::Option* gpuFlag = app.add_flag("--gpu", alwaysGpu, "Adjust on the GPU or not at all")
+                               ->excludes(autoFlag)
+                               ->group(running);
+    app.add_flag("--cpu", neverGpu, "Adjust on the CPU: to the byte the same on every machine")
+        ->excludes(autoFlag)
+        ->excludes(gpuFlag)
+        ->group(running);
     bool verbose = false;
     bool quiet = false;
     CLI::Option* verboseFlag =
@@ -125,6 +138,7 @@ std::optional<Options> parseOptions(const std::vector<std::string>& arguments) {
 
     if (!line.parse(arguments)) return std::nullopt;
     for (const std::string& input : inputs) options.inputs.push_back(pathFromText(input));
+    options.gpu = alwaysGpu ? GpuUse::always : neverGpu ? GpuUse::never : GpuUse::whenPossible;
     options.chatter = quiet ? Chatter::quiet : verbose ? Chatter::verbose : Chatter::normal;
     refuseContradictions(options);
     options.settings = line.settings();

@@ -1,6 +1,7 @@
 #ifndef KELADJUST_APP_OPTIONS_H
 #define KELADJUST_APP_OPTIONS_H
 
+#include "Adjuster.h"
 #include "Settings.h"
 #include "codecs/Codec.h"
 
@@ -26,6 +27,7 @@ struct Options {
     const Field* sheet = nullptr;
     int jobs = 1;
     int threads = 0;  ///< 0: the library's choice
+    GpuUse gpu = GpuUse::whenPossible;
     Chatter chatter = Chatter::normal;
 };
 

@@ -53,7 +53,7 @@ TEST(ContactSheet, GoesThroughTheWholeRange) {
 
 TEST(ContactSheet, AdjustsEveryCopyByItsOwnValue) {
     const Photo photo = noise(90, 60, PixelLayout::bgra);
-    Adjuster adjuster;
+    Adjuster adjuster(GpuUse::never);
     _AdjustParam record = identityRecord();
     record.saturation = -100;
     const Photo sheet = contactSheet(photo, *findField("exposure"), record, adjuster);

@@ -71,6 +71,8 @@ TEST_F(ProgramErrors, OutputsThatMakeNoSense) {
     expectRefusal({photo}, 2, "say where to write");
     expectRefusal({photo, "-o", (folder / "out.xyz").string()}, 2, "cannot tell the format");
     expectRefusal({photo, "-o", output, "--in-place"}, 2, "exclude each other");
+    expectRefusal({photo, "--cpu", "--gpu", "-o", output}, 2, "--gpu excludes --cpu");
+    expectRefusal({photo, "--gpu", "--auto", "-o", output}, 2, "--auto excludes --gpu");
     expectRefusal({photo, "--in-place", "--format", "png"}, 2, "--in-place keeps the format");
     expectRefusal({photo, "-o", output, "--format", "gif"}, 2, "jpeg, png, tiff and webp");
     expectRefusal({photo, photo, "-o", folder.path().string()}, 2, "would both be written");

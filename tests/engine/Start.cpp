@@ -15,8 +15,10 @@
 #include <iterator>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
+#include "engine/EffectFactory.h"
 #include "engine/KelOgreBase.h"
 #include "engine/KelOgreRenderThread.h"
 #include "engine/LogCapture.h"
@@ -26,6 +28,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using DYN_CLASS::CFactoryManager;
 using keladjust::libraryState;
 using keladjust::test::HostPicture;
 using keladjust::test::LogCapture;
@@ -189,6 +192,15 @@ TEST_F(Start, WithAPluginsFileThatNamesNoRenderSystem) {
     text.erase(text.find("Plugin=RenderSystem_GL"), std::string("Plugin=RenderSystem_GL").size());
     writePlugins(text);
     EXPECT_TRUE(initOgreRunTime(nullptr, nullptr)) << log();
+    expectWholeLibrary();
+}
+
+TEST_F(Start, WithoutEffectsToBeMade) {
+    CFactoryManager* const head = std::exchange(CFactoryManager::head, nullptr);
+    EXPECT_TRUE(initOgreRunTime(config, config));
+    CFactoryManager::head = head;
+    EXPECT_FALSE(libraryState().gpu.canAdjust());
+    EXPECT_NE(log().find("Effects are missing, adjustments run on the CPU"), std::string::npos);
     expectWholeLibrary();
 }
 
