@@ -1,0 +1,26 @@
+# Cross-builds for 64-bit Windows with Debian's MinGW compilers. The libraries that a program needs
+# are looked for in build/windows-dependencies, which packaging/windows/dependencies fills, and
+# never among those of the building machine.
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR x86_64)
+
+# The compilers whose standard library has threads.
+set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
+set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
+set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
+
+# Nothing that is built needs a run-time library of MinGW beside it.
+set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
+set(CMAKE_SHARED_LINKER_FLAGS_INIT -static)
+
+if(NOT CMAKE_FIND_ROOT_PATH)
+    set(CMAKE_FIND_ROOT_PATH
+        ${CMAKE_CURRENT_LIST_DIR}/../build/windows-dependencies
+        /usr/x86_64-w64-mingw32)
+endif()
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+
+set(CMAKE_CROSSCOMPILING_EMULATOR /usr/bin/wine)
