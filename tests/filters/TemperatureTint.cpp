@@ -97,7 +97,7 @@ TEST(Temperature, KeepsTheLightnessOfGreys) {
 }
 
 TEST(Tint, FollowsTheFormulaForEveryColour) {
-    for (const float tint : {100.0f, 50.0f, -50.0f, -2.55f, 700.0f}) {
+    for (const float tint : {100.0f, 50.0f, -50.0f, -2.55f, 700.0f, 84000.0f}) {
         expectEveryColour([&](CxImage* image) { return tintAdjustment(image, tint); },
                           [&](Bytes in) { return tintModel(tint, in); });
     }

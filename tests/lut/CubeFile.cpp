@@ -66,15 +66,17 @@ TEST_F(CubeFileText, HeaderIsAlwaysTheSame) {
 }
 
 TEST_F(CubeFileText, LinesEndAsThePlatformEndsThem) {
-    write({});
+    write({0.25f, 0.5f, 1.0f});
     std::ifstream file(path_, std::ios::binary);
-    std::string firstLine;
-    std::getline(file, firstLine);
-#ifdef _WIN32
-    EXPECT_EQ(firstLine, "#LUT size\r");
-#else
-    EXPECT_EQ(firstLine, "#LUT size");
-#endif
+    const std::string text((std::istreambuf_iterator<char>(file)), {});
+    std::string expected;
+    for (const char* line :
+         {"#LUT size", "LUT_3D_SIZE 32", "", "#data domain", "DOMAIN_MIN 0.0 0.0 0.0",
+          "DOMAIN_MAX 1.0 1.0 1.0", "", "#LUT data points", "0.25000000 0.50000000 1.00000000"}) {
+        expected += line;
+        expected += KELADJUST_LINE_END;
+    }
+    EXPECT_EQ(text, expected);
 }
 
 TEST_F(CubeFileText, ValuesOutsideTheUnitRangeStayAsTheyAre) {

@@ -49,7 +49,9 @@ HWY_INLINE Floats loadFloats(const std::uint8_t* lane) {
 
 /// Stores whole numbers, clamped to 0..255.
 HWY_INLINE void storeClamped(Ints values, std::uint8_t* lane) {
-    hn::Store(hn::DemoteTo(ByteTag(), values), ByteTag(), lane);
+    // On some instruction sets DemoteTo takes 32768 and the next 255 numbers for 0..255.
+    const Ints bounded = hn::Min(values, constant(std::int32_t{255}));
+    hn::Store(hn::DemoteTo(ByteTag(), bounded), ByteTag(), lane);
 }
 
 /// Truncated toward zero, saturating at the ends of 32 bits; NaN gives 0.
