@@ -1,11 +1,9 @@
-// Each per-pixel stage beside the same formula applied pixel by pixel through GetPixelColor() and
-// SetPixelColor(). Names end in library or naive; the arguments are width and height.
+// Each per-pixel stage, and the same formula applied pixel by pixel through GetPixelColor() and
+// SetPixelColor().
 
-#include <benchmark/benchmark.h>
+#include <keladjust/keladjust.h>
 
-#include <cstdlib>
-#include <functional>
-#include <string>
+#include <vector>
 
 #include "models/BrightnessContrast.h"
 #include "models/ColourRanges.h"
@@ -13,13 +11,15 @@
 #include "models/Saturation.h"
 #include "models/TemperatureTint.h"
 #include "models/VibranceHue.h"
-#include "support/BenchPicture.h"
+#include "support/Rows.h"
 
 namespace {
 
 using namespace keladjust::test;
+using keladjust::bench::addRows;
+using keladjust::bench::plainly;
 
-struct Row {
+struct Stage {
     const char* name;
     CxImage* (*library)(CxImage*);
     Bytes (*formula)(Bytes);
@@ -28,8 +28,28 @@ struct Row {
 constexpr Range orange{15, 75, 0, 30, 0};
 constexpr Range orangeThree{15, 75, 20, 30, -20};
 
+// Eight bands around the circle; the last one wraps.
+constexpr Range eightBands[KELADJUST_RANGE_COUNT] = {
+    {0, 60, 0, 20, 0},    {45, 105, 0, 20, 0},  {90, 150, 0, 20, 0},  {135, 195, 0, 20, 0},
+    {180, 240, 0, 20, 0}, {225, 285, 0, 20, 0}, {270, 330, 0, 20, 0}, {315, 15, 0, 20, 0}};
+
+CxImage* changeEightBands(CxImage* image) {
+    _AdjustParam p{};
+    p.temperature = 11500;
+    for (int i = 0; i < KELADJUST_RANGE_COUNT; ++i) {
+        const Range& band = eightBands[i];
+        p.range[i] = {band.min, band.max, band.hue, band.saturation, band.brightness};
+    }
+    return doAdjust(image, p);
+}
+
+Bytes changeEightBandsModel(Bytes c) {
+    for (const Range& band : eightBands) c = byteModel(band, c);
+    return c;
+}
+
 // The formulas compute their constants anew for every pixel, as the plainest host code would.
-const Row rows[] = {
+const Stage stages[] = {
     {"temperature", [](CxImage* i) { return temperatureAdjustment(i, 9000); },
      [](Bytes c) { return temperatureModel(9000, c); }},
     {"tint", [](CxImage* i) { return tintAdjustment(i, 40); },
@@ -71,6 +91,7 @@ const Row rows[] = {
                                   orangeThree.saturation, orangeThree.brightness);
      },
      [](Bytes c) { return byteModel(orangeThree, c); }},
+    {"eight colour ranges", changeEightBands, changeEightBandsModel},
 };
 
 void naive(CxImage& image, Bytes (*formula)(Bytes)) {
@@ -87,33 +108,23 @@ void naive(CxImage& image, Bytes (*formula)(Bytes)) {
     }
 }
 
-void measure(benchmark::State& state, const std::function<void(CxImage&)>& stage) {
-    CxImage original;
-    keladjust::bench::createPhotographLike(original, state.range(0), state.range(1));
-    CxImage image;
-    for (auto _ : state) {
-        state.PauseTiming();
-        image.Copy(original);
-        state.ResumeTiming();
-        stage(image);
+std::vector<keladjust::bench::Row> libraryRows() {
+    std::vector<keladjust::bench::Row> rows;
+    for (const Stage& stage : stages) {
+        rows.push_back({stage.name, plainly([&stage](CxImage& image) { stage.library(&image); })});
     }
-    state.counters["megapixels/s"] =
-        benchmark::Counter(static_cast<double>(state.range(0) * state.range(1)) / 1e6,
-                           benchmark::Counter::kIsIterationInvariantRate);
+    return rows;
 }
 
-const bool registered = [] {
-    for (const Row& row : rows) {
-        const auto add = [&row](const std::string& kind, auto stage) {
-            benchmark::RegisterBenchmark(
-                (std::string(row.name) + "/" + kind).c_str(),
-                [stage](benchmark::State& state) { measure(state, stage); })
-                ->Apply(keladjust::bench::pictureSizes);
-        };
-        add("library", [&row](CxImage& image) { row.library(&image); });
-        add("naive", [&row](CxImage& image) { naive(image, row.formula); });
+std::vector<keladjust::bench::Row> naiveRows() {
+    std::vector<keladjust::bench::Row> rows;
+    for (const Stage& stage : stages) {
+        rows.push_back(
+            {stage.name, plainly([&stage](CxImage& image) { naive(image, stage.formula); })});
     }
-    return true;
-}();
+    return rows;
+}
+
+const bool added = addRows("library", libraryRows()) && addRows("naive", naiveRows());
 
 }  // namespace

@@ -1,49 +1,91 @@
-// The eleven global sliders at once: in one call of doAdjust(), where they share a pass, and stage
-// by stage.
+// Several settings at once: in one call of doAdjust(), where they share a pass, and stage by stage;
+// how time grows with the picture; and what a call costs that has nothing to do.
 
 #include <benchmark/benchmark.h>
+#include <keladjust/keladjust.h>
+
+#include <string>
 
 #include "support/BenchPicture.h"
 #include "support/BenchSettings.h"
+#include "support/Rows.h"
 
 namespace {
 
+using keladjust::bench::addRows;
 using keladjust::bench::elevenSettings;
+using keladjust::bench::photographLike;
+using keladjust::bench::plainly;
+using keladjust::bench::previewSettings;
 
-void elevenSettingsInOneCall(benchmark::State& state) {
-    CxImage image;
-    keladjust::bench::createPhotographLike(image, state.range(0), state.range(1));
-    for (auto _ : state) doAdjust(&image, elevenSettings());
+template <auto settings>
+void adjust(CxImage& image) {
+    doAdjust(&image, settings());
 }
-BENCHMARK(elevenSettingsInOneCall)->Apply(keladjust::bench::pictureSizes);
 
-void elevenSettingsStageByStage(benchmark::State& state) {
-    CxImage image;
-    keladjust::bench::createPhotographLike(image, state.range(0), state.range(1));
+void elevenStageByStage(CxImage& image) {
     const _AdjustParam p = elevenSettings();
-    for (auto _ : state) {
-        temperatureAdjustment(&image, p.temperature);
-        tintAdjustment(&image, p.tint);
-        exposureAdjustment(&image, p.exposure);
-        brightnessAdjustment(&image, p.brightness);
-        contrastAdjustment(&image, p.contrast);
-        vibranceAdjustment(&image, p.vibrance);
-        saturationAdjustment(&image, p.saturation);
-        hdrHighlight(&image, p.highlights);
-        hdrShadow(&image, p.shadows);
-        hdrWhiteLevel(&image, p.whites);
-        hdrBlackLevel(&image, p.blacks);
-    }
+    temperatureAdjustment(&image, p.temperature);
+    tintAdjustment(&image, p.tint);
+    exposureAdjustment(&image, p.exposure);
+    brightnessAdjustment(&image, p.brightness);
+    contrastAdjustment(&image, p.contrast);
+    vibranceAdjustment(&image, p.vibrance);
+    saturationAdjustment(&image, p.saturation);
+    hdrHighlight(&image, p.highlights);
+    hdrShadow(&image, p.shadows);
+    hdrWhiteLevel(&image, p.whites);
+    hdrBlackLevel(&image, p.blacks);
 }
-BENCHMARK(elevenSettingsStageByStage)->Apply(keladjust::bench::pictureSizes);
 
-void identityRecord(benchmark::State& state) {
-    CxImage image;
-    keladjust::bench::createPhotographLike(image, state.range(0), state.range(1));
+const bool added = addRows("library", {{"eleven settings", plainly(adjust<elevenSettings>)},
+                                       {"preview", plainly(adjust<previewSettings>)}}) &&
+                   addRows("stage by stage", {{"eleven settings", plainly(elevenStageByStage)}});
+
+void identity(benchmark::State& state) {
     _AdjustParam p{};
     p.temperature = 11500;
+    CxImage& image = photographLike(state.range(0), state.range(1));
     for (auto _ : state) doAdjust(&image, p);
 }
-BENCHMARK(identityRecord)->Apply(keladjust::bench::pictureSizes);
+BENCHMARK(identity)
+    ->Name("identity/library")
+    ->Apply(keladjust::bench::pictureSizes)
+    ->Unit(benchmark::kMicrosecond);
+
+struct Growing {
+    const char* name;
+    void (*run)(CxImage&);
+};
+
+constexpr Growing growing[] = {
+    {"exposure", [](CxImage& i) { exposureAdjustment(&i, 10); }},
+    {"eleven settings", adjust<elevenSettings>},
+    {"sharpen", [](CxImage& i) { sharpen(&i, 80); }},
+    {"clarity", [](CxImage& i) { clarity(&i, 100); }},
+    {"dehaze", [](CxImage& i) { dehaze(&i, 50); }},
+    {"denoise", [](CxImage& i) { deNoiseRGB(&i, 30); }},
+};
+
+// In place, over and over: what the pixels are makes no difference to these.
+void growth(benchmark::State& state, const Growing& stage) {
+    CxImage& image = photographLike(state.range(0), state.range(1));
+    for (auto _ : state) stage.run(image);
+    state.counters["ns/pixel"] = benchmark::Counter(
+        static_cast<double>(state.range(0) * state.range(1)) / 1e9,
+        benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+
+const bool growthAdded = [] {
+    for (const Growing& stage : growing) {
+        benchmark::RegisterBenchmark((std::string("growth/") + stage.name).c_str(),
+                                     [&stage](benchmark::State& state) { growth(state, stage); })
+            ->Args({4000, 3000})
+            ->Args({11552, 8656})
+            ->Unit(benchmark::kMillisecond)
+            ->UseRealTime();
+    }
+    return true;
+}();
 
 }  // namespace

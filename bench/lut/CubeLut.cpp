@@ -1,41 +1,33 @@
-// The colour table: baking it, and baking and writing it as a cube file, the latter beside the same
-// bake written number by number with fprintf(). CPU time is that of all threads.
+// The colour table: baking it, and baking and writing it as a cube file; also the same bake written
+// number by number with fprintf().
 
 #include <benchmark/benchmark.h>
 #include <keladjust/keladjust.h>
 
 #include <cstdio>
-#include <filesystem>
 #include <memory>
-#include <random>
-#include <string>
 
 #include "support/BenchSettings.h"
+#include "support/TableRows.h"
 
 namespace {
 
-namespace fs = std::filesystem;
+using keladjust::bench::addTableRow;
+using keladjust::bench::elevenSettings;
+using keladjust::bench::everyTableSetting;
 
-_AdjustParam everySetting() {
-    _AdjustParam p = keladjust::bench::elevenSettings();
-    float centre = 0;
-    for (_AdjustColourRange& range : p.range) {
-        range = {centre, centre + 60, 10, 20, -15};
-        centre += 40;
-    }
-    return p;
-}
-
+template <auto settings>
 void bake(const char*) {
-    benchmark::DoNotOptimize(getLut3dData(everySetting()));
+    benchmark::DoNotOptimize(getLut3dData(settings()));
 }
 
+template <auto settings>
 void bakeAndWrite(const char* path) {
-    writeLut3DFile(everySetting(), path);
+    writeLut3DFile(settings(), path);
 }
 
 void bakeAndPrint(const char* path) {
-    const float* const table = getLut3dData(everySetting());
+    const float* const table = getLut3dData(everyTableSetting());
     struct Close {
         void operator()(std::FILE* file) const { std::fclose(file); }
     };
@@ -54,23 +46,11 @@ void bakeAndPrint(const char* path) {
     }
 }
 
-template <auto run>
-void measure(benchmark::State& state) {
-    initOgreRunTime(nullptr, nullptr);
-    const fs::path path = fs::temp_directory_path() /
-                          ("keladjust-bench-" + std::to_string(std::random_device()()) + ".cube");
-    const std::string name = path.string();
-    for (auto _ : state) run(name.c_str());
-    fs::remove(path);
-    releaseOgre();
-}
-
-void wholeTable(benchmark::internal::Benchmark* row) {
-    row->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
-}
-
-BENCHMARK(measure<bake>)->Name("colour table/library")->Apply(wholeTable);
-BENCHMARK(measure<bakeAndWrite>)->Name("colour table and cube file/library")->Apply(wholeTable);
-BENCHMARK(measure<bakeAndPrint>)->Name("colour table and cube file/naive")->Apply(wholeTable);
+const bool added =
+    addTableRow("colour table, eleven settings", "library", bake<elevenSettings>) &&
+    addTableRow("colour table, every setting", "library", bake<everyTableSetting>) &&
+    addTableRow("cube file, eleven settings", "library", bakeAndWrite<elevenSettings>) &&
+    addTableRow("cube file, every setting", "library", bakeAndWrite<everyTableSetting>) &&
+    addTableRow("cube file, every setting", "naive", bakeAndPrint);
 
 }  // namespace

@@ -22,6 +22,31 @@ inline _AdjustParam elevenSettings() {
     return p;
 }
 
+/// Those and a change of every colour range: all that a colour table can hold.
+inline _AdjustParam everyTableSetting() {
+    _AdjustParam p = elevenSettings();
+    float centre = 0;
+    for (_AdjustColourRange& range : p.range) {
+        range = {centre, centre + 60, 10, 20, -15};
+        centre += 40;
+    }
+    return p;
+}
+
+/// The eleven sliders, three colour ranges and the vignette: what a preview shows while somebody
+/// works on a picture.
+inline _AdjustParam previewSettings() {
+    _AdjustParam p = elevenSettings();
+    p.range[KELADJUST_RANGE_RED] = {330, 30, 10, 20, -15};
+    p.range[KELADJUST_RANGE_ORANGE] = {0, 60, -5, 15, 10};
+    p.range[KELADJUST_RANGE_BLUE] = {210, 270, 5, 30, -20};
+    p.vignetteAmount = -40;
+    p.vignetteSize = 50;
+    p.vignetteFeather = 50;
+    p.vignetteHighlights = 50;
+    return p;
+}
+
 }  // namespace keladjust::bench
 
 #endif
