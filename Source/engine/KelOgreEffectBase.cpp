@@ -7,7 +7,6 @@
 #include <OgreRenderSystem.h>
 #include <OgreRenderTexture.h>
 #include <OgreRenderWindow.h>
-#include <OgreResourceGroupManager.h>
 #include <OgreRoot.h>
 #include <OgreSceneManager.h>
 #include <OgreSceneNode.h>
@@ -20,6 +19,7 @@
 
 #include "engine/EngineLog.h"
 #include "engine/EngineName.h"
+#include "engine/ManualTexture.h"
 #include "engine/PictureRows.h"
 #include "engine/RenderSystemOptions.h"
 #include "platform/Clock.h"
@@ -31,10 +31,6 @@ using keladjust::logMessage;
 namespace {
 
 std::atomic<std::uint32_t> effectsMade{0};
-
-const std::string& resourceGroup() {
-    return Ogre::ResourceGroupManager::DEFAULT_RESOURCE_GROUP_NAME;
-}
 
 // Takes all pending errors and tells whether memory ran out among them. Errors that others have
 // left behind are not ours, and without a working context there is no end of them.
@@ -120,6 +116,7 @@ void KelOgreEffectBase::process(unsigned char* outputBuffer, unsigned char* inpu
         }
     } catch (...) {
         logCurrentException("The picture is not rendered and stays as it was");
+        releaseTextures();
     }
 }
 
@@ -139,18 +136,33 @@ bool KelOgreEffectBase::runPass(unsigned char* outputBuffer, unsigned char* inpu
         if (!resizeScene(outputBuffer)) return false;
     }
     if (!uploadInputs()) return false;
-    // The engine goes on with a texture that the driver has no memory for, and would render black.
-    if (usesOpenGl() && ranOutOfMemory()) {
-        logMessage("The graphics driver is out of memory");
-        sizeChanged_ = true;
-        return false;
-    }
+    if (driverLacksMemory()) return false;
     applyParameters();
-    if (!renderOneFrame()) return false;
+    if (!renderOneFrame() || driverLacksMemory()) return false;
     output_.data = outputBuffer;
     output_.changed = true;
     readResult(&output_, inputPixels, bytesPerPixel);
     return !output_.changed;
+}
+
+// The engine goes on with a texture that the driver has no memory for, and would render black.
+bool KelOgreEffectBase::driverLacksMemory() {
+    if (!usesOpenGl() || !ranOutOfMemory()) return false;
+    logMessage("The graphics driver is out of memory");
+    releaseTextures();
+    return true;
+}
+
+// Whatever state the driver has left them in, the next pass begins with new ones.
+void KelOgreEffectBase::releaseTextures() noexcept {
+    sizeChanged_ = true;
+    for (auto& [index, picture] : inputs_) picture.changed = true;
+    try {
+        destroyRenderTexture();
+        if (picturePlane_ != nullptr) picturePlane_->removeTextures();
+    } catch (...) {
+        logCurrentException("Textures not released");
+    }
 }
 
 bool KelOgreEffectBase::prepareScene() {
@@ -543,9 +555,9 @@ void KelOgreEffectBase::createCamera() {
 
 void KelOgreEffectBase::createRenderTexture() {
     if (renderTexture_ != nullptr) return;
-    renderTexture_ = Ogre::TextureManager::getSingleton().createManual(
-        engineName("RttTex", number_ - 1), resourceGroup(), Ogre::TEX_TYPE_2D, renderWidth_,
-        renderHeight_, 0, Ogre::PF_R8G8B8A8, Ogre::TU_RENDERTARGET, nullptr, false, 0);
+    renderTexture_ = keladjust::createManualTexture(
+        engineName("RttTex", number_ - 1), {renderWidth_, renderHeight_, 1, Ogre::PF_R8G8B8A8},
+        Ogre::TU_RENDERTARGET);
     Ogre::RenderTexture* target = renderTexture_->getBuffer()->getRenderTarget();
     // Only the effect's own passes render to it, and none looks at depths.
     target->setAutoUpdated(false);

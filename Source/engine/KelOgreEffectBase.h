@@ -141,6 +141,8 @@ private:
     void chooseReadBackMode();
     bool runPass(unsigned char* outputBuffer, unsigned char* inputPixels,
                  std::uint32_t bytesPerPixel);
+    bool driverLacksMemory();
+    void releaseTextures() noexcept;
     bool prepareScene();
     bool resizeScene(unsigned char* outputBuffer);
     void rebuildPackBuffer();

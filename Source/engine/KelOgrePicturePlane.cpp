@@ -15,6 +15,7 @@
 #include "engine/EngineLog.h"
 #include "engine/EngineName.h"
 #include "engine/KelOgreBase.h"
+#include "engine/ManualTexture.h"
 #include "engine/PictureRows.h"
 
 using keladjust::engineName;
@@ -76,7 +77,7 @@ KelOgrePicturePlane::KelOgrePicturePlane(std::uint32_t renderSystemKind, bool pi
 KelOgrePicturePlane::~KelOgrePicturePlane() {
     KelOgrePicturePlane::detach();
     rectangle_.reset();
-    while (!textures_.empty()) removeTexture(textures_.begin()->first);
+    removeTextures();
     Ogre::MaterialManager::getSingleton().remove(material_->getHandle());
 }
 
@@ -192,9 +193,8 @@ Ogre::TexturePtr KelOgrePicturePlane::createTexture(std::uint32_t unit, std::uin
                                                     Ogre::PixelFormat format) {
     // The old one goes first: a name stands for one texture.
     removeTexture(unit);
-    const Ogre::TexturePtr created = Ogre::TextureManager::getSingleton().createManual(
-        textureName(unit), resourceGroup(), depth == 1 ? Ogre::TEX_TYPE_2D : Ogre::TEX_TYPE_3D,
-        width, height, depth, 0, format, Ogre::TU_DYNAMIC_WRITE_ONLY, nullptr, false, 0);
+    const Ogre::TexturePtr created = keladjust::createManualTexture(
+        textureName(unit), {width, height, depth, format}, Ogre::TU_DYNAMIC_WRITE_ONLY);
     textures_[unit] = created;
 
     Ogre::Pass* pass = material_->getTechnique(0)->getPass(0);
@@ -204,6 +204,10 @@ Ogre::TexturePtr KelOgrePicturePlane::createTexture(std::uint32_t unit, std::uin
     state->setTextureFiltering(Ogre::TFO_NONE);
     state->setTexture(created);
     return created;
+}
+
+void KelOgrePicturePlane::removeTextures() {
+    while (!textures_.empty()) removeTexture(textures_.begin()->first);
 }
 
 void KelOgrePicturePlane::removeTexture(std::uint32_t unit) {

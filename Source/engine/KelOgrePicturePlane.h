@@ -55,6 +55,8 @@ public:
     bool setPictruePlaneImage(const _ImageParam& picture, std::uint32_t unit);
     /// Copies another texture into the texture of that unit; refusals as before.
     bool setTexture(const Ogre::TexturePtr& source, std::uint32_t unit);
+    /// The next upload makes new ones.
+    void removeTextures();
 
 private:
     bool fitsTexture(std::uint32_t width, std::uint32_t height) const;

@@ -17,7 +17,9 @@ namespace {
 // Null if the effect cannot be made; adjustments then run on the CPU.
 KelOgreEffectBase* createEffect(KelOgreRenderThread& thread, const char* program) {
     auto* effect = static_cast<KelOgreEffectBase*>(thread.createEffect("KelOgreEffectBase"));
-    if (effect != nullptr) effect->setShaderSource(program, 1, 1);
+    if (effect == nullptr) return nullptr;
+    effect->setShaderSource(program, 1, 1);
+    thread.getMaterial(effect);  // compiles, so that the first adjustment need not
     return effect;
 }
 

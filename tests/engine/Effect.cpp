@@ -1,10 +1,15 @@
 // One effect on the real engine: what goes in comes out rendered, or stays as it was.
 
+#include <OgreCamera.h>
 #include <OgreHardwarePixelBuffer.h>
 #include <OgreMaterial.h>
 #include <OgrePass.h>
+#include <OgreRenderTargetListener.h>
+#include <OgreRenderTexture.h>
 #include <OgreRenderWindow.h>
 #include <OgreRoot.h>
+#include <OgreSceneManager.h>
+#include <OgreSceneNode.h>
 #include <OgreTechnique.h>
 #include <OgreTextureManager.h>
 
@@ -191,22 +196,52 @@ TEST_F(Effect, NamesItsObjectsAfterItsNumber) {
     EXPECT_EQ(second.picturePlane()->number(), plane.number() + 1);
 }
 
+TEST_F(Effect, NamesTheNodesAndCameraOfItsScene) {
+    KelOgreEffectBase& effect = *effectWith(copyProgram);
+    HostPicture picture(2, 2, 32, IMAGE_FORMAT_BGRA);
+    render(effect, picture);
+    const std::string number =
+        effect.renderTexture()->getName().substr(std::string("RttTex").size());
+    onThread([&] {
+        int scenes = 0;
+        for (const auto& [name, scene] : Ogre::Root::getSingleton().getSceneManagers()) {
+            if (!scene->hasCamera("PlayerCam_" + number)) continue;
+            ++scenes;
+            const Ogre::Camera* camera = scene->getCamera("PlayerCam_" + number);
+            EXPECT_EQ(camera->getDerivedPosition(), Ogre::Vector3(0, 0, 100));
+            EXPECT_EQ(camera->getNearClipDistance(), 5.0f);
+            ASSERT_TRUE(scene->hasSceneNode("effectSceneNodeName_" + number));
+            ASSERT_TRUE(scene->hasSceneNode("effectPlaneNodeName_" + number));
+            for (const char* prefix : {"effectSceneNodeName_", "effectPlaneNodeName_"}) {
+                const Ogre::SceneNode* node = scene->getSceneNode(prefix + number);
+                EXPECT_EQ(node->_getDerivedPosition(), Ogre::Vector3::ZERO);
+                EXPECT_EQ(node->_getDerivedOrientation(), Ogre::Quaternion::IDENTITY);
+            }
+            const Ogre::SceneNode* plane = scene->getSceneNode("effectPlaneNodeName_" + number);
+            EXPECT_EQ(plane->numAttachedObjects(), 1u);
+        }
+        EXPECT_EQ(scenes, 1);
+    });
+}
+
 TEST_F(Effect, ReadsBackFourBytesAPixelWhateverWentIn) {
     KelOgreEffectBase& effect = *effectWith(copyProgram);
-    HostPicture picture(4, 2, 32, IMAGE_FORMAT_RGBA);
-    render(effect, picture);
-    HostPicture result(4, 2, 32, IMAGE_FORMAT_BGRA);
-    _ImageParam image;
-    image.data = result.bits();
-    image.changed = true;
-    _ResultRecord record{&image, &effect};
-    EXPECT_EQ(thread->readResult(&record, nullptr, 4), 1);
-    EXPECT_EQ(image.format, Ogre::PF_A8R8G8B8);
-    EXPECT_EQ(image.width, 4u);
-    EXPECT_EQ(image.height, 2u);
-    EXPECT_EQ(image.byteSize, 32u);
-    EXPECT_FALSE(image.changed);
-    EXPECT_TRUE(result.guardsIntact());
+    for (const PixelFormat format : renderableFormats) {
+        HostPicture picture(4, 2, format.bpp, format.format);
+        render(effect, picture);
+        HostPicture result(4, 2, format.bpp, format.format);
+        _ImageParam image;
+        image.data = result.bits();
+        image.changed = true;
+        _ResultRecord record{&image, &effect};
+        EXPECT_EQ(thread->readResult(&record, nullptr, format.bpp / 8), 1);
+        EXPECT_EQ(image.format, Ogre::PF_A8R8G8B8) << format.format;
+        EXPECT_EQ(image.width, 4u);
+        EXPECT_EQ(image.height, 2u);
+        EXPECT_EQ(image.byteSize, 32u);
+        EXPECT_FALSE(image.changed);
+        EXPECT_TRUE(result.guardsIntact());
+    }
 }
 
 TEST_F(Effect, SaysWhatKeepsItFromReadingBack) {
@@ -373,6 +408,38 @@ TEST_F(Effect, AClosedWindowEndsTheThreadAndSparesThePicture) {
     // The effects have gone with the thread; asking for one all the same is harmless.
     EXPECT_EQ(thread->render(&other, nullptr, picture.bits(), 4, nullptr, 20), 0);
     EXPECT_EQ(thread->stop(), 1);
+}
+
+/// Has the engine fail where an effect takes its scene down. Once, because the engine itself goes
+/// the same way at its own end.
+class Hindrance : public Ogre::RenderTargetListener {
+    void viewportRemoved(const Ogre::RenderTargetViewportEvent&) override {
+        if (!std::exchange(fails_, false)) return;
+        OGRE_EXCEPT(Ogre::Exception::ERR_INTERNAL_ERROR, "not this one", "test");
+    }
+    bool fails_ = true;
+};
+
+TEST_F(Effect, MayFailToTakeItsSceneDown) {
+    Hindrance hindrances[2];
+    KelOgreEffectBase& removed = *effectWith(copyProgram);
+    KelOgreEffectBase& stopped = *effectWith(copyProgram);
+    KelOgreEffectBase& other = *effectWith(invertProgram);
+    HostPicture picture(4, 2, 32, IMAGE_FORMAT_BGRA);
+    for (const auto& [effect, hindrance] :
+         {std::pair{&removed, &hindrances[0]}, std::pair{&stopped, &hindrances[1]}}) {
+        render(*effect, picture);
+        effect->renderTexture()->getBuffer()->getRenderTarget()->addListener(hindrance);
+    }
+    EXPECT_EQ(thread->removeEffect(&removed, false), 1);
+    EXPECT_EQ(log.count("not this one"), 1);
+
+    const Bytes before = picture.fillRandom(1).bytes();
+    EXPECT_EQ(render(other, picture), 1);
+    EXPECT_EQ(picture.bytes()[0], 255 - before[0]);
+
+    EXPECT_EQ(thread->stop(), 1);
+    EXPECT_EQ(log.count("not this one"), 2);
 }
 
 TEST_F(Effect, TakesPicturesOfTheEnginesOwn) {

@@ -99,6 +99,22 @@ TEST_F(PictureFiles, ComeWithTheirFormatAndOddWidths) {
     }
 }
 
+// What is neither grey nor colour nor colour with alpha is handed over with its bytes.
+TEST_F(PictureFiles, OfAnotherFormatSaySo) {
+    ASSERT_EQ(store("greyAlpha.png", 5, 3, Ogre::PF_BYTE_LA, 4), 1);
+    expectPicture("greyAlpha.png", 5, 3, 2, IMAGE_FORMAT_UNKNOWN, 4);
+}
+
+TEST_F(PictureFiles, OfOneImageGoWithTheNextOne) {
+    ASSERT_EQ(store("first.png", 5, 3, Ogre::PF_B8G8R8, 1), 1);
+    CxImage* first = createCxImageFromFile("first.png");
+    ASSERT_NE(first->GetBits(), nullptr);
+    expectNone("none.png");
+    // Its pixels have gone; it can still be released.
+    releaseCxImage(first);
+    expectPicture("first.png", 5, 3, 3, IMAGE_FORMAT_RGB, 1);
+}
+
 TEST_F(PictureFiles, AreFoundWhereTheyAreNamed) {
     ASSERT_EQ(store(folder / "sub" / "same.png", 5, 3, Ogre::PF_B8G8R8, 1), 1);
     ASSERT_EQ(store(folder / "known" / "same.png", 5, 3, Ogre::PF_B8G8R8, 2), 1);
@@ -126,8 +142,12 @@ TEST_F(PictureFiles, ThatCannotBeLoadedAreEmpty) {
     std::ofstream("corrupt.png") << "\x89PNG\r\n\x1a\n and then nothing of the kind";
     std::ofstream("empty.png");
     std::ofstream("text.txt") << "no picture";
-    for (const char* name : {"none.png", "sub/none.png", "no/such/folder/none.png", "corrupt.png",
-                             "empty.png", "text.txt", "sub", "sub/", "/", "", ".", ".."}) {
+    ASSERT_EQ(store("whole.png", 61, 40, Ogre::PF_B8G8R8, 1), 1);
+    fs::copy("whole.png", "half.png");
+    fs::resize_file("half.png", fs::file_size("whole.png") / 2);
+    for (const char* name :
+         {"none.png", "sub/none.png", "no/such/folder/none.png", "corrupt.png", "half.png",
+          "empty.png", "text.txt", "sub", "sub/", "/", "", ".", ".."}) {
         expectNone(name);
     }
     expectNone(nullptr);

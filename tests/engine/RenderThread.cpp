@@ -153,9 +153,22 @@ TEST_F(RenderThread, EndsByItselfAfterARenderThatLeavesTheStopFlagSet) {
     EXPECT_EQ(thread->stop(), 0);
 }
 
+/// An effect that the engine lets nobody make.
+class ImpossibleEffect : public HookEffect {
+public:
+    static constexpr const char* typeName = "class ImpossibleEffect";
+    ImpossibleEffect() {
+        OGRE_EXCEPT(Ogre::Exception::ERR_INTERNAL_ERROR, "in the constructor", "test");
+    }
+};
+
 TEST_F(RenderThread, SurvivesAnExceptionInsideEveryCommand) {
     const auto thread = start();
     HookEffect* const effect = create(*thread);
+    DYN_CLASS::CFactory<ImpossibleEffect> impossible;
+    const DYN_CLASS::CFactoryManager place(&impossible);
+    EXPECT_EQ(thread->createEffect("ImpossibleEffect"), nullptr);
+    EXPECT_TRUE(log.has("in the constructor"));
     effect->onProcess = [](auto...) {
         OGRE_EXCEPT(Ogre::Exception::ERR_INTERNAL_ERROR, "in process", "test");
     };
@@ -179,6 +192,36 @@ TEST_F(RenderThread, SurvivesAnExceptionInsideEveryCommand) {
 
     effect->onProcess = nullptr;
     EXPECT_EQ(render(*thread, effect), 1);
+
+    // The last three: remove, which ends in being idle, and stop. What is destroyed must not throw;
+    // effects see to that themselves.
+    StubEngine::idleThrows = true;
+    thread->removeEffect(effect, false);
+    StubEngine::idleThrows = false;
+    EXPECT_TRUE(log.has("in idle"));
+    EXPECT_EQ(render(*thread, effect), 0);  // it is gone all the same
+    EXPECT_EQ(render(*thread, create(*thread)), 1);
+    EXPECT_EQ(thread->stop(), 1);
+}
+
+/// Counts how often it is asked for an effect.
+class CountingFactory : public DYN_CLASS::CAbstractFactory {
+public:
+    KelEffectBase* create(const char*) override {
+        ++asked;
+        return nullptr;
+    }
+    std::atomic<int> asked{0};
+};
+
+TEST_F(RenderThread, IsNotWokenForAnEffectWithoutAClassName) {
+    CountingFactory factories;
+    const DYN_CLASS::CFactoryManager place(&factories);
+    const auto thread = start();
+    EXPECT_EQ(thread->createEffect(nullptr), nullptr);
+    EXPECT_EQ(factories.asked, 0);
+    EXPECT_EQ(thread->createEffect("NoSuchEffect"), nullptr);
+    EXPECT_EQ(factories.asked, 1);
 }
 
 TEST_F(RenderThread, HandsRecordsAndParametersOn) {

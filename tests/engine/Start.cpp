@@ -20,6 +20,7 @@
 
 #include "engine/EffectFactory.h"
 #include "engine/KelOgreBase.h"
+#include "engine/KelOgreEffectBase.h"
 #include "engine/KelOgreRenderThread.h"
 #include "engine/LogCapture.h"
 #include "host/LibraryState.h"
@@ -99,7 +100,11 @@ protected:
 TEST_F(Start, ComesUpAndTakesTheGpuPath) {
     ASSERT_TRUE(initOgreRunTime(config, config)) << log();
     EXPECT_TRUE(libraryState().gpu.canAdjust());
-    EXPECT_NE(libraryState().gpu.combined, nullptr);
+    const keladjust::GpuEngine& gpu = libraryState().gpu;
+    for (const KelOgreEffectBase* effect : {gpu.basicAdjust, gpu.range, gpu.lens, gpu.combined}) {
+        ASSERT_NE(effect, nullptr);
+        EXPECT_TRUE(effect->hasMaterial()) << "programs are compiled at the start";
+    }
     EXPECT_NE(log().find("GL version is: "), std::string::npos);
     expectWholeLibrary();
     EXPECT_FALSE(libraryState().gpu.isRunning());

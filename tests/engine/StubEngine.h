@@ -2,6 +2,7 @@
 #define KELADJUST_TESTS_ENGINE_STUBENGINE_H
 
 #include <OgreArchiveManager.h>
+#include <OgreException.h>
 #include <OgreResourceGroupManager.h>
 
 #include <atomic>
@@ -19,6 +20,7 @@ public:
 
     inline static std::atomic<Start> nextStart{Start::succeeds};
     inline static std::atomic<int> setups{0};
+    inline static std::atomic<bool> idleThrows{false};
     inline static std::atomic<int> idles{0};
     inline static std::atomic<int> alive{0};
 
@@ -34,7 +36,10 @@ public:
         if (nextStart == Start::throws) throw 7;
         return nextStart == Start::succeeds;
     }
-    void idle() override { ++idles; }
+    void idle() override {
+        ++idles;
+        if (idleThrows) OGRE_EXCEPT(Ogre::Exception::ERR_INTERNAL_ERROR, "in idle", "test");
+    }
 
 private:
     // Looked into by the commands for picture files, which find nothing there.
