@@ -18,8 +18,9 @@ void deinterleave(const std::uint8_t* pixels, std::size_t step, std::size_t coun
                   std::uint8_t* first, std::uint8_t* second, std::uint8_t* third) {
     const ByteTag tag;
     const std::size_t vector = hn::Lanes(tag);
+    const std::size_t inVectors = step <= 4 ? count : 0;
     std::size_t i = 0;
-    for (; i + vector <= count; i += vector) {
+    for (; i + vector <= inVectors; i += vector) {
         Bytes a;
         Bytes b;
         Bytes c;
@@ -44,8 +45,9 @@ void interleave(const std::uint8_t* first, const std::uint8_t* second, const std
                 std::size_t step, std::size_t count, std::uint8_t* pixels) {
     const ByteTag tag;
     const std::size_t vector = hn::Lanes(tag);
+    const std::size_t inVectors = step <= 4 ? count : 0;
     std::size_t i = 0;
-    for (; i + vector <= count; i += vector) {
+    for (; i + vector <= inVectors; i += vector) {
         const Bytes a = hn::LoadU(tag, first + i);
         const Bytes b = hn::LoadU(tag, second + i);
         const Bytes c = hn::LoadU(tag, third + i);

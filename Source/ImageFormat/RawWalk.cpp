@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "ImageFormat/Geometry.h"
+#include "ImageFormat/Interleave.h"
 #include "ImageFormat/PixelSpan.h"
 
 namespace keladjust {
@@ -37,6 +38,30 @@ void storeChannels(const RawWalk& walk, std::size_t first, std::size_t count,
         std::memcpy(&word, changed + 4 * i, sizeof word);
         word = (word & ~fourthByte) | (kept & fourthByte);
         std::memcpy(pixels + 4 * i, &word, sizeof word);
+    }
+}
+
+void loadRun(const RawWalk& walk, std::size_t first, PixelSpan& span) {
+    const std::uint8_t* const pixels = walk.first + first * walk.step;
+    if (walk.channels == 3) {
+        deinterleave(pixels, walk.step, span.count, span.blue, span.green, span.red);
+        return;
+    }
+    std::uint8_t* const lanes[] = {span.blue, span.green};
+    for (std::size_t c = 0; c < walk.channels; ++c) {
+        for (std::size_t i = 0; i < span.count; ++i) lanes[c][i] = pixels[i * walk.step + c];
+    }
+}
+
+void storeRun(const RawWalk& walk, std::size_t first, const PixelSpan& span) {
+    std::uint8_t* const pixels = walk.first + first * walk.step;
+    if (walk.channels == 3) {
+        interleave(span.blue, span.green, span.red, walk.step, span.count, pixels);
+        return;
+    }
+    const std::uint8_t* const lanes[] = {span.blue, span.green};
+    for (std::size_t c = 0; c < walk.channels; ++c) {
+        for (std::size_t i = 0; i < span.count; ++i) pixels[i * walk.step + c] = lanes[c][i];
     }
 }
 

@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "ImageFormat/PixelSpan.h"
+
 namespace keladjust {
 
 /// The buffer of an image as one run of width x height pixels from its first byte, ignoring the
@@ -30,6 +32,25 @@ bool rawWalkMeetsPixels(const CxImage& image);
 /// holds whole pixels; bytes that are no channels stay. For steps of 1 to 4.
 void storeChannels(const RawWalk& walk, std::size_t first, std::size_t count,
                    const std::uint8_t* changed);
+
+/// Takes `span.count` pixels, from the pixel `first` on, into a span: their first channel as blue,
+/// the second, where they have one, as green, the third as red.
+void loadRun(const RawWalk& walk, std::size_t first, PixelSpan& span);
+/// Writes the channels back; what a pixel has beside them stays.
+void storeRun(const RawWalk& walk, std::size_t first, const PixelSpan& span);
+
+/// Calls `body(first, span)` for run after run of the pixels begin..end-1, to change the lanes of
+/// `span`; `first` is the number of its first pixel.
+template <class Body>
+void changeRuns(const RawWalk& walk, std::size_t begin, std::size_t end, Body body) {
+    PixelSpan span;
+    for (std::size_t first = begin; first < end; first += span.count) {
+        span.count = std::min(PixelSpan::capacity, end - first);
+        loadRun(walk, first, span);
+        body(first, span);
+        storeRun(walk, first, span);
+    }
+}
 
 /// Calls `body(step)` with the step as a compile-time constant where it is one of the usual four.
 template <class Body>

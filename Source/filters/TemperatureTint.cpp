@@ -138,11 +138,9 @@ TemperatureKernel::TemperatureKernel(long temperature)
 
 void TemperatureKernel::run(PixelSpan& span) const {
     const PixelSpan original = span;
-    for (std::size_t i = 0; i < span.count; ++i) {
-        span.red[i] = red_[span.red[i]];
-        span.green[i] = green_[span.green[i]];
-        span.blue[i] = blue_[span.blue[i]];
-    }
+    spans::mapBytes(red_.data(), spans::Bytes::all, span.red, span.count);
+    spans::mapBytes(green_.data(), spans::Bytes::all, span.green, span.count);
+    spans::mapBytes(blue_.data(), spans::Bytes::all, span.blue, span.count);
     spans::restoreLightness(span, original);
 }
 

@@ -40,43 +40,25 @@ private:
     float amount_;
 };
 
-// Rotation about the grey axis, applied to the bytes of a pixel in memory order.
-struct HueMatrix {
-    explicit HueMatrix(float angle) {
-        const double radians = static_cast<double>(angle) * 3.141592653589793 / 180.0;
-        const float cosine = static_cast<float>(std::cos(radians));
-        const float sine = static_cast<float>(std::sin(radians));
-        const float third = (1.0f - cosine) * 0.33333334f;
-        const float skew = std::sqrt(0.33333334f) * sine;
-        m00 = (1.0f - cosine) / 3.0f + cosine;
-        diagonal = third + cosine;
-        minus = third - skew;
-        plus = third + skew;
-    }
+// Rotation about the grey axis.
+spans::HueMatrix hueMatrix(float angle) {
+    const double radians = static_cast<double>(angle) * 3.141592653589793 / 180.0;
+    const float cosine = static_cast<float>(std::cos(radians));
+    const float sine = static_cast<float>(std::sin(radians));
+    const float third = (1.0f - cosine) * 0.33333334f;
+    const float skew = std::sqrt(0.33333334f) * sine;
+    return {(1.0f - cosine) / 3.0f + cosine, third + cosine, third - skew, third + skew};
+}
 
-    // Each row works on the bytes as the rows before have left them.
-    void rotate(std::uint8_t* pixel) const {
-        const auto byte = [pixel](int place) { return static_cast<float>(pixel[place]); };
-        pixel[0] = clampToByte(byte(0) * m00 + byte(1) * minus + byte(2) * plus);
-        pixel[1] = clampToByte(byte(1) * diagonal + byte(0) * plus + byte(2) * minus);
-        pixel[2] = clampToByte(byte(1) * plus + byte(0) * minus + byte(2) * diagonal);
-    }
-
-    float m00;
-    float diagonal;
-    float minus;
-    float plus;
-};
-
-void rotateRawWalk(CxImage& image, const HueMatrix& matrix) {
+void rotateRawWalk(CxImage& image, const spans::HueMatrix& matrix) {
     constexpr std::size_t pixelsPerThread = 1 << 15;
     const RawWalk walk = rawWalkOf(image);
     if (walk.channels < 3) return;
     platform::parallelBands(walk.count, platform::bandCount(walk.count, pixelsPerThread),
                             [&](std::size_t, std::size_t begin, std::size_t end) {
-                                for (std::size_t i = begin; i < end; ++i) {
-                                    matrix.rotate(walk.first + i * walk.step);
-                                }
+                                changeRuns(walk, begin, end, [&](std::size_t, PixelSpan& span) {
+                                    spans::rotateHue(span, matrix);
+                                });
                             });
 }
 
@@ -98,7 +80,7 @@ CxImage* vibranceAdjustment(CxImage* image, float vibrance) {
 CxImage* hueAdjustment(CxImage* image, float angle) {
     return keladjust::exportedForm(image, [&] {
         if (image == nullptr || angle == 0.0f) return;
-        keladjust::rotateRawWalk(*image, keladjust::HueMatrix(angle));
+        keladjust::rotateRawWalk(*image, keladjust::hueMatrix(angle));
     });
 }
 

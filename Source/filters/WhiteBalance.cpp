@@ -11,6 +11,7 @@
 #include "ImageFormat/PixelSpan.h"
 #include "filters/PixelKernel.h"
 #include "filters/StageForms.h"
+#include "filters/spans/Spans.h"
 #include "platform/Parallel.h"
 
 namespace keladjust {
@@ -95,11 +96,9 @@ public:
     bool active() const override { return true; }
 
     void run(PixelSpan& span) const override {
-        for (std::size_t i = 0; i < span.count; ++i) {
-            span.red[i] = red_[span.red[i]];
-            span.green[i] = green_[span.green[i]];
-            span.blue[i] = blue_[span.blue[i]];
-        }
+        spans::mapBytes(red_.data(), spans::Bytes::all, span.red, span.count);
+        spans::mapBytes(green_.data(), spans::Bytes::all, span.green, span.count);
+        spans::mapBytes(blue_.data(), spans::Bytes::all, span.blue, span.count);
     }
 
 private:

@@ -14,7 +14,7 @@ namespace HWY_NAMESPACE {
 // The whole quotient of whole numbers below 2^16: the float quotient of these never rounds up to
 // the next whole number, which is at least 1 / 510 away.
 HWY_INLINE Ints quotient(Ints dividend, Ints divisor) {
-    return hn::ConvertTo(IntTag(), hn::Div(toFloats(dividend), toFloats(divisor)));
+    return truncateInRange(hn::Div(toFloats(dividend), toFloats(divisor)));
 }
 
 struct HueSaturation {
@@ -84,7 +84,7 @@ HWY_INLINE Channels<Ints> toBytes(const HueSaturation& c, Ints lightnessByte) {
     const Floats m2 = hn::IfThenElse(hn::Le(lightness, constant(0.5f)), dark, light);
     const Floats m1 = hn::Sub(hn::Mul(constant(2.0f), lightness), m2);
     const auto channel = [&](Floats channelHue) HWY_ATTR {
-        return hn::ConvertTo(IntTag(), hn::Mul(channelAtHue(m1, m2, channelHue), white));
+        return truncateInRange(hn::Mul(channelAtHue(m1, m2, channelHue), white));
     };
     return {channel(hn::Add(hue, constant(120.0f))), channel(hue),
             channel(hn::Sub(hue, constant(120.0f)))};

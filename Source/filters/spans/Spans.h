@@ -1,6 +1,7 @@
 #ifndef KELADJUST_FILTERS_SPANS_SPANS_H
 #define KELADJUST_FILTERS_SPANS_SPANS_H
 
+#include <cstddef>
 #include <cstdint>
 
 #include "ImageFormat/PixelSpan.h"
@@ -9,6 +10,15 @@
 /// The inner loops of the per-pixel stages, compiled for every instruction set and chosen when they
 /// run. All of them give the same bytes; the stages' own files say what the numbers mean.
 namespace keladjust::spans {
+
+/// Which bytes of a run a table maps.
+enum class Bytes {
+    all,
+    threeOfFour,  ///< of pixels of four bytes, the fourth of which stays
+};
+
+/// Maps the `count` bytes by a table of 256; `count` is in whole pixels where that matters.
+void mapBytes(const std::uint8_t* table, Bytes which, std::uint8_t* bytes, std::size_t count);
 
 /// Where the coefficient of a tonal stage is large.
 enum class Tones { bright, dark };
@@ -26,8 +36,22 @@ void stretchSaturation(PixelSpan& span, float amount);
 /// Shifts red and blue against green by `strength` 256ths of the grey level.
 void shiftTint(PixelSpan& span, std::int32_t strength);
 
+/// A rotation of colours about the grey axis: each row of the matrix works on the channels as the
+/// rows before have left them, blue first and red last.
+struct HueMatrix {
+    float m00;
+    float diagonal;
+    float minus;
+    float plus;
+};
+void rotateHue(PixelSpan& span, const HueMatrix& matrix);
+
 /// Saturation for dull colours; `amount` as a share.
 void stretchVibrance(PixelSpan& span, float amount);
+
+/// Adds the grain of the pixels from number `firstPixel` on, `scale` times as strong as its
+/// formula, to the first `channels` lanes of blue, green and red.
+void addGrain(PixelSpan& span, std::size_t channels, std::size_t firstPixel, float scale);
 
 /// Gives a picture's `original` lightness the hue and the saturation of what `span` holds, by the
 /// 8-bit HSL of CxImage.
