@@ -12,11 +12,13 @@
 #include <memory>
 #include <mutex>
 #include <utility>
+#include <vector>
 
 #include "ImageFormat/Geometry.h"
 #include "ImageFormat/PixelSpan.h"
 #include "ImageFormat/RawWalk.h"
 #include "filters/Rounding.h"
+#include "filters/RowWindow.h"
 #include "filters/StageForms.h"
 #include "platform/Parallel.h"
 
@@ -88,12 +90,75 @@ struct Place {
     std::int16_t y;
 };
 
+/// How far from its destinations a map fetches.
+struct Extent {
+    void add(std::size_t row, std::int32_t sourceRow) {
+        const auto down = static_cast<std::int64_t>(sourceRow) - static_cast<std::int64_t>(row);
+        farthestUp = std::max(farthestUp, -down);
+        farthestDown = std::max(farthestDown, down);
+    }
+    void add(const Extent& other) {
+        leavesPicture |= other.leavesPicture;
+        farthestUp = std::max(farthestUp, other.farthestUp);
+        farthestDown = std::max(farthestDown, other.farthestDown);
+    }
+    RowReach reach() const {
+        return {static_cast<std::size_t>(farthestUp), static_cast<std::size_t>(farthestDown)};
+    }
+
+    bool leavesPicture = false;  ///< some place has a column or a row that the picture lacks
+    std::int64_t farthestUp = 0;
+    std::int64_t farthestDown = 0;
+};
+
+/// Builds a map row by row, `row(y, extent)` each, on several threads.
+template <class Row>
+Extent buildRows(const MapKey& key, Row row) {
+    std::mutex mutex;
+    Extent extent;
+    forEachBand(key.width, key.height, [&](std::size_t begin, std::size_t end) {
+        Extent ofBand;
+        for (std::size_t y = begin; y < end; ++y) row(y, ofBand);
+        const std::lock_guard lock(mutex);
+        extent.add(ofBand);
+    });
+    return extent;
+}
+
+/// Changes a picture row by row, `change(y, window)` each, on several threads; the window holds the
+/// rows within reach as they were. False, with nothing changed, if windows would take more memory
+/// than `most` bytes.
+template <class Change>
+bool changeRowByRow(const OriginalRows& rows, std::size_t width, RowReach reach, std::size_t most,
+                    Change change) {
+    const std::size_t bands = platform::bandCount(rows.height, pixelsPerThread / width + 1);
+    if (RowWindow::rowsFor(reach) > most / rows.bytes / bands) return false;
+    std::vector<std::unique_ptr<RowWindow>> windows(bands);
+    platform::parallelBands(
+        rows.height, bands, [&](std::size_t band, std::size_t begin, std::size_t end) {
+            windows[band] = std::make_unique<RowWindow>(rows, reach, begin, end);
+        });
+    platform::parallelBands(rows.height, bands,
+                            [&](std::size_t band, std::size_t begin, std::size_t end) {
+                                for (std::size_t y = begin; y < end; ++y) {
+                                    windows[band]->moveTo(y);
+                                    change(y, *windows[band]);
+                                }
+                            });
+    return true;
+}
+
+bool lies(std::int16_t coordinate, unsigned below) {
+    return coordinate >= 0 && static_cast<unsigned>(coordinate) < below;
+}
+
 /// Barrel and pincushion: the source of every pixel.
 struct DistortionMap {
     explicit DistortionMap(const MapKey& mapKey);
 
     MapKey key;
     std::unique_ptr<Place[]> places;
+    Extent extent;
 };
 
 // Products from left to right. The two kinds of distortion use different powers.
@@ -115,17 +180,17 @@ DistortionMap::DistortionMap(const MapKey& mapKey)
     const float scale = negative ? 1.0f : 1.0f / (d + 1.0f);
     const bool positive = d > 0.0f;
 
-    forEachBand(key.width, key.height, [&](std::size_t begin, std::size_t end) {
-        for (std::size_t y = begin; y < end; ++y) {
-            Place* const row = places.get() + y * key.width;
-            const float ny = (static_cast<float>(y) - centreY) / unitY;
-            for (unsigned x = 0; x < key.width; ++x) {
-                const Ray ray((static_cast<float>(x) - centreX) / unitX, ny);
-                const float moved =
-                    (distortionPower(ray.length, positive) * d + ray.length) * scale;
-                row[x] = {coordinate(moved * ray.directionX * unitX + centreX),
-                          coordinate(moved * ray.directionY * unitY + centreY)};
-            }
+    extent = buildRows(key, [&](std::size_t y, Extent& reached) {
+        Place* const row = places.get() + y * key.width;
+        const float ny = (static_cast<float>(y) - centreY) / unitY;
+        for (unsigned x = 0; x < key.width; ++x) {
+            const Ray ray((static_cast<float>(x) - centreX) / unitX, ny);
+            const float moved = (distortionPower(ray.length, positive) * d + ray.length) * scale;
+            const Place place{coordinate(moved * ray.directionX * unitX + centreX),
+                              coordinate(moved * ray.directionY * unitY + centreY)};
+            row[x] = place;
+            reached.add(y, place.y);
+            reached.leavesPicture |= !lies(place.x, key.width) || !lies(place.y, key.height);
         }
     });
 }
@@ -159,27 +224,51 @@ void fetchPartly(const PackedRows& rows, const std::uint8_t* source, std::int64_
     }
 }
 
+// Columns count as bytes, so a map that stays inside the picture fetches from the first part of
+// every row alone.
+bool distortInside(const CxImage& image, const RawWalk& walk, const DistortionMap& map) {
+    if (map.extent.leavesPicture) return false;
+    const std::size_t width = image.width;
+    const std::size_t rowBytes = width * walk.step;
+    const OriginalRows rows{walk.first, rowBytes, width + walk.step - 1, image.height};
+    return changeRowByRow(
+        rows, width, map.extent.reach(), image.size, [&](std::size_t y, const RowWindow& window) {
+            const Place* const places = map.places.get() + y * width;
+            std::uint8_t* const pixels = walk.first + y * rowBytes;
+            const std::size_t shift = window.firstRow() * rows.bytes;
+            withStep(walk.step, [&, stride = rows.bytes](auto step) {
+                for (std::size_t x = 0; x < width; ++x) {
+                    const std::size_t offset = static_cast<std::size_t>(places[x].y) * stride +
+                                               static_cast<std::size_t>(places[x].x);
+                    std::memcpy(pixels + x * step, window.begin() + (offset - shift), step);
+                }
+            });
+        });
+}
+
+// Any map: what it finds outside the buffer leaves a byte as it was.
+void distortPartly(CxImage& image, const RawWalk& walk, const DistortionMap& map) {
+    const PackedRows rows{walk.step, image.width, image.size};
+    const auto copy = std::make_unique_for_overwrite<std::uint8_t[]>(image.size);
+    std::memcpy(copy.get(), image.pBits, image.size);
+    forEachBand(image.width, image.height, [&](std::size_t begin, std::size_t end) {
+        for (std::size_t i = begin * rows.width; i < end * rows.width; ++i) {
+            const std::int64_t offset = rows.offsetOf(map.places[i]);
+            std::uint8_t* const pixel = walk.first + i * walk.step;
+            if (rows.holds(offset, walk.step)) {
+                std::memcpy(pixel, copy.get() + offset, walk.step);
+            } else {
+                fetchPartly(rows, copy.get(), offset, pixel);
+            }
+        }
+    });
+}
+
 void distort(CxImage& image, float setting) {
     const RawWalk walk = rawWalkOf(image);
     if (walk.step == 0) return;
     const auto map = distortionMaps().get({image.width, image.height, setting});
-    const PackedRows rows{walk.step, image.width, image.size};
-    const auto copy = std::make_unique_for_overwrite<std::uint8_t[]>(image.size);
-    std::memcpy(copy.get(), image.pBits, image.size);
-
-    forEachBand(image.width, image.height, [&](std::size_t begin, std::size_t end) {
-        withStep(walk.step, [&](auto step) {
-            for (std::size_t i = begin * rows.width; i < end * rows.width; ++i) {
-                const std::int64_t offset = rows.offsetOf(map->places[i]);
-                std::uint8_t* const pixel = walk.first + i * step;
-                if (rows.holds(offset, step)) {
-                    std::memcpy(pixel, copy.get() + offset, step);
-                } else {
-                    fetchPartly(rows, copy.get(), offset, pixel);
-                }
-            }
-        });
-    });
+    if (!distortInside(image, walk, *map)) distortPartly(image, walk, *map);
 }
 
 /// Lateral chromatic aberration: where the red, green and blue of every pixel come from, each as
@@ -188,6 +277,7 @@ struct FringingMap {
     explicit FringingMap(const MapKey& mapKey);
 
     MapKey key;
+    Extent extent;
     std::size_t nowhere;  ///< stands for places outside the picture, one past its last pixel
     std::unique_ptr<std::uint32_t[]> red;
     std::unique_ptr<std::uint32_t[]> green;
@@ -228,28 +318,29 @@ FringingMap::FringingMap(const MapKey& mapKey)
     const float lastX = width - margin;
     const float lastY = height - margin;
 
-    const auto pixelAt = [&](float x, float y) {
+    const auto pixelAt = [&](float x, float y, std::size_t row, Extent& reached) {
         const std::int32_t column = coordinate(clampPlace(x, lastX));
         const std::int32_t line = coordinate(clampPlace(y, lastY));
+        reached.add(row, line);
+        reached.leavesPicture |= (column | line) < 0;
         const std::uint32_t inside =
             static_cast<std::uint32_t>(line) * key.width + static_cast<std::uint32_t>(column);
         return (column | line) < 0 ? static_cast<std::uint32_t>(nowhere) : inside;
     };
 
-    forEachBand(key.width, key.height, [&](std::size_t begin, std::size_t end) {
-        for (std::size_t y = begin; y < end; ++y) {
-            const float ny = (static_cast<float>(y) - centreY) / height;
-            for (unsigned x = 0; x < key.width; ++x) {
-                const Ray ray((static_cast<float>(x) - centreX) / width, ny);
-                const float moved = (tenthPower(ray.length) * f + ray.length) * scale;
-                const std::size_t i = y * key.width + x;
-                blue[i] = pixelAt(blueScale * ray.directionX * moved * width + centreX,
-                                  blueScale * ray.directionY * moved * height + centreY);
-                green[i] = pixelAt(ray.directionX * moved * width + centreX,
-                                   ray.directionY * moved * height + centreY);
-                red[i] = pixelAt(redScale * ray.directionX * moved * width + centreX,
-                                 redScale * ray.directionY * moved * height + centreY);
-            }
+    extent = buildRows(key, [&](std::size_t y, Extent& reached) {
+        const float ny = (static_cast<float>(y) - centreY) / height;
+        for (unsigned x = 0; x < key.width; ++x) {
+            const Ray ray((static_cast<float>(x) - centreX) / width, ny);
+            const float moved = (tenthPower(ray.length) * f + ray.length) * scale;
+            const auto at = [&](float directionX, float directionY) {
+                return pixelAt(directionX * moved * width + centreX,
+                               directionY * moved * height + centreY, y, reached);
+            };
+            const std::size_t i = y * key.width + x;
+            blue[i] = at(blueScale * ray.directionX, blueScale * ray.directionY);
+            green[i] = at(ray.directionX, ray.directionY);
+            red[i] = at(redScale * ray.directionX, redScale * ray.directionY);
         }
     });
 }
@@ -259,84 +350,130 @@ MapCache<FringingMap>& fringingMaps() {
     return cache;
 }
 
-/// A picture's lanes as whole planes, each with one pixel more, which is black and clear.
-class Planes {
-public:
-    Planes(const CxImage& image, PixelLayout layout) : layout_(layout) {
-        const std::size_t size = std::size_t{image.width} * image.height + 1;
-        // A grey picture keeps nothing but its red lane.
-        const bool grey = layout == PixelLayout::gray8;
-        red_ = std::make_unique_for_overwrite<std::uint8_t[]>(size);
-        if (!grey) green_ = std::make_unique_for_overwrite<std::uint8_t[]>(size);
-        if (!grey) blue_ = std::make_unique_for_overwrite<std::uint8_t[]>(size);
-        if (bytesPerPixelOf(layout) == 4) {
-            alpha_ = std::make_unique_for_overwrite<std::uint8_t[]>(size);
-        }
-        for (std::uint8_t* plane : {red_.get(), green_.get(), blue_.get(), alpha_.get()}) {
-            if (plane != nullptr) plane[size - 1] = 0;
-        }
-    }
-
-    /// Takes a run of pixels that begins with the picture's pixel number `first`.
-    void take(const std::uint8_t* pixels, std::size_t first, PixelSpan& span) {
-        loadSpan(layout_, pixels, span);
-        std::memcpy(red_.get() + first, span.red, span.count);
-        if (green_) std::memcpy(green_.get() + first, span.green, span.count);
-        if (blue_) std::memcpy(blue_.get() + first, span.blue, span.count);
-        if (alpha_) loadAlpha(layout_, pixels, span.count, alpha_.get() + first);
-    }
-
-    /// Fills a run of pixels from the places that the map names; alpha comes along with green.
-    void fetch(const FringingMap& map, std::size_t first, PixelSpan& span,
-               std::uint8_t* pixels) const {
-        gather(red_.get(), map.red.get() + first, span.count, span.red);
-        if (green_) gather(green_.get(), map.green.get() + first, span.count, span.green);
-        if (blue_) gather(blue_.get(), map.blue.get() + first, span.count, span.blue);
-        storeSpan(layout_, span, pixels);
-        if (!alpha_) return;
-        const std::uint32_t* const places = map.green.get() + first;
-        for (std::size_t i = 0; i < span.count; ++i) pixels[4 * i + 3] = alpha_[places[i]];
-    }
-
-private:
-    static void gather(const std::uint8_t* plane, const std::uint32_t* places, std::size_t count,
-                       std::uint8_t* lane) {
-        for (std::size_t i = 0; i < count; ++i) lane[i] = plane[places[i]];
-    }
-
-    PixelLayout layout_;
-    std::unique_ptr<std::uint8_t[]> red_;
-    std::unique_ptr<std::uint8_t[]> green_;
-    std::unique_ptr<std::uint8_t[]> blue_;
-    std::unique_ptr<std::uint8_t[]> alpha_;
-};
-
-/// Calls `body(pixels, first, span)` for run after run of a picture's pixels, on several threads;
-/// `first` numbers the pixels without regard to padding.
-template <class Body>
-void forEachRun(CxImage& image, PixelLayout layout, Body body) {
+/// A picture's pixels without the padding of rows, and one more, which is black and clear.
+std::unique_ptr<std::uint8_t[]> packedCopy(const CxImage& image, std::size_t pixelBytes) {
+    const std::size_t rowBytes = image.width * pixelBytes;
+    const std::size_t size = rowBytes * image.height;
+    auto copy = std::make_unique_for_overwrite<std::uint8_t[]>(size + pixelBytes);
+    std::memset(copy.get() + size, 0, pixelBytes);
     forEachBand(image.width, image.height, [&](std::size_t begin, std::size_t end) {
-        PixelSpan span;
         for (std::size_t y = begin; y < end; ++y) {
-            for (std::size_t x = 0; x < image.width; x += span.count) {
-                span.count = std::min(PixelSpan::capacity, image.width - x);
-                body(image.pBits + y * image.effWidth + x * bytesPerPixelOf(layout),
-                     y * image.width + x, span);
-            }
+            std::memcpy(copy.get() + y * rowBytes, image.pBits + y * image.effWidth, rowBytes);
         }
     });
+    return copy;
+}
+
+/// Original pixels, packed, from the pixel of number `firstPixel` on.
+struct Originals {
+    const std::uint8_t* bytes;
+    std::size_t firstPixel;
+
+    template <std::size_t pixelBytes>
+    const std::uint8_t* at(std::uint32_t pixel) const {
+        return bytes + (pixel - firstPixel) * pixelBytes;
+    }
+};
+
+/// Where a row of pixels comes from, byte by byte of a pixel; alpha comes along with the second.
+struct Sources {
+    const std::uint32_t* first;
+    const std::uint32_t* second;
+    const std::uint32_t* third;
+};
+
+void fetchFourBytes(Originals from, Sources sources, std::size_t count, std::uint8_t* pixels) {
+    for (std::size_t i = 0; i < count; ++i) {
+        std::uint32_t word;
+        std::memcpy(&word, from.at<4>(sources.second[i]), sizeof word);
+        const std::uint32_t first = from.at<4>(sources.first[i])[0];
+        const std::uint32_t third = from.at<4>(sources.third[i])[2];
+        word = (word & 0xFF00FF00) | third << 16 | first;
+        std::memcpy(pixels + 4 * i, &word, sizeof word);
+    }
+}
+
+void fetchThreeBytes(Originals from, Sources sources, std::size_t count, std::uint8_t* pixels) {
+    for (std::size_t i = 0; i < count; ++i) {
+        pixels[3 * i] = from.at<3>(sources.first[i])[0];
+        pixels[3 * i + 1] = from.at<3>(sources.second[i])[1];
+        pixels[3 * i + 2] = from.at<3>(sources.third[i])[2];
+    }
+}
+
+// The fields of 16-bit pixels are no bytes: a lane each, from pixels collected for it.
+void fetchWords(Originals from, PixelLayout layout, const FringingMap& map, std::size_t first,
+                PixelSpan& span, std::uint8_t* pixels) {
+    PixelSpan collected;
+    collected.count = span.count;
+    std::uint8_t words[2 * PixelSpan::capacity];
+    const auto collect = [&](const std::unique_ptr<std::uint32_t[]>& places) {
+        for (std::size_t i = 0; i < span.count; ++i) {
+            std::memcpy(words + 2 * i, from.at<2>(places[first + i]), 2);
+        }
+        loadSpan(layout, words, collected);
+    };
+    collect(map.red);
+    std::memcpy(span.red, collected.red, span.count);
+    collect(map.green);
+    std::memcpy(span.green, collected.green, span.count);
+    collect(map.blue);
+    std::memcpy(span.blue, collected.blue, span.count);
+    storeSpan(layout, span, pixels);
+}
+
+void fetchRow(Originals from, PixelLayout layout, const FringingMap& map, std::size_t y,
+              std::uint8_t* pixels) {
+    const std::size_t width = map.key.width;
+    const std::uint32_t* const red = map.red.get() + y * width;
+    const std::uint32_t* const green = map.green.get() + y * width;
+    const std::uint32_t* const blue = map.blue.get() + y * width;
+    switch (layout) {
+        case PixelLayout::gray8:
+            // Keeps nothing but its red lane.
+            for (std::size_t i = 0; i < width; ++i) pixels[i] = *from.at<1>(red[i]);
+            break;
+        case PixelLayout::rgb24:
+            return fetchThreeBytes(from, {red, green, blue}, width, pixels);
+        case PixelLayout::bgr24:
+            return fetchThreeBytes(from, {blue, green, red}, width, pixels);
+        case PixelLayout::rgba32:
+            return fetchFourBytes(from, {red, green, blue}, width, pixels);
+        case PixelLayout::bgra32:
+            return fetchFourBytes(from, {blue, green, red}, width, pixels);
+        case PixelLayout::rgb16:
+        case PixelLayout::bgr16: {
+            PixelSpan span;
+            for (std::size_t x = 0; x < width; x += span.count) {
+                span.count = std::min(PixelSpan::capacity, width - x);
+                fetchWords(from, layout, map, y * width + x, span, pixels + 2 * x);
+            }
+            break;
+        }
+        case PixelLayout::none:
+            break;
+    }
 }
 
 void correctFringing(CxImage& image, float setting) {
     const PixelLayout layout = layoutOf(image);
     if (!hasPixels(&image) || layout == PixelLayout::none) return;
     const auto map = fringingMaps().get({image.width, image.height, setting});
-    Planes planes(image, layout);
-    forEachRun(image, layout, [&](const std::uint8_t* pixels, std::size_t first, PixelSpan& span) {
-        planes.take(pixels, first, span);
-    });
-    forEachRun(image, layout, [&](std::uint8_t* pixels, std::size_t first, PixelSpan& span) {
-        planes.fetch(*map, first, span, pixels);
+    const auto rowOf = [&](std::size_t y) { return image.pBits + y * image.effWidth; };
+    const std::size_t pixelBytes = bytesPerPixelOf(layout);
+    const OriginalRows rows{image.pBits, image.effWidth, image.width * pixelBytes, image.height};
+    const auto fetchFromWindow = [&](std::size_t y, const RowWindow& window) {
+        fetchRow({window.begin(), window.firstRow() * image.width}, layout, *map, y, rowOf(y));
+    };
+    if (!map->extent.leavesPicture &&
+        changeRowByRow(rows, image.width, map->extent.reach(), image.size, fetchFromWindow)) {
+        return;
+    }
+    const auto copy = packedCopy(image, pixelBytes);
+    forEachBand(image.width, image.height, [&](std::size_t begin, std::size_t end) {
+        for (std::size_t y = begin; y < end; ++y) {
+            fetchRow({copy.get(), 0}, layout, *map, y, rowOf(y));
+        }
     });
 }
 
