@@ -11,8 +11,6 @@ HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
 
-namespace hn = hwy::HWY_NAMESPACE;
-
 void mapOneByOne(const std::uint8_t* table, bool keepsFourth, std::uint8_t* bytes,
                  std::size_t count) {
     if (!keepsFourth) {
@@ -34,6 +32,8 @@ void mapBytes(const std::uint8_t* table, bool keepsFourth, std::uint8_t* bytes, 
 }
 
 #else
+
+namespace hn = hwy::HWY_NAMESPACE;
 
 using ByteTag = hn::ScalableTag<std::uint8_t>;
 using SignedTag = hn::RebindToSigned<ByteTag>;

@@ -4,6 +4,8 @@
 #define HWY_TARGET_INCLUDE "filters/spans/ColourRanges.cpp"
 #include <hwy/foreach_target.h>
 
+#include <cmath>
+
 #include "filters/spans/SpanVectors-inl.h"
 #include "filters/spans/Spans.h"
 
@@ -38,7 +40,7 @@ HWY_INLINE Hsl toHsl(const Channels<Floats>& c) {
     const Floats sixths = hn::IfThenElse(
         redLargest, share,
         hn::Add(hn::IfThenElse(greenLargest, constant(2.0f), constant(4.0f)), share));
-    Floats turn = hn::Div(sixths, constant(6.0f));
+    Floats turn = quotientBy<6>(sixths);
     turn = hn::IfThenElse(hn::Lt(turn, constant(0.0f)), hn::Add(turn, constant(1.0f)), turn);
 
     const FloatMask grey = hn::Eq(largest, smallest);
@@ -60,8 +62,7 @@ HWY_INLINE Bounds boundsOf(Floats saturation, Floats lightness) {
     return {hn::Sub(hn::Mul(constant(2.0f), lightness), q), q};
 }
 
-HWY_INLINE Channels<Floats> turnsOf(Floats hue) {
-    const Floats turn = hn::Div(hue, constant(360.0f));
+HWY_INLINE Channels<Floats> turnsOf(Floats turn) {
     const Floats one = constant(1.0f);
     const Floats red = hn::Add(turn, constant(0.33333334f));
     const Floats blue = hn::Sub(turn, constant(0.33333334f));
@@ -87,6 +88,14 @@ HWY_INLINE Channels<Floats> toRgb(const Channels<Floats>& turns, Floats saturati
         return hn::IfThenElse(grey, lightness, value);
     };
     return mapChannels(turns, channel);
+}
+
+// Where HueBand::weight() may be other than 0.
+HWY_INLINE FloatMask isInside(const HueBand& band, Floats hue) {
+    const Floats low = constant(band.minDegree());
+    const Floats high = constant(band.maxDegree());
+    if (band.wraps()) return hn::Or(hn::Ge(hue, low), hn::Le(hue, high));
+    return hn::And(hn::Gt(hue, low), hn::Lt(hue, high));
 }
 
 // The vector form of HueBand::weight().
@@ -118,8 +127,7 @@ HWY_INLINE Floats scale(Floats component, float ratio) {
 }
 
 HWY_INLINE Channels<Floats> bytesToUnit(const Channels<Ints>& bytes) {
-    return mapChannels(
-        bytes, [](Ints byte) HWY_ATTR { return hn::Div(toFloats(byte), constant(255.0f)); });
+    return mapChannels(bytes, [](Ints byte) HWY_ATTR { return quotientBy<255>(toFloats(byte)); });
 }
 
 // Mixes by weight and stores as bytes.
@@ -133,23 +141,40 @@ HWY_INLINE Channels<Ints> mix(const Channels<Floats>& from, const Channels<Float
     return {channel(from.red, to.red), channel(from.green, to.green), channel(from.blue, to.blue)};
 }
 
+// Stores as bytes what a round trip made of them: never more than a rounding outside 0..1.
+HWY_INLINE Channels<Ints> unitToBytes(const Channels<Floats>& c) {
+    return mapChannels(c, [](Floats channel) HWY_ATTR {
+        return truncateInRange(hn::Mul(channel, constant(255.0f)));
+    });
+}
+
 void changeColourRange(PixelSpan& span, const HueBand& band, const RangeChange& change) {
+    // Outside the band only the round trip counts, unless a mad shift makes what is mixed in with
+    // weight 0 no number.
+    const bool passesOutside = std::isfinite(change.shift);
     forEachVector(span, [&](std::size_t i) HWY_ATTR {
         Channels<Ints> bytes = loadIntChannels(span, i);
         Hsl hsl = toHsl(bytesToUnit(bytes));
-        const Floats weight = weightOf(band, hsl.hue);
+        const bool outside = passesOutside && hn::AllFalse(FloatTag(), isInside(band, hsl.hue));
+        const Floats weight = outside ? constant(0.0f) : weightOf(band, hsl.hue);
         bool hslIsCurrent = true;
         // Each step works on the bytes that the last one stored; both sides of its mix make the
         // round trip.
         const auto step = [&](float amount, auto changed) HWY_ATTR {
             if (amount == 0.0f) return;
             if (!hslIsCurrent) hsl = toHsl(bytesToUnit(bytes));
-            const Channels<Floats> turns = turnsOf(hsl.hue);
-            bytes = mix(toRgb(turns, hsl.saturation, hsl.lightness), changed(turns), weight);
             hslIsCurrent = false;
+            const Channels<Floats> turns = turnsOf(quotientBy<360>(hsl.hue));
+            const Channels<Floats> unchanged = toRgb(turns, hsl.saturation, hsl.lightness);
+            if (outside) {
+                bytes = unitToBytes(unchanged);
+            } else {
+                bytes = mix(unchanged, changed(turns), weight);
+            }
         };
         step(change.shift, [&](const Channels<Floats>&) HWY_ATTR {
-            return toRgb(turnsOf(shiftHue(hsl.hue, change.shift)), hsl.saturation, hsl.lightness);
+            const Floats hue = shiftHue(hsl.hue, change.shift);
+            return toRgb(turnsOf(hn::Div(hue, constant(360.0f))), hsl.saturation, hsl.lightness);
         });
         step(change.saturationRatio, [&](const Channels<Floats>& turns) HWY_ATTR {
             return toRgb(turns, scale(hsl.saturation, change.saturationRatio), hsl.lightness);

@@ -11,90 +11,119 @@ HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
 
-// The whole quotient of whole numbers below 2^16: the float quotient of these never rounds up to
-// the next whole number, which is at least 1 / 510 away.
-HWY_INLINE Ints quotient(Ints dividend, Ints divisor) {
-    return truncateInRange(hn::Div(toFloats(dividend), toFloats(divisor)));
+// Of numbers that 32 bits hold.
+HWY_INLINE Floats truncated(Floats values) {
+    return toFloats(truncateInRange(values));
 }
 
-struct HueSaturation {
-    Ints hue;
-    Ints saturation;
+// Which channel a pixel's hue lies around.
+struct Largest {
+    FloatMask red;
+    FloatMask green;
+
+    HWY_INLINE Floats pick(Floats ifRed, Floats ifGreen, Floats ifBlue) const {
+        return hn::IfThenElse(red, ifRed, hn::IfThenElse(green, ifGreen, ifBlue));
+    }
 };
 
-// As CxImage::RGBtoHSL(), less the lightness.
-HWY_INLINE HueSaturation hueAndSaturation(const Channels<Ints>& c) {
-    const Ints largest = largestOf(c);
-    const Ints smallest = smallestOf(c);
-    const Ints sum = hn::Add(largest, smallest);
-    const Ints delta = hn::Sub(largest, smallest);
-    const Ints halfDelta = hn::ShiftRight<1>(delta);
-    const auto grey = hn::Eq(delta, constant(std::int32_t{0}));
-    // Any divisor will do for greys: what they get is replaced below.
-    const Ints safeDelta = hn::IfThenElse(grey, constant(std::int32_t{1}), delta);
+struct HueSaturation {
+    Floats hue;  ///< whole numbers of 0..255
+    Floats saturation;
+};
+
+// As CxImage::RGBtoHSL(), less the lightness. Numbers are whole and small enough to be exact;
+// truncated quotients are those of the whole numbers, because a quotient is 1 / 510 away from the
+// next whole number if it is not one.
+HWY_INLINE HueSaturation hueAndSaturation(const Channels<Floats>& c) {
+    const Floats zero = constant(0.0f);
+    const Floats one = constant(1.0f);
+    const Floats half = constant(0.5f);
+    const Floats largest = largestOf(c);
+    const Floats smallest = smallestOf(c);
+    const Floats sum = hn::Add(largest, smallest);
+    const Floats delta = hn::Sub(largest, smallest);
+    const FloatMask grey = hn::Eq(delta, zero);
 
     // (sum + 1) * 255 / 510 is above 127 from a sum of 255 on.
-    const auto light = hn::Gt(sum, constant(std::int32_t{254}));
-    const Ints span = hn::IfThenElse(light, hn::Sub(constant(std::int32_t{510}), sum), sum);
-    const Ints safeSpan = hn::Max(span, constant(std::int32_t{1}));
-    const Ints saturation = quotient(
-        hn::Add(hn::Mul(delta, constant(std::int32_t{255})), hn::ShiftRight<1>(span)), safeSpan);
+    const FloatMask light = hn::Gt(sum, constant(254.0f));
+    const Floats span = hn::IfThenElse(light, hn::Sub(constant(510.0f), sum), sum);
+    const Floats rounding = truncated(hn::Mul(span, half));
+    // Greys have a saturation of 0 whatever they are divided by.
+    const Floats saturation =
+        truncated(hn::Div(hn::Add(hn::Mul(delta, constant(255.0f)), rounding), hn::Max(span, one)));
 
-    const auto share = [&](Ints channel) HWY_ATTR {
-        const Ints distance = hn::Sub(largest, channel);
-        return quotient(hn::Add(hn::Mul(distance, constant(std::int32_t{42})), halfDelta),
-                        safeDelta);
+    // One reciprocal serves two quotients: taken from the middle between two multiples of a step,
+    // they stay clear of whole numbers by more than it rounds.
+    const Floats perDelta = hn::Div(one, hn::Max(delta, one));
+    const Floats middle = hn::Add(truncated(hn::Mul(delta, half)), half);
+    const auto share = [&](Floats channel) HWY_ATTR {
+        const Floats distance = hn::Sub(largest, channel);
+        return truncated(hn::Mul(hn::Add(hn::Mul(distance, constant(42.0f)), middle), perDelta));
     };
-    const Channels<Ints> shares = mapChannels(c, share);
-    const Ints redSector = hn::Sub(shares.blue, shares.green);
-    const Ints greenSector = hn::Add(constant(std::int32_t{85}), hn::Sub(shares.red, shares.blue));
-    const Ints blueSector = hn::Add(constant(std::int32_t{170}), hn::Sub(shares.green, shares.red));
-    const Ints hue =
-        hn::IfThenElse(hn::Eq(c.red, largest), redSector,
-                       hn::IfThenElse(hn::Eq(c.green, largest), greenSector, blueSector));
+    const Largest is{hn::Eq(c.red, largest), hn::Eq(c.green, largest)};
+    const Floats ahead = share(is.pick(c.blue, c.red, c.green));
+    const Floats behind = share(is.pick(c.green, c.blue, c.red));
+    const Floats hue =
+        hn::Add(is.pick(zero, constant(85.0f), constant(170.0f)), hn::Sub(ahead, behind));
     // A negative hue of the red sector wraps to the top of the circle.
-    const Ints wrapped = hn::And(hue, constant(std::int32_t{255}));
-    return {hn::IfThenElse(grey, constant(std::int32_t{170}), wrapped),
-            hn::IfThenZeroElse(grey, saturation)};
+    const Floats wrapped = hn::IfThenElse(hn::Lt(hue, zero), hn::Add(hue, constant(256.0f)), hue);
+    return {hn::IfThenElse(grey, constant(170.0f), wrapped), hn::IfThenZeroElse(grey, saturation)};
 }
 
-// As CxImage::HueToRGB() for hues of -120..480 degrees.
-HWY_INLINE Floats channelAtHue(Floats m1, Floats m2, Floats hue) {
-    const Floats turn = constant(360.0f);
-    hue = hn::IfThenElse(hn::Gt(hue, turn), hn::Sub(hue, turn),
-                         hn::IfThenElse(hn::Lt(hue, constant(0.0f)), hn::Add(hue, turn), hue));
-    const Floats rise = hn::Sub(m2, m1);
-    const Floats way =
-        hn::IfThenElse(hn::Lt(hue, constant(60.0f)), hue, hn::Sub(constant(240.0f), hue));
-    const Floats slope = hn::Add(m1, hn::Div(hn::Mul(rise, way), constant(60.0f)));
-    const FloatMask plateau = hn::And(hn::Ge(hue, constant(60.0f)), hn::Lt(hue, constant(180.0f)));
-    return hn::IfThenElse(hn::Ge(hue, constant(240.0f)), m1, hn::IfThenElse(plateau, m2, slope));
-}
+// Where a channel stands on its way around the circle, as CxImage::HueToRGB() has it.
+struct Station {
+    explicit HWY_INLINE Station(Floats hue)
+        : rises(hn::Lt(hue, constant(60.0f))),
+          high(hn::Lt(hue, constant(180.0f))),
+          onSlope(hn::Or(rises, hn::AndNot(high, hn::Lt(hue, constant(240.0f))))),
+          way(hn::IfThenElse(rises, hue, hn::Sub(constant(240.0f), hue))) {}
+
+    FloatMask rises;
+    FloatMask high;
+    FloatMask onSlope;
+    Floats way;  ///< along the slope
+};
 
 // As CxImage::HSLtoRGB(). Without saturation m1 and m2 come out as the lightness itself, so greys
 // need no branch.
-HWY_INLINE Channels<Ints> toBytes(const HueSaturation& c, Ints lightnessByte) {
+HWY_INLINE Channels<Ints> toBytes(const HueSaturation& c, Floats lightnessByte) {
     const Floats white = constant(255.0f);
-    const Floats hue = hn::Div(hn::Mul(toFloats(c.hue), constant(360.0f)), white);
-    const Floats saturation = hn::Div(toFloats(c.saturation), white);
-    const Floats lightness = hn::Div(toFloats(lightnessByte), white);
+    const Floats turn = constant(360.0f);
+    const Floats hue = quotientBy<255>(hn::Mul(c.hue, turn));
+    const Floats saturation = quotientBy<255>(c.saturation);
+    const Floats lightness = quotientBy<255>(lightnessByte);
     const Floats product = hn::Mul(lightness, saturation);
     const Floats dark = hn::Mul(lightness, hn::Add(constant(1.0f), saturation));
     const Floats light = hn::Sub(hn::Add(lightness, saturation), product);
     const Floats m2 = hn::IfThenElse(hn::Le(lightness, constant(0.5f)), dark, light);
     const Floats m1 = hn::Sub(hn::Mul(constant(2.0f), lightness), m2);
-    const auto channel = [&](Floats channelHue) HWY_ATTR {
-        return truncateInRange(hn::Mul(channelAtHue(m1, m2, channelHue), white));
+
+    const Floats redHue = hn::Add(hue, constant(120.0f));
+    const Floats blueHue = hn::Sub(hue, constant(120.0f));
+    const Station red(hn::IfThenElse(hn::Gt(redHue, turn), hn::Sub(redHue, turn), redHue));
+    const Station green(hue);
+    const Station blue(
+        hn::IfThenElse(hn::Lt(blueHue, constant(0.0f)), hn::Add(blueHue, turn), blueHue));
+    // At each of the 256 hues one channel is on a slope, or none.
+    const Floats way =
+        hn::IfThenElse(red.onSlope, red.way, hn::IfThenElse(green.onSlope, green.way, blue.way));
+    const Floats slope = hn::Add(m1, quotientBy<60>(hn::Mul(hn::Sub(m2, m1), way)));
+
+    const auto byteOf = [white](Floats value)
+                            HWY_ATTR { return truncateInRange(hn::Mul(value, white)); };
+    const auto channel = [&](const Station& station) HWY_ATTR {
+        const Floats level = hn::IfThenElse(station.high, m2, m1);
+        return byteOf(hn::IfThenElse(station.onSlope, slope, level));
     };
-    return {channel(hn::Add(hue, constant(120.0f))), channel(hue),
-            channel(hn::Sub(hue, constant(120.0f)))};
+    return {channel(red), channel(green), channel(blue)};
 }
 
 void restoreLightness(PixelSpan& span, const PixelSpan& original) {
     forEachVector(span, [&](std::size_t i) HWY_ATTR {
         const Channels<Ints> before = loadIntChannels(original, i);
         const Ints lightness = hn::ShiftRight<1>(hn::Add(largestOf(before), smallestOf(before)));
-        storeClamped(toBytes(hueAndSaturation(loadIntChannels(span, i)), lightness), span, i);
+        storeClamped(toBytes(hueAndSaturation(loadFloatChannels(span, i)), toFloats(lightness)),
+                     span, i);
     });
 }
 

@@ -54,6 +54,22 @@ HWY_INLINE void storeClamped(Ints values, std::uint8_t* lane) {
     hn::Store(hn::DemoteTo(ByteTag(), bounded), ByteTag(), lane);
 }
 
+/// The rounded quotient by a constant, as hn::Div() gives it; for quotients that are neither
+/// infinite nor below the normal range. With a multiplication and an addition in one rounding, the
+/// remainder of a first guess is exact and mends its last bit, which takes half as long as a
+/// division. A zero comes out without its sign.
+template <int divisor>
+HWY_INLINE Floats quotientBy(Floats values) {
+#if HWY_NATIVE_FMA
+    const Floats reciprocal = constant(1.0f / static_cast<float>(divisor));
+    const Floats guess = hn::Mul(values, reciprocal);
+    const Floats remainder = hn::NegMulAdd(guess, constant(static_cast<float>(divisor)), values);
+    return hn::MulAdd(remainder, reciprocal, guess);
+#else
+    return hn::Div(values, constant(static_cast<float>(divisor)));
+#endif
+}
+
 /// Truncated toward zero; for numbers that 32 bits hold. hn::ConvertTo() also mends what overflows,
 /// which takes as long again as everything else about a channel's store.
 HWY_INLINE Ints truncateInRange(Floats values) {
