@@ -1,20 +1,13 @@
 #include "Adjuster.h"
 
 #include "Failure.h"
-
-#include <new>
+#include "PhotoImage.h"
 
 namespace keladjust::app {
 namespace {
 
 void runLibrary(Photo& photo, const _AdjustParam& record) {
-    const bool grey = photo.layout() == PixelLayout::grey;
-    unsigned char* bits = photo.row(0);
-    const std::unique_ptr<CxImage, decltype(&releaseCxImage)> image(
-        createCxImage(&bits, photo.width(), photo.height(), grey ? 8 : 32,
-                      grey ? IMAGE_FORMAT_GRAY : IMAGE_FORMAT_BGRA),
-        &releaseCxImage);
-    if (!image) throw std::bad_alloc();
+    const PhotoImage image(photo);
     doAdjust(image.get(), record);
 }
 

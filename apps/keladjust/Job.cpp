@@ -3,7 +3,6 @@
 #include "AtomicFile.h"
 #include "Comparison.h"
 #include "ContactSheet.h"
-#include "Failure.h"
 #include "InputFile.h"
 #include "Metadata.h"
 #include "Orientation.h"
@@ -13,13 +12,6 @@
 
 namespace keladjust::app {
 namespace {
-
-const Codec& recognise(const Bytes& file) {
-    if (file.empty()) throw Failure("the file is empty");
-    const Codec* codec = codecForContent(file);
-    if (!codec) throw Failure("not a JPEG, PNG, TIFF or WebP picture; convert it to one first");
-    return *codec;
-}
 
 void append(std::vector<std::string>& target, const std::vector<std::string>& lines) {
     target.insert(target.end(), lines.begin(), lines.end());
@@ -39,7 +31,7 @@ public:
 
     void run() {
         const Bytes file = readFile(plan_.input);
-        const Codec& reader = recognise(file);
+        const Codec& reader = codecForFile(file);
         const Codec& writer = plan_.codec ? *plan_.codec : reader;
         Metadata metadata(file);
         Photo photo = upright(reader.decode(file), metadata.orientation());

@@ -12,6 +12,14 @@ std::string numberText(double value) {
     return std::string(text.data(), end);
 }
 
+std::string numberText(double value, int decimals) {
+    std::array<char, 400> text{};  // the largest number has 309 digits
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), value,
+                                   std::chars_format::fixed, decimals)
+                         .ptr;
+    return std::string(text.data(), end);
+}
+
 std::optional<double> numberFromText(std::string_view text) {
     if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
     double value = 0;

@@ -13,7 +13,7 @@ namespace {
 
 constexpr const char* DESCRIPTION =
     "Adjusts pictures: JPEG, PNG, TIFF and WebP.\n"
-    "See also: keladjust lut --help, for colour tables.";
+    "See also: keladjust lut --help, for colour tables; keladjust bench --help, for speed.";
 
 constexpr const char* EXAMPLES =
     "Examples:\n"

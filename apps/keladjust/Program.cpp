@@ -1,6 +1,7 @@
 #include "Program.h"
 
 #include "AdjustCommand.h"
+#include "BenchCommand.h"
 #include "ExitCode.h"
 #include "Failure.h"
 #include "LutCommand.h"
@@ -17,6 +18,9 @@ namespace {
 int runCommand(const std::vector<std::string>& arguments) {
     if (!arguments.empty() && arguments.front() == "lut") {
         return runLutCommand({arguments.begin() + 1, arguments.end()});
+    }
+    if (!arguments.empty() && arguments.front() == "bench") {
+        return runBenchCommand({arguments.begin() + 1, arguments.end()});
     }
     return runAdjustCommand(arguments);
 }

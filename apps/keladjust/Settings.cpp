@@ -1,5 +1,7 @@
 #include "Settings.h"
 
+#include <algorithm>
+
 namespace keladjust::app {
 namespace {
 
@@ -17,6 +19,10 @@ void Settings::set(const Field& field, double value) {
 
 std::optional<double> Settings::get(const Field& field) const {
     return values_[indexOf(field)];
+}
+
+bool Settings::empty() const {
+    return std::ranges::none_of(values_, [](const auto& value) { return value.has_value(); });
 }
 
 void Settings::apply(const Settings& later) {

@@ -17,6 +17,9 @@ public:
     void set(const Field& field, double value);
     std::optional<double> get(const Field& field) const;
 
+    /// Whether all fields are open.
+    bool empty() const;
+
     /// Takes over every value that `later` holds.
     void apply(const Settings& later);
 

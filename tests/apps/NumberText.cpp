@@ -32,4 +32,11 @@ TEST(NumberText, PrintsTheShortestText) {
     EXPECT_EQ(numberText(11500), "11500");
 }
 
+TEST(NumberText, PrintsAsManyDecimalsAsAreAskedFor) {
+    EXPECT_EQ(numberText(12, 1), "12.0");
+    EXPECT_EQ(numberText(0.125, 2), "0.12");  // halves go to the even digit
+    EXPECT_EQ(numberText(-1.96, 1), "-2.0");
+    EXPECT_EQ(numberText(1e300, 0).size(), 301u);
+}
+
 }  // namespace

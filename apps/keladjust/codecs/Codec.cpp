@@ -1,5 +1,7 @@
 #include "codecs/Codec.h"
 
+#include "Failure.h"
+
 #include <algorithm>
 #include <array>
 
@@ -20,6 +22,13 @@ const Codec* codecForContent(std::span<const unsigned char> start) {
         if (codec->recognises(start)) return codec;
     }
     return nullptr;
+}
+
+const Codec& codecForFile(std::span<const unsigned char> file) {
+    if (file.empty()) throw Failure("the file is empty");
+    const Codec* codec = codecForContent(file);
+    if (!codec) throw Failure("not a JPEG, PNG, TIFF or WebP picture; convert it to one first");
+    return *codec;
 }
 
 const Codec* codecForExtension(std::string_view extension) {

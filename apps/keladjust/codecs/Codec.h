@@ -52,6 +52,11 @@ std::span<const Codec* const> codecs();
 /// The codec for a file with this beginning, or null. File names play no part.
 const Codec* codecForContent(std::span<const unsigned char> start);
 
+/// The codec for this file.
+///
+/// @throws Failure if the file is empty or of none of the formats
+const Codec& codecForFile(std::span<const unsigned char> file);
+
 /// The codec that an extension (lower case, no dot) stands for, or null.
 const Codec* codecForExtension(std::string_view extension);
 
