@@ -4,9 +4,12 @@
 
 #include <cmath>
 #include <cstdint>
+#include <optional>
 
 #include "ImageFormat/RawWalk.h"
+#include "filters/ByteScale.h"
 #include "filters/Rounding.h"
+#include "filters/SmallBlur.h"
 #include "filters/StackBlur.h"
 #include "filters/StageForms.h"
 #include "filters/spans/Spans.h"
@@ -39,19 +42,27 @@ float diffuseGain(float setting) {
 }
 
 void applyDiffuse(CxImage& image, float setting) {
-    constexpr int blurRadius = 1;
     const RawWalk walk = rawWalkOf(image);
     if (walk.channels == 0) return;
-    // Only positive settings blur.
-    StackBlur blur(image.width, image.height, walk.step, setting > 0.0f ? blurRadius : 0);
     const float gain = diffuseGain(setting);
     ByteTable table;
     for (unsigned in = 0; in < table.size(); ++in) {
         table[in] = clampToByte(static_cast<float>(in) * gain);
     }
-    mapRawWalk(image, table);
-    blur.alongRows(image.pBits);
-    blur.alongColumns(image.pBits);
+    // Only positive settings blur.
+    const auto rows = setting > 0.0f ? stackBlurRows(image.pBits, image.width, image.height,
+                                                     walk.step, SmallBlur::radius)
+                                     : std::nullopt;
+    if (!rows) {
+        mapRawWalk(image, table);
+        return;
+    }
+    // Along padded rows the gain changes the padding, too, which the blur does not see.
+    const bool padded = rows->stride != rows->bytes;
+    const auto scale = padded ? std::nullopt : byteScaleOf(table);
+    SmallBlur blur(*rows, walk.step, scale);
+    if (!scale) mapRawWalk(image, table);
+    blur.run();
 }
 
 }  // namespace

@@ -3,113 +3,73 @@
 
 #include <keladjust/CxImage.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <vector>
 
 #include "ImageFormat/Geometry.h"
-#include "ImageFormat/RawWalk.h"
-#include "filters/Rounding.h"
+#include "filters/InPlaceBands.h"
 #include "filters/StageForms.h"
-#include "platform/Parallel.h"
+#include "filters/rows/Rows.h"
 
 namespace keladjust {
 
 namespace {
 
-constexpr std::size_t pixelsPerThread = 1 << 15;
+// Below this many bytes a thread costs more than it saves.
+constexpr std::size_t bytesPerThread = 1 << 17;
 
-// The inside of one row, `bytes` long: `centre` starts with the pixel left of the first one that is
-// sharpened, of which `above` and `below` start with the neighbours.
-void sharpenRun(const std::uint8_t* __restrict above, const std::uint8_t* __restrict centre,
-                const std::uint8_t* __restrict below, std::size_t step, std::size_t bytes,
-                float strength, std::uint8_t* __restrict sharpened) {
-    const std::uint8_t* __restrict const middle = centre + step;
-    const std::uint8_t* __restrict const right = middle + step;
-    for (std::size_t j = 0; j < bytes; ++j) {
-        const int difference = 4 * middle[j] - centre[j] - right[j] - above[j] - below[j];
-        sharpened[j] =
-            clampToByte(static_cast<float>(difference) * strength + static_cast<float>(middle[j]));
-    }
-}
-
-/// Sharpens in place: a thread keeps the three rows it reads, and the rows next to its own are put
-/// aside before any thread writes.
+/// Sharpens in place: a thread keeps the row it is about to write and the one above it.
 class Sharpener {
 public:
     Sharpener(CxImage& image, float strength)
-        : image_(image),
+        : rows_{image.pBits, image.effWidth, std::size_t{image.width} * image.bytesPerPixel,
+                image.height},
           step_(image.bytesPerPixel),
-          rowBytes_(std::size_t{image.width} * step_),
-          rows_(image.height - 2),
           strength_(strength),
-          spaces_(platform::bandCount(rows_, pixelsPerThread / image.width + 1)) {
+          bands_(rows_, 1, bytesPerThread / rows_.bytes + 1),
+          spaces_(bands_.count()) {
         for (Workspace& space : spaces_) {
-            space.aboveBand.resize(rowBytes_);
-            space.belowBand.resize(rowBytes_);
-            for (auto* row : {&space.above, &space.centre, &space.below}) {
-                row->resize(step_ + rowBytes_);
-            }
-            space.sharpened.resize(rowBytes_);
+            space.above.resize(step_ + rows_.bytes);
+            space.centre.resize(step_ + rows_.bytes);
         }
     }
 
     void run() {
-        const auto eachBand = [this](auto work) {
-            platform::parallelBands(rows_, spaces_.size(),
-                                    [&](std::size_t band, std::size_t begin, std::size_t end) {
-                                        work(spaces_[band], begin + 1, end + 1);
-                                    });
-        };
-        eachBand([this](Workspace& space, std::size_t begin, std::size_t end) {
-            std::memcpy(space.aboveBand.data(), row(begin - 1), rowBytes_);
-            std::memcpy(space.belowBand.data(), row(end), rowBytes_);
-        });
-        eachBand([this](Workspace& space, std::size_t begin, std::size_t end) {
-            sharpenRows(space, begin, end);
-        });
+        bands_.run(
+            [this](const InPlaceBands::Band& band) { sharpenBand(band, spaces_[band.index()]); });
     }
 
 private:
     /// Storage of one thread. The kept rows begin with the last pixel of the row above theirs,
     /// which counts as the left neighbour of their first.
     struct Workspace {
-        std::vector<std::uint8_t> aboveBand;
-        std::vector<std::uint8_t> belowBand;
         std::vector<std::uint8_t> above;
         std::vector<std::uint8_t> centre;
-        std::vector<std::uint8_t> below;
-        std::vector<std::uint8_t> sharpened;
     };
 
-    std::uint8_t* row(std::size_t y) const { return image_.pBits + y * image_.effWidth; }
-
-    void keep(const std::uint8_t* source, const std::vector<std::uint8_t>& rowAbove,
-              std::vector<std::uint8_t>& kept) const {
-        std::memcpy(kept.data(), rowAbove.data() + rowBytes_, step_);
-        std::memcpy(kept.data() + step_, source, rowBytes_);
-    }
-
-    void sharpenRows(Workspace& space, std::size_t begin, std::size_t end) const {
-        const std::size_t inside = image_.width - 2;
-        std::memcpy(space.above.data() + step_, space.aboveBand.data(), rowBytes_);
-        keep(row(begin), space.above, space.centre);
+    // All rows of the band but the picture's first and last.
+    void sharpenBand(const InPlaceBands::Band& band, Workspace& space) const {
+        const std::size_t begin = std::max<std::size_t>(band.begin(), 1);
+        const std::size_t end = std::min(band.end(), rows_.height - 1);
+        if (begin >= end) return;
+        std::memcpy(space.above.data() + step_, band.row(begin - 1), rows_.bytes);
         for (std::size_t y = begin; y < end; ++y) {
-            keep(y + 1 < end ? row(y + 1) : space.belowBand.data(), space.centre, space.below);
-            sharpenRun(space.above.data() + step_, space.centre.data(), space.below.data() + step_,
-                       step_, inside * step_, strength_, space.sharpened.data());
-            storeChannels({row(y), image_.width, step_, step_ == 4 ? 3 : step_}, 1, inside,
-                          space.sharpened.data());
+            std::memcpy(space.centre.data(), space.above.data() + rows_.bytes, step_);
+            std::memcpy(space.centre.data() + step_, band.row(y), rows_.bytes);
+            rows::sharpenRow(space.above.data() + step_, space.centre.data() + step_,
+                             band.row(y + 1), rows_.bytes - 2 * step_, step_, strength_,
+                             rows_[y] + step_);
             space.above.swap(space.centre);
-            space.centre.swap(space.below);
         }
     }
 
-    CxImage& image_;
+    ByteRows rows_;
     std::size_t step_;
-    std::size_t rowBytes_;
-    std::size_t rows_;  // without the first and the last
     float strength_;
+    InPlaceBands bands_;
     std::vector<Workspace> spaces_;
 };
 

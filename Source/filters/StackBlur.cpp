@@ -1,226 +1,185 @@
 // Stack Blur (Mario Klingemann): a triangular kernel from running sums, the same work at every
-// radius. Many lines are blurred together, one lane each, so that the sums are plain arrays: a
-// stripe of columns as it lies in memory, a tile of rows turned on its side first.
+// radius.
 
 #include "filters/StackBlur.h"
 
 #include <keladjust/keladjust.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
-#include "ImageFormat/RawWalk.h"
-#include "platform/Parallel.h"
+#include "filters/SmallBlur.h"
+#include "filters/rows/StackBlur.h"
 
 namespace keladjust {
 
 namespace {
 
-// Below this many pixels a thread costs more than it saves.
-constexpr std::size_t pixelsPerThread = 1 << 15;
+// Below this many bytes a thread costs more than it saves.
+constexpr std::size_t bytesPerThread = 1 << 17;
 
-// Bytes side by side: sums and samples of a stripe stay in the second-level cache at any radius,
-// and so does a tile of a usual width.
-constexpr std::size_t stripeBytes = 512;
-constexpr std::size_t tileBytes = 64;
+// Rows that the blur across takes in one go, during which its sums stay in registers.
+constexpr std::size_t stepsPerCall = 8;
 
-bool blurs(std::size_t width, std::size_t height, std::size_t bytesPerPixel, int radius) {
-    const bool knownPixels = bytesPerPixel == 1 || bytesPerPixel == 3 || bytesPerPixel == 4;
-    return width > 0 && height > 0 && knownPixels && radius >= 1 && radius <= 254;
+std::size_t roundUp(std::size_t value, std::size_t unit) {
+    return (value + unit - 1) / unit * unit;
 }
 
-// Everything about the first sample: the line goes on with it to the left, and past its end with
-// its last sample to the right.
-void startSums(const std::uint8_t* __restrict first, std::uint32_t radius, std::size_t lanes,
-               std::uint32_t* __restrict sum, std::uint32_t* __restrict entering,
-               std::uint32_t* __restrict leaving) {
-    const std::uint32_t weights = (radius + 1) * (radius + 2) / 2;
-    for (std::size_t j = 0; j < lanes; ++j) {
-        sum[j] = first[j] * weights;
-        entering[j] = 0;
-        leaving[j] = first[j] * (radius + 1);
-    }
+// Cache lines of rows below one another must not fall into one set of a cache.
+std::size_t ringStrideFor(std::size_t rowBytes) {
+    constexpr std::size_t line = 64;
+    return (roundUp(rowBytes, line) / line | 1) * line;
 }
 
-void addToSums(const std::uint8_t* __restrict sample, std::uint32_t weight, std::size_t lanes,
-               std::uint32_t* __restrict sum, std::uint32_t* __restrict entering) {
-    for (std::size_t j = 0; j < lanes; ++j) {
-        sum[j] += sample[j] * weight;
-        entering[j] += sample[j];
-    }
+std::size_t rowsPerThread(const ByteRows& rows, std::size_t radius) {
+    // A band also blurs the rows within reach beyond its own.
+    return std::max(bytesPerThread / rows.bytes, 2 * radius) + 1;
 }
 
-// A flat line of 255 has the largest sum there is, and its product with the multiplier comes out
-// just below 2^32 and, shifted, as 255: nothing overflows and no result needs a limit.
-void scaleSums(const std::uint32_t* __restrict sum, StackBlurScale scale, std::size_t lanes,
-               std::uint8_t* __restrict blurred) {
-    for (std::size_t j = 0; j < lanes; ++j) {
-        blurred[j] = static_cast<std::uint8_t>((sum[j] * scale.multiplier) >> scale.shift);
-    }
-}
+using TileRows = std::array<std::size_t, rows::tileRows(1)>;
 
-// From one sample to the next: `next` moves from the entering side to the leaving one, `incoming`
-// comes within reach, `outgoing` leaves it.
-void advanceSums(const std::uint8_t* __restrict next, const std::uint8_t* __restrict incoming,
-                 const std::uint8_t* __restrict outgoing, std::size_t lanes,
-                 std::uint32_t* __restrict sum, std::uint32_t* __restrict entering,
-                 std::uint32_t* __restrict leaving) {
-    for (std::size_t j = 0; j < lanes; ++j) {
-        sum[j] += entering[j] - leaving[j];
-        entering[j] += std::uint32_t{incoming[j]} - next[j];
-        leaving[j] += std::uint32_t{next[j]} - outgoing[j];
-    }
-}
-
-// Colour of premultiplied pixels never exceeds alpha. Words, because bytes with gaps make no
-// vectors.
-void limitToAlpha(const std::uint8_t* pixels, std::size_t lanes, std::uint8_t* blurred) {
-    constexpr std::size_t runBytes = 256;
-    std::uint8_t limits[runBytes];
-    for (std::size_t begin = 0; begin < lanes; begin += runBytes) {
-        const std::size_t bytes = std::min(runBytes, lanes - begin);
-        for (std::size_t j = 0; j < bytes; j += 4) {
-            std::uint32_t word;
-            std::memcpy(&word, pixels + begin + j, sizeof word);
-            word >>= 24;
-            word |= word << 8;
-            word |= word << 16;
-            std::memcpy(limits + j, &word, sizeof word);
-        }
-        std::uint8_t* const run = blurred + begin;
-        for (std::size_t j = 0; j < bytes; ++j) run[j] = std::min(run[j], limits[j]);
-    }
-}
-
-template <std::size_t pixelBytes>
-void turnIntoTile(const std::uint8_t* rows, std::size_t rowBytes, std::size_t count,
-                  std::size_t width, std::uint8_t* tile) {
-    for (std::size_t x = 0; x < width; ++x) {
-        for (std::size_t y = 0; y < count; ++y) {
-            std::memcpy(tile + (x * count + y) * pixelBytes, rows + y * rowBytes + x * pixelBytes,
-                        pixelBytes);
-        }
-    }
-}
-
-template <std::size_t pixelBytes>
-void turnIntoRows(const std::uint8_t* tile, std::size_t count, std::size_t width,
-                  std::size_t rowBytes, std::uint8_t* rows) {
-    for (std::size_t x = 0; x < width; ++x) {
-        for (std::size_t y = 0; y < count; ++y) {
-            std::memcpy(rows + y * rowBytes + x * pixelBytes, tile + (x * count + y) * pixelBytes,
-                        pixelBytes);
-        }
-    }
-}
-
-std::size_t ceilDivide(std::size_t a, std::size_t b) {
-    return (a + b - 1) / b;
+// `count` rows from `first` on, the last one repeated until a tile is full.
+TileRows tileOf(std::size_t first, std::size_t count) {
+    TileRows tile;
+    for (std::size_t i = 0; i < tile.size(); ++i) tile[i] = first + std::min(i, count - 1);
+    return tile;
 }
 
 }  // namespace
 
-StackBlur::StackBlur(std::size_t width, std::size_t height, std::size_t bytesPerPixel, int radius)
-    : active_(blurs(width, height, bytesPerPixel, radius)),
-      width_(width),
-      height_(height),
-      pixelBytes_(bytesPerPixel),
-      rowBytes_(((width * bytesPerPixel * 8 + 31) >> 5) << 2),
-      radius_(static_cast<std::size_t>(radius)) {
-    if (!active_) return;
-    rowsPerTile_ = std::min(tileBytes / pixelBytes_, height_);
-    columnsPerStripe_ = std::min(stripeBytes / pixelBytes_, width_);
-    const auto bandsOf = [](std::size_t groups, std::size_t pixels) {
-        return platform::bandCount(groups, pixelsPerThread / pixels + 1);
-    };
-    rowBands_ = bandsOf(ceilDivide(height_, rowsPerTile_), rowsPerTile_ * width_);
-    columnBands_ = bandsOf(ceilDivide(width_, columnsPerStripe_), columnsPerStripe_ * height_);
+std::optional<ByteRows> stackBlurRows(std::uint8_t* bits, std::size_t width, std::size_t height,
+                                      std::size_t pixelBytes, int radius) {
+    const bool knownPixels = pixelBytes == 1 || pixelBytes == 3 || pixelBytes == 4;
+    if (width == 0 || height == 0 || !knownPixels || radius < 1 || radius > 254) return {};
+    return ByteRows{bits, roundUp(width * pixelBytes, 4), width * pixelBytes, height};
+}
 
-    const std::size_t lanes = std::max(rowsPerTile_, columnsPerStripe_) * pixelBytes_;
-    spaces_.resize(std::max(rowBands_, columnBands_));
-    for (std::size_t band = 0; band < spaces_.size(); ++band) {
-        Workspace& space = spaces_[band];
-        space.sum.resize(lanes);
-        space.entering.resize(lanes);
-        space.leaving.resize(lanes);
-        space.blurred.resize(lanes);
-        space.replaced.resize((radius_ + 1) * lanes);
-        if (band < rowBands_) space.tile.resize(width_ * rowsPerTile_ * pixelBytes_);
+StackBlur::StackBlur(const ByteRows& rows, std::size_t pixelBytes, std::size_t radius,
+                     bool alongRows)
+    : rows_(rows),
+      pixelBytes_(pixelBytes),
+      radius_(radius),
+      alongRows_(alongRows),
+      bands_(rows, radius, rowsPerThread(rows, radius)),
+      // What the steps of a call reach, and the rest of a tile that reaches further.
+      ringRows_(std::min(2 * radius + 2 + stepsPerCall, rows.height) + rows::tileRows(pixelBytes)),
+      ringStride_(ringStrideFor(rows.bytes)),
+      noRow_(rows.bytes),
+      spaces_(bands_.count()) {
+    for (Workspace& space : spaces_) {
+        space.ring.resize(ringRows_ * ringStride_);
+        space.state.resize(rows::blurStateSize(rows.bytes));
+        if (alongRows_) space.tile.resize(rows::tileSize(rows.bytes / pixelBytes, radius));
     }
 }
 
-void StackBlur::blur(const Lines& lines, Workspace& space) const {
-    const std::size_t lanes = lines.lanes;
-    const std::size_t kept = radius_ + 1;
-    const StackBlurScale scale = stackBlurScale(static_cast<unsigned>(radius_));
-    const auto sample = [&lines](std::size_t i) {
-        return lines.first + std::min(i, lines.length - 1) * lines.stride;
-    };
-    std::uint32_t* const sum = space.sum.data();
-    std::uint32_t* const entering = space.entering.data();
-    std::uint32_t* const leaving = space.leaving.data();
-    std::uint8_t* const blurred = space.blurred.data();
-    std::uint8_t* const replaced = space.replaced.data();
-
-    startSums(sample(0), static_cast<std::uint32_t>(radius_), lanes, sum, entering, leaving);
-    for (std::size_t i = 1; i <= kept; ++i) {
-        addToSums(sample(i), static_cast<std::uint32_t>(kept - i), lanes, sum, entering);
+/// One thread's way down its band.
+class StackBlur::BandRun {
+public:
+    BandRun(const StackBlur& blur, const InPlaceBands::Band& band, Workspace& space)
+        : blur_(blur),
+          band_(band),
+          space_(space),
+          last_(std::min(band.end() + blur.radius_, blur.rows_.height) - 1),
+          ready_(band.begin() - std::min(band.begin(), blur.radius_)) {
+        std::fill(space.state.begin(), space.state.end(), std::uint8_t{0});
     }
-    for (std::size_t i = 0; i < kept; ++i) std::memcpy(replaced + i * lanes, sample(0), lanes);
 
-    std::size_t slot = 0;  // of the current sample among the replaced ones
-    for (std::size_t i = 0; i < lines.length; ++i) {
-        std::uint8_t* const current = sample(i);
-        std::memcpy(replaced + slot * lanes, current, lanes);
-        slot = slot + 1 < kept ? slot + 1 : 0;
-        scaleSums(sum, scale, lanes, blurred);
-        if (i + 1 < lines.length) {
-            advanceSums(sample(i + 1), sample(i + 1 + kept), replaced + slot * lanes, lanes, sum,
-                        entering, leaving);
-        }
-        if (pixelBytes_ == 4) {
-            limitToAlpha(current, lanes, blurred);
-            storeChannels({current, lanes / 4, 4, 3}, 0, lanes / 4, blurred);
-        } else {
-            std::memcpy(current, blurred, lanes);
+    void run(std::size_t pushed, float factor) {
+        const auto radius = static_cast<std::ptrdiff_t>(blur_.radius_);
+        const auto begin = static_cast<std::ptrdiff_t>(band_.begin());
+        const auto end = static_cast<std::ptrdiff_t>(band_.end());
+        std::array<rows::BlurStep, stepsPerCall> steps;
+        // The first row that counts for the band's first comes within reach of this one.
+        for (std::ptrdiff_t y = begin - 2 * radius - 1; y < end;) {
+            std::size_t count = 0;
+            for (; count < steps.size() && y < end; ++count, ++y) {
+                makeReady(y + radius + 1);
+                steps[count] = {row(y + radius + 1), row(y), row(y - radius - 1), nullptr, 0};
+                if (y >= begin) {
+                    const auto at = static_cast<std::size_t>(y);
+                    const std::size_t offset = at * blur_.rows_.stride;
+                    steps[count].target = blur_.rows_[at];
+                    steps[count].pushed = pushed - std::min(pushed, offset);
+                }
+            }
+            rows::stackBlurAcross({steps.data(), count}, blur_.rows_.bytes, blur_.pixelBytes_,
+                                  blur_.radius_, factor, space_.state.data());
         }
     }
-}
 
-void StackBlur::blurRows(std::uint8_t* rows, std::size_t count, Workspace& space) const {
-    std::uint8_t* const tile = space.tile.data();
-    const std::size_t lanes = count * pixelBytes_;
-    withStep(pixelBytes_, [&](auto step) {
-        if constexpr (!std::is_same_v<decltype(step), std::size_t>) {
-            turnIntoTile<step>(rows, rowBytes_, count, width_, tile);
-            blur({tile, lanes, width_, lanes}, space);
-            turnIntoRows<step>(tile, count, width_, rowBytes_, rows);
+private:
+    std::uint8_t* slot(std::size_t y) const {
+        return space_.ring.data() + y % blur_.ringRows_ * blur_.ringStride_;
+    }
+
+    std::size_t clamped(std::ptrdiff_t y) const {
+        return std::min(static_cast<std::size_t>(std::max<std::ptrdiff_t>(y, 0)), last_);
+    }
+
+    // Beyond the picture its first and last row go on. Above what counts for the band are zeros.
+    const std::uint8_t* row(std::ptrdiff_t y) const {
+        const bool counts = y + static_cast<std::ptrdiff_t>(blur_.radius_) >=
+                            static_cast<std::ptrdiff_t>(band_.begin());
+        return counts ? slot(clamped(y)) : blur_.noRow_.data();
+    }
+
+    // Blurs rows along their length up to y, a tile at a time, or takes them as they are.
+    void makeReady(std::ptrdiff_t y) {
+        const std::size_t tileRows = rows::tileRows(blur_.pixelBytes_);
+        while (ready_ <= clamped(y)) {
+            const std::size_t count = std::min(tileRows, last_ + 1 - ready_);
+            if (blur_.alongRows_) {
+                const TileRows tile = tileOf(ready_, count);
+                std::array<const std::uint8_t*, tile.size()> sources;
+                std::array<std::uint8_t*, tile.size()> targets;
+                for (std::size_t i = 0; i < tileRows; ++i) {
+                    sources[i] = band_.row(tile[i]);
+                    targets[i] = slot(tile[i]);
+                }
+                rows::stackBlurAlong(sources.data(), blur_.rows_.bytes / blur_.pixelBytes_,
+                                     blur_.pixelBytes_, blur_.radius_, space_.tile.data(),
+                                     targets.data());
+            } else {
+                for (std::size_t i = 0; i < count; ++i) {
+                    std::memcpy(slot(ready_ + i), band_.row(ready_ + i), blur_.rows_.bytes);
+                }
+            }
+            ready_ += count;
         }
+    }
+
+    const StackBlur& blur_;
+    const InPlaceBands::Band& band_;
+    Workspace& space_;
+    std::size_t last_;   // of the rows that count for the band
+    std::size_t ready_;  // the first row that is not in the ring yet
+};
+
+void StackBlur::run(std::size_t pushed, float factor) {
+    bands_.run([&](const InPlaceBands::Band& band) {
+        BandRun(*this, band, spaces_[band.index()]).run(pushed, factor);
     });
 }
 
-void StackBlur::alongRows(std::uint8_t* bits) {
-    if (!active_) return;
-    const std::size_t tiles = ceilDivide(height_, rowsPerTile_);
+void stackBlurAlongRows(const ByteRows& rows, std::size_t pixelBytes, std::size_t radius) {
+    const std::size_t tileRows = rows::tileRows(pixelBytes);
+    const std::size_t tiles = (rows.height + tileRows - 1) / tileRows;
+    const std::size_t bands =
+        platform::bandCount(tiles, bytesPerThread / (tileRows * rows.bytes) + 1);
+    const std::size_t width = rows.bytes / pixelBytes;
+    std::vector<std::vector<std::uint8_t>> spaces(
+        bands, std::vector<std::uint8_t>(rows::tileSize(width, radius)));
     platform::parallelBands(
-        tiles, rowBands_, [&](std::size_t band, std::size_t begin, std::size_t end) {
-            for (std::size_t tile = begin; tile < end; ++tile) {
-                const std::size_t y = tile * rowsPerTile_;
-                blurRows(bits + y * rowBytes_, std::min(rowsPerTile_, height_ - y), spaces_[band]);
-            }
-        });
-}
-
-void StackBlur::alongColumns(std::uint8_t* bits) {
-    if (!active_) return;
-    const std::size_t stripes = ceilDivide(width_, columnsPerStripe_);
-    platform::parallelBands(
-        stripes, columnBands_, [&](std::size_t band, std::size_t begin, std::size_t end) {
-            for (std::size_t stripe = begin; stripe < end; ++stripe) {
-                const std::size_t x = stripe * columnsPerStripe_;
-                const std::size_t columns = std::min(columnsPerStripe_, width_ - x);
-                blur({bits + x * pixelBytes_, rowBytes_, height_, columns * pixelBytes_},
-                     spaces_[band]);
+        tiles, bands, [&](std::size_t band, std::size_t begin, std::size_t end) {
+            for (std::size_t y = begin * tileRows; y < std::min(end * tileRows, rows.height);
+                 y += tileRows) {
+                const TileRows tile = tileOf(y, std::min(tileRows, rows.height - y));
+                std::array<std::uint8_t*, tile.size()> targets;
+                for (std::size_t i = 0; i < tileRows; ++i) targets[i] = rows[tile[i]];
+                rows::stackBlurAlong(targets.data(), width, pixelBytes, radius, spaces[band].data(),
+                                     targets.data());
             }
         });
 }
@@ -232,11 +191,21 @@ enum Passes : unsigned { rowPass = 1, columnPass = 2 };
 void blurBuffer(unsigned char* bits, int width, int height, int bytesPerPixel, int radius,
                 unsigned passes) noexcept {
     if (bits == nullptr || width < 1 || height < 1 || bytesPerPixel < 1) return;
+    const auto pixelBytes = static_cast<std::size_t>(bytesPerPixel);
+    const auto rows = stackBlurRows(bits, static_cast<std::size_t>(width),
+                                    static_cast<std::size_t>(height), pixelBytes, radius);
+    if (!rows) return;
+    const auto reach = static_cast<std::size_t>(radius);
     try {
-        StackBlur blur(static_cast<std::size_t>(width), static_cast<std::size_t>(height),
-                       static_cast<std::size_t>(bytesPerPixel), radius);
-        if (passes & rowPass) blur.alongRows(bits);
-        if (passes & columnPass) blur.alongColumns(bits);
+        if (passes == rowPass) {
+            stackBlurAlongRows(*rows, pixelBytes, reach);
+        } else if (passes == columnPass) {
+            StackBlur(*rows, pixelBytes, reach, false).run();
+        } else if (radius == SmallBlur::radius) {
+            SmallBlur(*rows, pixelBytes).run();
+        } else {
+            StackBlur(*rows, pixelBytes, reach).run();
+        }
     } catch (...) {
         // Short of memory: the buffer stays as it was.
     }

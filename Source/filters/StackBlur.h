@@ -3,73 +3,56 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
+
+#include "filters/InPlaceBands.h"
+#include "filters/StackBlurScale.h"
 
 namespace keladjust {
 
-/// What stands for a division by (radius + 1)^2: a multiplication and a shift to the right.
-struct StackBlurScale {
-    std::uint32_t multiplier;
-    unsigned shift;
-};
+/// The rows of a buffer as the blur takes them, padded to a multiple of four bytes; none where it
+/// blurs nothing: pixels of other than 1, 3 or 4 bytes, or a radius outside 1..254.
+std::optional<ByteRows> stackBlurRows(std::uint8_t* bits, std::size_t width, std::size_t height,
+                                      std::size_t pixelBytes, int radius);
 
-/// The published entry of M. Klingemann's tables for a radius of 0..254.
-constexpr StackBlurScale stackBlurScale(unsigned radius) {
-    // The largest shift whose multiplier, rounded up, stays within the tables' 512.
-    const std::uint64_t divisor = std::uint64_t{radius + 1} * (radius + 1);
-    const auto multiplier = [divisor](unsigned shift) {
-        return ((std::uint64_t{1} << shift) + divisor - 1) / divisor;
-    };
-    unsigned shift = 9;
-    while (multiplier(shift + 1) <= 512) ++shift;
-    return {static_cast<std::uint32_t>(multiplier(shift)), shift};
-}
-
-/// Stack Blur of one geometry at one radius. The constructor allocates all that the passes need, so
-/// that a caller can have it before the first pixel changes.
+/// Stack Blur in place: rows are blurred along their length as the blur across them gets near, and
+/// kept only as long as it needs them. The constructor allocates all that it needs, so that a
+/// caller can have it before the first pixel changes.
 class StackBlur {
 public:
-    /// Rows are padded to a multiple of four bytes. Other than 1, 3 or 4 bytes per pixel, a radius
-    /// outside 1..254 and a picture without pixels give a blur that does nothing.
-    StackBlur(std::size_t width, std::size_t height, std::size_t bytesPerPixel, int radius);
+    /// @param alongRows false: only the pass across rows
+    StackBlur(const ByteRows& rows, std::size_t pixelBytes, std::size_t radius,
+              bool alongRows = true);
 
-    void alongRows(std::uint8_t* bits);
-    void alongColumns(std::uint8_t* bits);
+    void run() { run(0, 0.0f); }
+
+    /// Of the buffer's first bytes, `pushed` in number, blurs none, but pushes them away from their
+    /// blur by a finite `factor` of the distance.
+    void run(std::size_t pushed, float factor);
 
 private:
-    /// Equally long lines side by side: lane j of sample i is byte i * stride + j.
-    struct Lines {
-        std::uint8_t* first;
-        std::size_t stride;
-        std::size_t length;
-        std::size_t lanes;
-    };
-
-    /// Working storage of one thread.
+    /// Storage of one thread.
     struct Workspace {
-        std::vector<std::uint32_t> sum;
-        std::vector<std::uint32_t> entering;
-        std::vector<std::uint32_t> leaving;
-        std::vector<std::uint8_t> blurred;
-        std::vector<std::uint8_t> replaced;  ///< the last radius + 1 samples of every lane
-        std::vector<std::uint8_t> tile;      ///< a few rows, turned on their side
+        std::vector<std::uint8_t> ring;   ///< rows that are blurred along their length
+        std::vector<std::uint8_t> state;  ///< of the blur across rows
+        std::vector<std::uint8_t> tile;
     };
+    class BandRun;
 
-    void blur(const Lines& lines, Workspace& space) const;
-    void blurRows(std::uint8_t* rows, std::size_t count, Workspace& space) const;
-
-    bool active_;
-    std::size_t width_;
-    std::size_t height_;
+    ByteRows rows_;
     std::size_t pixelBytes_;
-    std::size_t rowBytes_;
     std::size_t radius_;
-    std::size_t rowsPerTile_ = 1;
-    std::size_t columnsPerStripe_ = 1;
-    std::size_t rowBands_ = 1;
-    std::size_t columnBands_ = 1;
+    bool alongRows_;
+    InPlaceBands bands_;
+    std::size_t ringRows_;
+    std::size_t ringStride_;
+    std::vector<std::uint8_t> noRow_;  // what lies above all rows that count
     std::vector<Workspace> spaces_;
 };
+
+/// Only the pass along rows, in place.
+void stackBlurAlongRows(const ByteRows& rows, std::size_t pixelBytes, std::size_t radius);
 
 }  // namespace keladjust
 

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "filters/StackBlur.h"
 #include "models/StackBlur.h"
 #include "support/HostPicture.h"
+#include "support/InstructionSets.h"
 
 namespace {
 
@@ -64,6 +66,44 @@ TEST(StackBlur, IsTheConvolutionWithATriangle) {
             }
         }
     }
+}
+
+// Radii about the one from which running differences need more than 16 bits.
+TEST(StackBlur, IsTheSameOnEveryInstructionSet) {
+    for (const int bytes : {1, 3, 4}) {
+        for (const int radius : {1, 2, 127, 128, 254}) {
+            HostPicture original(77, 90, static_cast<unsigned>(bytes * 8), formatFor(bytes));
+            original.fillRandom(static_cast<std::uint32_t>(radius));
+            // The largest differences there are.
+            std::fill_n(original.bits(), original.size() / 2, std::uint8_t{255});
+            HostPicture expected(original);
+            blurModel(expected.bits(), 77, 90, bytes, radius);
+            keladjust::test::forEachInstructionSet([&](const std::string& name) {
+                HostPicture picture(original);
+                stackBlur(picture.bits(), 77, 90, bytes, radius);
+                EXPECT_EQ(picture.bytes(), expected.bytes())
+                    << name << ", " << bytes << " bytes, radius " << radius;
+                EXPECT_TRUE(picture.guardsIntact()) << name;
+            });
+        }
+    }
+}
+
+// Bands that are lower than the blur reaches, so that one sees rows of several others.
+TEST(StackBlur, DoesNotDependOnTheNumberOfThreads) {
+    for (const int radius : {1, 3, 60, 254}) {
+        HostPicture picture(640, 1200, 32, IMAGE_FORMAT_BGRA);
+        picture.fillRandom(12);
+        HostPicture expected(picture);
+        blurModel(expected.bits(), 640, 1200, 4, radius);
+        for (const int threads : {1, 2, 3, 16}) {
+            setMaxThreads(threads);
+            HostPicture blurred(picture);
+            stackBlur(blurred.bits(), 640, 1200, 4, radius);
+            EXPECT_TRUE(blurred.bytes() == expected.bytes()) << radius << ", " << threads;
+        }
+    }
+    setMaxThreads(0);
 }
 
 TEST(StackBlur, RunsTheOnePassThatIsAskedFor) {
