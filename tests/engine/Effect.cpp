@@ -315,6 +315,9 @@ TEST_F(Effect, LeavesARefusedPictureAsItWas) {
     thread->render(&effect, nullptr, nullptr, 4, nullptr, 20);
     EXPECT_EQ(log.countExact("Image data is NULL!"), 1);
 
+    // Nothing of them has been uploaded.
+    EXPECT_EQ(effect.picturePlane()->textureCount(), 0u);
+
     // And one that is as wide as it may be.
     HostPicture widest(maximum, 1, 8, IMAGE_FORMAT_GRAY);
     const Bytes before = widest.fillRandom(4).bytes();

@@ -275,6 +275,27 @@ TEST_F(ProgramEdges, TemperatureKeepsLightnessOfExtremes) {
     for (int c = 0; c < 3; ++c) EXPECT_NEAR(blue[static_cast<std::size_t>(c)], 127.5, 1) << c;
 }
 
+// The light's temperature is 26000 less a low setting and 18100 less a high one, 1700 at least;
+// what that makes of (204, 102, 51) has been worked out with decimals and is rounded here.
+TEST_F(ProgramEdges, TemperatureIsThatOfTheLight) {
+    struct Case {
+        int setting;
+        double red, green, blue;
+    };
+    for (const Case& each : {Case{11600, 204.588, 102.030, 50.412},  // 6500
+                             Case{2000, 148.472, 119.894, 106.528},  // 24000
+                             Case{16000, 255, 48.796, 0},            // 2100
+                             Case{16400, 255, 30.222, 0},            // 1700
+                             Case{20000, 255, 30.222, 0},            // -1900 and so 1700
+                             Case{2000000000, 255, 30.222, 0}}) {
+        const Pixel result = adjusted({204, 102, 51, 7}, {{"temperature", each.setting}});
+        EXPECT_NEAR(result[0], each.red, 0.55) << each.setting;
+        EXPECT_NEAR(result[1], each.green, 0.55) << each.setting;
+        EXPECT_NEAR(result[2], each.blue, 0.55) << each.setting;
+        EXPECT_EQ(result[3], 7);
+    }
+}
+
 // A tint may leave 0..1; a darkening after it works on what it left.
 TEST_F(ProgramEdges, TintIsClampedByTheNextStageOnly) {
     const ProgramSettings tint{{"tint", 100.0f}};
