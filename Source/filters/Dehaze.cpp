@@ -4,15 +4,17 @@
 #include <keladjust/CxImage.h>
 
 #include <algorithm>
-#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <vector>
 
 #include "ImageFormat/RawWalk.h"
+#include "filters/MeanWindow.h"
 #include "filters/Rounding.h"
 #include "filters/StageForms.h"
+#include "filters/rows/Dehaze.h"
 #include "platform/Parallel.h"
 
 namespace keladjust {
@@ -21,112 +23,34 @@ namespace {
 
 constexpr std::size_t pixelsPerThread = 1 << 15;
 
-// Half of the mean filter's window, without its middle.
-constexpr std::size_t reach = 7;
-
 using ByteMap = std::unique_ptr<std::uint8_t[]>;
-
-// Sum / count for a count of at most 225 bytes: the product is within count / 2^24 of the quotient,
-// too little to reach the next whole number, and stays below 2^32.
-class CountDivider {
-public:
-    explicit CountDivider(std::uint32_t count) : reciprocal_(((1u << 24) + count - 1) / count) {}
-    std::uint8_t operator()(std::uint32_t sum) const {
-        return static_cast<std::uint8_t>((sum * reciprocal_) >> 24);
-    }
-
-private:
-    std::uint32_t reciprocal_;
-};
-
-void addRow(const std::uint8_t* __restrict row, std::size_t width,
-            std::uint16_t* __restrict columnSums) {
-    for (std::size_t x = 0; x < width; ++x) {
-        columnSums[x] = static_cast<std::uint16_t>(columnSums[x] + row[x]);
-    }
-}
-
-void subtractRow(const std::uint8_t* __restrict row, std::size_t width,
-                 std::uint16_t* __restrict columnSums) {
-    for (std::size_t x = 0; x < width; ++x) {
-        columnSums[x] = static_cast<std::uint16_t>(columnSums[x] - row[x]);
-    }
-}
-
-// Means of one row from the sums of its window's columns, `rows` high each.
-void meanOfRow(const std::uint16_t* columnSums, std::size_t width, std::uint32_t rows,
-               std::uint8_t* means) {
-    std::uint32_t sum = 0;
-    std::uint32_t columns = 0;
-    for (; columns < std::min(reach, width); ++columns) sum += columnSums[columns];
-
-    // The window gains a column on the right, loses one on the left, or both.
-    const auto slide = [&](std::size_t x) {
-        if (x + reach < width) {
-            sum += columnSums[x + reach];
-            ++columns;
-        }
-        if (x > reach) {
-            sum -= columnSums[x - reach - 1];
-            --columns;
-        }
-    };
-    const CountDivider whole(rows * (2 * reach + 1));
-    const std::size_t wholeEnd = width > reach ? width - reach : 0;
-    std::size_t x = 0;
-    for (; x < std::min(reach + 1, width); ++x) {
-        slide(x);
-        means[x] = static_cast<std::uint8_t>(sum / (columns * rows));
-    }
-    for (; x < wholeEnd; ++x) {
-        sum += columnSums[x + reach];
-        sum -= columnSums[x - reach - 1];
-        means[x] = whole(sum);
-    }
-    for (; x < width; ++x) {
-        slide(x);
-        means[x] = static_cast<std::uint8_t>(sum / (columns * rows));
-    }
-}
-
-// Sums of the columns of a window that moves down the map row by row.
-void meanOfRows(const std::uint8_t* source, std::uint8_t* destination, std::size_t width,
-                std::size_t height, std::size_t begin, std::size_t end,
-                std::vector<std::uint16_t>& columnSums) {
-    std::fill(columnSums.begin(), columnSums.end(), std::uint16_t{0});
-    std::size_t top = begin > reach ? begin - reach : 0;
-    std::size_t bottom = top;  // one past the window's last row
-    for (std::size_t y = begin; y < end; ++y) {
-        for (; bottom < std::min(y + reach + 1, height); ++bottom) {
-            addRow(source + bottom * width, width, columnSums.data());
-        }
-        for (; top + reach < y; ++top) {
-            subtractRow(source + top * width, width, columnSums.data());
-        }
-        meanOfRow(columnSums.data(), width, static_cast<std::uint32_t>(bottom - top),
-                  destination + y * width);
-    }
-}
 
 void mean15(const std::uint8_t* source, std::uint8_t* destination, std::size_t width,
             std::size_t height) {
     const std::size_t bands = platform::bandCount(height, pixelsPerThread / width + 1);
-    std::vector<std::vector<std::uint16_t>> columnSums(bands, std::vector<std::uint16_t>(width));
-    platform::parallelBands(
-        height, bands, [&](std::size_t band, std::size_t begin, std::size_t end) {
-            meanOfRows(source, destination, width, height, begin, end, columnSums[band]);
-        });
+    std::vector<MeanWindow> windows(bands, MeanWindow(width));
+    platform::parallelBands(height, bands,
+                            [&](std::size_t band, std::size_t begin, std::size_t end) {
+                                constexpr std::size_t reach = MeanWindow::reach;
+                                MeanWindow& window = windows[band];
+                                std::size_t top = begin - std::min(begin, reach);
+                                std::size_t bottom = top;  // one past the window's last row
+                                for (std::size_t y = begin; y < end; ++y) {
+                                    for (; bottom < std::min(y + reach + 1, height); ++bottom) {
+                                        window.enter(source + bottom * width);
+                                    }
+                                    for (; top + reach < y; ++top)
+                                        window.leave(source + top * width);
+                                    window.means(destination + y * width);
+                                }
+                            });
 }
 
 // The part of a mean that may be haze; the darkest channel bounds it. Factors below 0 leave none.
-std::uint8_t hazeOf(std::uint8_t mean, float factor) {
-    return clampToByte(static_cast<float>(mean) * factor);
-}
-
 ByteTable hazeTable(float factor) {
     ByteTable table;
     for (unsigned mean = 0; mean < table.size(); ++mean) {
-        table[mean] = hazeOf(static_cast<std::uint8_t>(mean), factor);
+        table[mean] = clampToByte(static_cast<float>(mean) * factor);
     }
     return table;
 }
@@ -141,61 +65,71 @@ std::uint8_t largestByte(const std::uint8_t* bytes, std::size_t count) {
     return largest;
 }
 
-// The darkest channel of every pixel, and what the haze is judged by.
-struct Darkness {
-    ByteMap map;
-    std::uint8_t mean = 0;              ///< of the map
-    std::uint8_t brightestChannel = 0;  ///< of the whole picture
+/// What the haze of a picture is judged by.
+struct Haze {
+    ByteMap means;               ///< of the darkest channels about every pixel
+    std::uint64_t sum = 0;       ///< of the darkest channels
+    std::uint8_t deepest = 0;    ///< of the means
+    std::uint8_t brightest = 0;  ///< of all channels
 };
 
-Darkness darknessOf(const RawWalk& walk) {
-    struct Share {
-        std::uint64_t sum = 0;
-        std::uint8_t brightest = 0;
-    };
-    Darkness darkness{std::make_unique_for_overwrite<std::uint8_t[]>(walk.count)};
-    const std::size_t bands = platform::bandCount(walk.count, pixelsPerThread);
-    std::vector<Share> shares(bands);
-    platform::parallelBands(walk.count, bands,
-                            [&](std::size_t band, std::size_t begin, std::size_t end) {
-                                withStep(walk.step, [&](auto step) {
-                                    const std::size_t channels = std::min<std::size_t>(3, step);
-                                    Share share;
-                                    for (std::size_t i = begin; i < end; ++i) {
-                                        const std::uint8_t* const pixel = walk.first + i * step;
-                                        std::uint8_t darkest = pixel[0];
-                                        std::uint8_t brightest = pixel[0];
-                                        for (std::size_t c = 1; c < channels; ++c) {
-                                            darkest = std::min(darkest, pixel[c]);
-                                            brightest = std::max(brightest, pixel[c]);
-                                        }
-                                        darkness.map[i] = darkest;
-                                        share.sum += darkest;
-                                        share.brightest = std::max(share.brightest, brightest);
-                                    }
-                                    shares[band] = share;
-                                });
-                            });
-    std::uint64_t sum = 0;
-    for (const Share& share : shares) {
-        sum += share.sum;
-        darkness.brightestChannel = std::max(darkness.brightestChannel, share.brightest);
-    }
-    darkness.mean = static_cast<std::uint8_t>(sum / walk.count);
-    return darkness;
-}
+/// Judges the rows of one band. The darkest channels are kept only as long as the window of the
+/// mean sees them.
+class HazeBand {
+public:
+    explicit HazeBand(std::size_t width)
+        : width_(width), darkest_(keptRows * width), window_(width) {}
 
-// What removing a veil makes of every channel byte: one table for each depth of the veil.
-std::vector<ByteTable> unveilTables(std::uint8_t deepest, float light) {
-    std::vector<ByteTable> tables(std::size_t{deepest} + 1);
-    for (int veil = 0; veil <= deepest; ++veil) {
-        const float kept = 1.0f - static_cast<float>(veil) / light;
-        for (int in = 0; in < 256; ++in) {
-            tables[static_cast<std::size_t>(veil)][static_cast<std::size_t>(in)] =
-                clampToByte(static_cast<float>(in - veil) / kept);
+    void judge(const RawWalk& walk, std::size_t height, std::size_t begin, std::size_t end,
+               std::uint8_t* means) {
+        constexpr std::size_t reach = MeanWindow::reach;
+        std::size_t top = begin - std::min(begin, reach);
+        std::size_t bottom = top;  // one past the window's last row
+        for (std::size_t y = begin; y < end; ++y) {
+            for (; bottom < std::min(y + reach + 1, height); ++bottom) {
+                const rows::Darkness darkness =
+                    rows::darkestChannels(walk.first + bottom * width_ * walk.step, width_,
+                                          walk.step, darkestOfRow(bottom));
+                window_.enter(darkestOfRow(bottom));
+                if (bottom >= begin && bottom < end) {
+                    sum += darkness.sum;
+                    brightest = std::max(brightest, darkness.brightest);
+                }
+            }
+            for (; top + reach < y; ++top) window_.leave(darkestOfRow(top));
+            window_.means(means + y * width_);
+            deepest = std::max(deepest, largestByte(means + y * width_, width_));
         }
     }
-    return tables;
+
+    std::uint64_t sum = 0;
+    std::uint8_t deepest = 0;
+    std::uint8_t brightest = 0;
+
+private:
+    static constexpr std::size_t keptRows = 2 * MeanWindow::reach + 2;
+
+    std::uint8_t* darkestOfRow(std::size_t y) { return darkest_.data() + y % keptRows * width_; }
+
+    std::size_t width_;
+    std::vector<std::uint8_t> darkest_;
+    MeanWindow window_;
+};
+
+Haze hazeOf(const RawWalk& walk, std::size_t width, std::size_t height) {
+    Haze haze{std::make_unique_for_overwrite<std::uint8_t[]>(walk.count)};
+    const std::size_t count = platform::bandCount(height, pixelsPerThread / width + 1);
+    std::vector<HazeBand> bands(count, HazeBand(width));
+    platform::parallelBands(height, count,
+                            [&](std::size_t band, std::size_t begin, std::size_t end) {
+                                bands[band].judge(walk, height, begin, end, haze.means.get());
+                            });
+    for (const HazeBand& band : bands) {
+        haze.sum += band.sum;
+        haze.deepest = std::max(haze.deepest, band.deepest);
+        haze.brightest = std::max(haze.brightest, band.brightest);
+    }
+    return haze;
 }
 
 float veilFactor(std::uint8_t mean, float amount) {
@@ -206,26 +140,14 @@ float veilFactor(std::uint8_t mean, float amount) {
 void removeHaze(CxImage& image, float amount) {
     const RawWalk walk = rawWalkOf(image);
     if (walk.channels == 0) return;
-    const Darkness darkness = darknessOf(walk);
-    const auto mean = std::make_unique_for_overwrite<std::uint8_t[]>(walk.count);
-    mean15(darkness.map.get(), mean.get(), image.width, image.height);
-
-    const std::uint8_t deepestMean = largestByte(mean.get(), walk.count);
-    const float light = static_cast<float>(deepestMean + darkness.brightestChannel) * 0.5f;
-    const ByteTable haze = hazeTable(veilFactor(darkness.mean, amount));
-    const std::vector<ByteTable> unveil = unveilTables(haze[deepestMean], light);
+    const Haze haze = hazeOf(walk, image.width, image.height);
+    const auto mean = static_cast<std::uint8_t>(haze.sum / walk.count);
+    const rows::Veil veil{veilFactor(mean, amount),
+                          static_cast<float>(haze.deepest + haze.brightest) * 0.5f};
     platform::parallelBands(walk.count, platform::bandCount(walk.count, pixelsPerThread),
                             [&](std::size_t, std::size_t begin, std::size_t end) {
-                                withStep(walk.step, [&](auto step) {
-                                    const std::size_t channels = std::min<std::size_t>(3, step);
-                                    for (std::size_t i = begin; i < end; ++i) {
-                                        std::uint8_t* const pixel = walk.first + i * step;
-                                        const ByteTable& table =
-                                            unveil[std::min(darkness.map[i], haze[mean[i]])];
-                                        for (std::size_t c = 0; c < channels; ++c)
-                                            pixel[c] = table[pixel[c]];
-                                    }
-                                });
+                                rows::unveil(walk.first + begin * walk.step, end - begin, walk.step,
+                                             haze.means.get() + begin, veil);
                             });
 }
 
