@@ -146,8 +146,20 @@ HWY_INLINE Floats toFloats(SignedQuads values) {
 
 /// Clamped to 0..255 and truncated; NaN gives 0.
 HWY_INLINE SignedQuads clampToBytes(Floats values) {
+#if HWY_ARCH_X86 && HWY_TARGET != HWY_EMU128
+    // The processor's maximum is its second operand if the first is NaN. Clamped values need none
+    // of the care that the library's own conversion takes of those beyond 32 bits.
+    const Floats clamped =
+        hn::Min(hn::Max(values, hn::Zero(FloatTag())), hn::Set(FloatTag(), 255.0f));
+#if HWY_TARGET <= HWY_AVX2
+    return SignedQuads{_mm256_cvttps_epi32(clamped.raw)};
+#else
+    return SignedQuads{_mm_cvttps_epi32(clamped.raw)};
+#endif
+#else
     const Floats positive = hn::IfThenElseZero(hn::Gt(values, hn::Zero(FloatTag())), values);
     return hn::ConvertTo(SignedQuadTag(), hn::Min(positive, hn::Set(FloatTag(), 255.0f)));
+#endif
 }
 
 }  // namespace HWY_NAMESPACE
