@@ -20,11 +20,11 @@
 #include <stdbool.h>
 #endif
 
-#if defined(_WIN32) && defined(KELADJUST_BUILD)
+#if defined(_MSC_VER) && defined(KELADJUST_BUILD)
 #define KELADJUST_API __declspec(dllexport)
-#elif defined(_WIN32) && !defined(KELADJUST_STATIC)
+#elif defined(_WIN32) && !defined(KELADJUST_BUILD) && !defined(KELADJUST_STATIC)
 #define KELADJUST_API __declspec(dllimport)
-#elif defined(__GNUC__)
+#elif defined(__GNUC__) && !defined(_WIN32)
 #define KELADJUST_API __attribute__((visibility("default")))
 #else
 #define KELADJUST_API

@@ -1,19 +1,30 @@
-# Compares the names that LIBRARY exports with the lines of EXPECTED, both ways.
-execute_process(COMMAND ${NM} -D -C --defined-only ${LIBRARY}
-    OUTPUT_VARIABLE table COMMAND_ERROR_IS_FATAL ANY)
-string(REPLACE ";" "|" table "${table}")
-string(REPLACE "\n" ";" table "${table}")
-set(exported)
-foreach(line IN LISTS table)
-    # Address, kind, name. Constructors and destructors stand there once for each of their variants.
-    string(REGEX REPLACE "^[0-9a-f]+ [A-Za-z] " "" name "${line}")
-    if(name)
-        list(APPEND exported "${name}")
-    endif()
-endforeach()
-list(REMOVE_DUPLICATES exported)
+# Compares the names that LIBRARY exports with the lines of EXPECTED, both ways. A DLL is read with
+# OBJDUMP, which also says what it needs beside it: that must be IMPORTS.
+cmake_policy(VERSION 3.25)
 
-file(STRINGS ${EXPECTED} expected)
+if(LIBRARY MATCHES "dll$")
+    execute_process(COMMAND ${OBJDUMP} -p ${LIBRARY} OUTPUT_VARIABLE table COMMAND_ERROR_IS_FATAL ANY)
+    string(REGEX MATCHALL "DLL Name: [^\n]+" imports "${table}")
+    list(TRANSFORM imports REPLACE "DLL Name: " "")
+    list(SORT imports CASE INSENSITIVE)
+    if(NOT imports STREQUAL IMPORTS)
+        message(FATAL_ERROR "needs ${imports} instead of ${IMPORTS}")
+    endif()
+    string(REGEX REPLACE ".*Ordinal/Name Pointer\\] Table\n" "" table "${table}")
+    string(REGEX REPLACE "\n\n.*" "\n" table "${table}")
+    # A line is "[number] name"; brackets would glue the elements of a list together.
+    string(REGEX REPLACE "[[]|[]]" "" table "${table}")
+    set(prefix "^[ \t]*[0-9]+ ")
+else()
+    execute_process(COMMAND ${NM} -D --defined-only ${LIBRARY} OUTPUT_VARIABLE table
+        COMMAND_ERROR_IS_FATAL ANY)
+    set(prefix "^[0-9a-f]+ [A-Za-z] ")
+endif()
+string(REPLACE "\n" ";" exported "${table}")
+list(FILTER exported EXCLUDE REGEX "^$")
+list(TRANSFORM exported REPLACE "${prefix}" "")
+
+file(STRINGS ${EXPECTED} expected REGEX "^[^#]")
 list(LENGTH expected count)
 if(count EQUAL 0)
     message(FATAL_ERROR "no names in ${EXPECTED}")
