@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "ImageFormat/RawWalk.h"
+#include "filters/Angle.h"
 #include "filters/ByteScale.h"
 #include "filters/Rounding.h"
 #include "filters/SmallBlur.h"
@@ -38,7 +39,7 @@ void addGrain(CxImage& image, float amount, float size) {
 // once, so that C libraries agree on it.
 float diffuseGain(float setting) {
     const float angle = 1.5707964f - setting * 3.1415927f / 1440.0f;
-    return std::fabs(static_cast<float>(std::cos(static_cast<double>(angle)))) + 1.0f;
+    return std::fabs(static_cast<float>(cosineOf(static_cast<double>(angle)))) + 1.0f;
 }
 
 void applyDiffuse(CxImage& image, float setting) {

@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "ImageFormat/RawWalk.h"
+#include "filters/Angle.h"
 #include "filters/Rounding.h"
 #include "filters/StageForms.h"
 #include "filters/spans/Spans.h"
@@ -43,8 +44,8 @@ private:
 // Rotation about the grey axis.
 spans::HueMatrix hueMatrix(float angle) {
     const double radians = static_cast<double>(angle) * 3.141592653589793 / 180.0;
-    const float cosine = static_cast<float>(std::cos(radians));
-    const float sine = static_cast<float>(std::sin(radians));
+    const float cosine = static_cast<float>(cosineOf(radians));
+    const float sine = static_cast<float>(sineOf(radians));
     const float third = (1.0f - cosine) * 0.33333334f;
     const float skew = std::sqrt(0.33333334f) * sine;
     return {(1.0f - cosine) / 3.0f + cosine, third + cosine, third - skew, third + skew};

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <vector>
 
+#include "filters/Angle.h"
 #include "models/RawPixels.h"
 #include "models/Scalars.h"
 #include "models/StackBlur.h"
@@ -122,7 +123,7 @@ inline void grainModel(CxImage& image, float amount, float size) {
 inline void diffuseModel(CxImage& image, float setting) {
     if (setting == 0) return;
     const float angle = 1.5707964f - setting * 3.1415927f / 1440.0f;
-    const float gain = std::fabs(static_cast<float>(std::cos(static_cast<double>(angle)))) + 1.0f;
+    const float gain = std::fabs(static_cast<float>(cosineOf(static_cast<double>(angle)))) + 1.0f;
     mapRawPixels(image, [&](int c) { return clampByte(static_cast<float>(c) * gain); });
     if (setting > 0) blurImageModel(image, 1);
 }

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstddef>
 
+#include "filters/Angle.h"
 #include "models/Scalars.h"
 
 /// Vibrance, and the rotation about the grey axis.
@@ -34,8 +35,8 @@ inline Bytes vibranceModel(float vibrance, Bytes in) {
 // The bytes of a pixel in memory order.
 inline Bytes hueModel(float angle, Bytes bytes) {
     const double x = angle * 3.141592653589793 / 180;
-    const auto c = static_cast<float>(std::cos(x));
-    const auto s = static_cast<float>(std::sin(x));
+    const auto c = static_cast<float>(cosineOf(x));
+    const auto s = static_cast<float>(sineOf(x));
     const float t = (1.0f - c) * 0.33333334f;
     const float u = std::sqrt(0.33333334f) * s;
     auto f = [&](std::size_t i) { return static_cast<float>(bytes[i]); };

@@ -1,0 +1,39 @@
+#include "keladjust_library.h"
+
+#include <string.h>
+
+/* GetProcAddress returns one type of function for all; C has no cast between them that every
+   compiler takes without a warning. */
+static bool find(HMODULE module, const char* name, void* function) {
+    const FARPROC address = GetProcAddress(module, name);
+    memcpy(function, &address, sizeof address);
+    return address != NULL;
+}
+
+bool loadKeladjust(KeladjustLibrary* library, const char* path) {
+    /* The folder is searched only if the path is a full one with backslashes. */
+    char fullPath[MAX_PATH];
+    HMODULE module;
+    const DWORD length = GetFullPathNameA(path, sizeof fullPath, fullPath, NULL);
+    if (length == 0 || length >= sizeof fullPath) return false;
+    module = LoadLibraryExA(fullPath, NULL, LOAD_WITH_ALTERED_SEARCH_PATH);
+    if (module == NULL) return false;
+    library->module = module;
+    if (find(module, "initOgreRunTime", &library->initOgreRunTime) &&
+        find(module, "releaseOgre", &library->releaseOgre) &&
+        find(module, "setLogPath", &library->setLogPath) &&
+        find(module, "createCxImage", &library->createCxImage) &&
+        find(module, "releaseCxImage", &library->releaseCxImage) &&
+        find(module, "doAdjust", &library->doAdjust) &&
+        find(module, "getLut3dData", &library->getLut3dData) &&
+        find(module, "writeLut3DFile", &library->writeLut3DFile)) {
+        return true;
+    }
+    unloadKeladjust(library);
+    return false;
+}
+
+void unloadKeladjust(KeladjustLibrary* library) {
+    FreeLibrary(library->module);
+    library->module = NULL;
+}
