@@ -3,6 +3,9 @@ add_library(keladjust_options INTERFACE)
 
 if(MSVC)
     target_compile_options(keladjust_options INTERFACE /W4 /WX /permissive- /utf-8 /fp:precise)
+    # Functions of the standard library that have a variant by Microsoft are not errors; min and max
+    # are functions.
+    target_compile_definitions(keladjust_options INTERFACE _CRT_SECURE_NO_WARNINGS NOMINMAX)
 else()
     target_compile_options(keladjust_options INTERFACE
         -Wall -Wextra -Wconversion -Wshadow -Werror
