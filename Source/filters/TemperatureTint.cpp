@@ -137,11 +137,12 @@ TemperatureKernel::TemperatureKernel(long temperature)
 }
 
 void TemperatureKernel::run(PixelSpan& span) const {
-    const PixelSpan original = span;
+    alignas(64) std::uint8_t lightness[PixelSpan::capacity];
+    spans::takeLightness(span, lightness);
     spans::mapBytes(red_.data(), spans::Bytes::all, span.red, span.count);
     spans::mapBytes(green_.data(), spans::Bytes::all, span.green, span.count);
     spans::mapBytes(blue_.data(), spans::Bytes::all, span.blue, span.count);
-    spans::restoreLightness(span, original);
+    spans::restoreLightness(span, lightness);
 }
 
 TintKernel::TintKernel(float tint) : active_(tint != 0.0f), strength_(tintStrength(tint)) {}

@@ -7,24 +7,18 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
+#include <cstddef>
 
 #include "ImageFormat/Geometry.h"
-#include "filters/Rounding.h"
 #include "filters/StageForms.h"
 
 namespace keladjust {
 
 namespace {
 
-constexpr float pi = 3.1415927f;
-
-// Taken in double and narrowed once, so that C libraries agree on them.
+// Taken in double and narrowed once, so that C libraries agree on it.
 float exposureFactor(float exposure) {
     return static_cast<float>(std::pow(2.0, static_cast<double>(exposure / 100.0f)));
-}
-float cosine(float angle) {
-    return static_cast<float>(std::cos(static_cast<double>(angle)));
 }
 
 float square(float value) {
@@ -50,16 +44,6 @@ struct Ellipse {
     float height;
 };
 
-// A channel between border and inside.
-float blend(float c, float mask, float outerFactor, float innerFactor) {
-    const float border = (1.0f - (2.0f * mask - 1.0f)) * 0.5f;
-    return outerFactor * c * border + mask * innerFactor * c;
-}
-
-float screen(float c, float lift) {
-    return 255.0f - (255.0f - lift * c) * (255.0f - c) / 255.0f;
-}
-
 }  // namespace
 
 VignetteKernel::VignetteKernel(unsigned width, unsigned height, float amount, float feather,
@@ -67,87 +51,37 @@ VignetteKernel::VignetteKernel(unsigned width, unsigned height, float amount, fl
     : active_(amount != 0.0f || exposure != 0.0f) {
     if (!active_) return;
     const float border = amount / 100.0f;
-    outerFactor_ = border + 1.0f;
-    innerFactor_ = exposureFactor(exposure);
-    highlights_ = std::fabs(border) * (highlights / 100.0f * 2.0f - 1.0f);
+    shade_ = {border + 1.0f, exposureFactor(exposure),
+              std::fabs(border) * (highlights / 100.0f * 2.0f - 1.0f)};
 
     const auto centreX = static_cast<float>(width / 2);
     centreY_ = static_cast<float>(height / 2);
     const Ellipse inner(centreX, centreY_, size / 100.0f, roundness / 100.0f);
     innerHeight_ = inner.height;
-    band_ = std::max(inner.width, inner.height) * 0.5f * (feather / 100.0f) + 3.0f;
-    outerWidth_ = inner.width + band_;
-    outerHeight_ = inner.height + band_;
+    band_.width = std::max(inner.width, inner.height) * 0.5f * (feather / 100.0f) + 3.0f;
+    band_.outerWidth = inner.width + band_.width;
+    band_.outerHeight = inner.height + band_.width;
 
-    columns_.resize(width);
+    constexpr std::size_t longestVector = 64;  // floats that may be read behind the last column
+    for (std::vector<float>* columns : {&distances_, &inner_, &outer_}) {
+        columns->resize(width + longestVector);
+    }
     for (unsigned x = 0; x < width; ++x) {
         const float dx = std::fabs(static_cast<float>(x) - centreX);
-        columns_[x] = {dx, square(dx / inner.width), square(dx / outerWidth_)};
-    }
-    for (unsigned value = 0; value < inside_.size(); ++value) {
-        inside_[value] =
-            clampToByte(blend(static_cast<float>(value), 1.0f, outerFactor_, innerFactor_));
+        distances_[x] = dx;
+        inner_[x] = square(dx / inner.width);
+        outer_[x] = square(dx / band_.outerWidth);
     }
 }
 
 void VignetteKernel::run(PixelSpan& span) const {
-    float mask[PixelSpan::capacity];
-    maskSpan(span, mask);
-    for (std::size_t i = 0; i < span.count;) {
-        const std::size_t begin = i;
-        while (i < span.count && mask[i] == 1.0f) ++i;
-        for (std::uint8_t* lane : {span.red, span.green, span.blue}) {
-            for (std::size_t j = begin; j < i; ++j) lane[j] = inside_[lane[j]];
-        }
-        const std::size_t border = i;
-        while (i < span.count && mask[i] != 1.0f) ++i;
-        shade(span, border, i, mask);
-    }
-}
-
-void VignetteKernel::maskSpan(const PixelSpan& span, float* mask) const {
     const float dy = std::fabs(static_cast<float>(span.y) - centreY_);
-    const float inner = square(dy / innerHeight_);
-    const float outer = square(dy / outerHeight_);
-    const Column* const columns = columns_.data() + span.x;
-    for (std::size_t i = 0; i < span.count; ++i) {
-        if (columns[i].inner + inner - 1.0f <= 0.0f) {
-            mask[i] = 1.0f;
-        } else if (columns[i].outer + outer - 1.0f >= 0.0f) {
-            mask[i] = 0.0f;
-        } else {
-            mask[i] = maskInBand(columns[i].distance, dy);
-        }
-    }
-}
-
-// A cosine of the way from the outer ellipse towards the centre, measured along the line through
-// both.
-float VignetteKernel::maskInBand(float dx, float dy) const {
-    const float slope = square(dy / (dx + 0.000001f));
-    const float x = 1.0f / (slope / square(outerHeight_) + 1.0f / square(outerWidth_));
-    const float ellipse = std::sqrt(x * slope + x);
-    const float distance = std::sqrt(square(dx) + square(dy));
-    return (cosine((band_ - (ellipse - distance)) * pi / band_) + 1.0f) * 0.5f;
-}
-
-// Pixels whose mask is not 1. Not a number, from absurd settings, ends as black.
-void VignetteKernel::shade(PixelSpan& span, std::size_t begin, std::size_t end,
-                           const float* mask) const {
-    for (std::size_t i = begin; i < end; ++i) {
-        const float m = mask[i];
-        const auto blended = [&](std::uint8_t c) {
-            return blend(static_cast<float>(c), m, outerFactor_, innerFactor_);
-        };
-        const float red = blended(span.red[i]);
-        const float green = blended(span.green[i]);
-        const float blue = blended(span.blue[i]);
-        const float lift =
-            (1.0f - m) * (1.0f - m) * highlights_ * (1.0f - (red + green + blue) / 3.0f / 255.0f);
-        span.red[i] = clampToByte(screen(red, lift));
-        span.green[i] = clampToByte(screen(green, lift));
-        span.blue[i] = clampToByte(screen(blue, lift));
-    }
+    const spans::VignetteRow row{
+        {distances_.data() + span.x, inner_.data() + span.x, outer_.data() + span.x},
+        dy,
+        square(dy / innerHeight_),
+        square(dy / band_.outerHeight)};
+    spans::applyVignette(span, row, band_, shade_);
 }
 
 }  // namespace keladjust

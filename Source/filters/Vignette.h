@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "filters/PixelKernel.h"
+#include "filters/spans/Spans.h"
 
 namespace keladjust {
 
@@ -18,28 +19,15 @@ public:
     void run(PixelSpan& span) const override;
 
 private:
-    /// What a column adds to every test of its pixels.
-    struct Column {
-        float distance;  ///< from the centre
-        float inner;     ///< squared, in semi-axes of the inner ellipse
-        float outer;     ///< squared, in semi-axes of the outer ellipse
-    };
-
-    void maskSpan(const PixelSpan& span, float* mask) const;
-    float maskInBand(float dx, float dy) const;
-    void shade(PixelSpan& span, std::size_t begin, std::size_t end, const float* mask) const;
-
     bool active_;
-    float outerFactor_ = 1.0f;
-    float innerFactor_ = 1.0f;
-    float highlights_ = 0.0f;
+    spans::VignetteShade shade_{1.0f, 1.0f, 0.0f};
+    spans::VignetteBand band_{};
     float centreY_ = 0.0f;
     float innerHeight_ = 0.0f;  ///< vertical semi-axis of the inner ellipse
-    float band_ = 0.0f;         ///< width of the band between the ellipses, in pixels
-    float outerWidth_ = 0.0f;   ///< semi-axes of the outer ellipse
-    float outerHeight_ = 0.0f;
-    std::vector<Column> columns_;
-    ByteTable inside_{};  ///< of a pixel where the mask is 1
+    // One number a column; see spans::VignetteColumns.
+    std::vector<float> distances_;
+    std::vector<float> inner_;
+    std::vector<float> outer_;
 };
 
 }  // namespace keladjust

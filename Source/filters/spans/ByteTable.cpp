@@ -24,7 +24,7 @@ void mapOneByOne(const std::uint8_t* table, bool keepsFourth, std::uint8_t* byte
     }
 }
 
-#if HWY_TARGET == HWY_SSE2 || HWY_TARGET == HWY_EMU128 || HWY_TARGET == HWY_SCALAR
+#if HWY_TARGET == HWY_SSE2 || HWY_TARGET == HWY_SCALAR
 
 // No instruction here looks bytes up.
 void mapBytes(const std::uint8_t* table, bool keepsFourth, std::uint8_t* bytes, std::size_t count) {

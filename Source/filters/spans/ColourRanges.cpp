@@ -90,14 +90,6 @@ HWY_INLINE Channels<Floats> toRgb(const Channels<Floats>& turns, Floats saturati
     return mapChannels(turns, channel);
 }
 
-// Where HueBand::weight() may be other than 0.
-HWY_INLINE FloatMask isInside(const HueBand& band, Floats hue) {
-    const Floats low = constant(band.minDegree());
-    const Floats high = constant(band.maxDegree());
-    if (band.wraps()) return hn::Or(hn::Ge(hue, low), hn::Le(hue, high));
-    return hn::And(hn::Gt(hue, low), hn::Lt(hue, high));
-}
-
 // The vector form of HueBand::weight().
 HWY_INLINE Floats weightOf(const HueBand& band, Floats hue) {
     const Floats low = constant(band.minDegree());
@@ -148,42 +140,78 @@ HWY_INLINE Channels<Ints> unitToBytes(const Channels<Floats>& c) {
     });
 }
 
+// A run of pixels between the halves of a step.
+struct Run {
+    alignas(64) float hue[runLength];
+    alignas(64) float saturation[runLength];
+    alignas(64) float lightness[runLength];
+    alignas(64) float weight[runLength];
+};
+
+HWY_INLINE void store(const Hsl& hsl, Run& run, std::size_t i) {
+    hn::Store(hsl.hue, FloatTag(), run.hue + i);
+    hn::Store(hsl.saturation, FloatTag(), run.saturation + i);
+    hn::Store(hsl.lightness, FloatTag(), run.lightness + i);
+}
+
+HWY_INLINE Hsl loadHsl(const Run& run, std::size_t i) {
+    return {hn::Load(FloatTag(), run.hue + i), hn::Load(FloatTag(), run.saturation + i),
+            hn::Load(FloatTag(), run.lightness + i)};
+}
+
+// Mixes the pixels with what `changed(hsl, turns)` makes of them; both sides make the round trip.
+template <class Changed>
+HWY_INLINE void mixRun(const Run& run, bool passesOutside, PixelSpan& span, std::size_t first,
+                       Changed changed) {
+    forEachVectorOfRun(span, first, [&](std::size_t i) HWY_ATTR {
+        const Hsl hsl = loadHsl(run, i - first);
+        const Floats weight = hn::Load(FloatTag(), run.weight + (i - first));
+        const Channels<Floats> turns = turnsOf(quotientBy<360>(hsl.hue));
+        const Channels<Floats> unchanged = toRgb(turns, hsl.saturation, hsl.lightness);
+        const FloatMask outside = hn::Eq(weight, constant(0.0f));
+        if (passesOutside && hn::AllTrue(FloatTag(), outside)) {
+            storeClamped(unitToBytes(unchanged), span, i);
+        } else {
+            storeClamped(mix(unchanged, changed(hsl, turns), weight), span, i);
+        }
+    });
+}
+
 void changeColourRange(PixelSpan& span, const HueBand& band, const RangeChange& change) {
     // Outside the band only the round trip counts, unless a mad shift makes what is mixed in with
     // weight 0 no number.
     const bool passesOutside = std::isfinite(change.shift);
-    forEachVector(span, [&](std::size_t i) HWY_ATTR {
-        Channels<Ints> bytes = loadIntChannels(span, i);
-        Hsl hsl = toHsl(bytesToUnit(bytes));
-        const bool outside = passesOutside && hn::AllFalse(FloatTag(), isInside(band, hsl.hue));
-        const Floats weight = outside ? constant(0.0f) : weightOf(band, hsl.hue);
-        bool hslIsCurrent = true;
-        // Each step works on the bytes that the last one stored; both sides of its mix make the
-        // round trip.
+    Run run;
+    for (std::size_t first = 0; first < span.count; first += runLength) {
+        const auto convert = [&]() HWY_ATTR {
+            forEachVectorOfRun(span, first, [&](std::size_t i) HWY_ATTR {
+                store(toHsl(bytesToUnit(loadIntChannels(span, i))), run, i - first);
+            });
+        };
+        convert();
+        forEachVectorOfRun(span, first, [&](std::size_t i) HWY_ATTR {
+            const Floats hue = hn::Load(FloatTag(), run.hue + (i - first));
+            hn::Store(weightOf(band, hue), FloatTag(), run.weight + (i - first));
+        });
+        // Each step works on the bytes that the last one stored.
+        bool isCurrent = true;
         const auto step = [&](float amount, auto changed) HWY_ATTR {
             if (amount == 0.0f) return;
-            if (!hslIsCurrent) hsl = toHsl(bytesToUnit(bytes));
-            hslIsCurrent = false;
-            const Channels<Floats> turns = turnsOf(quotientBy<360>(hsl.hue));
-            const Channels<Floats> unchanged = toRgb(turns, hsl.saturation, hsl.lightness);
-            if (outside) {
-                bytes = unitToBytes(unchanged);
-            } else {
-                bytes = mix(unchanged, changed(turns), weight);
-            }
+            if (!isCurrent) convert();
+            isCurrent = false;
+            mixRun(run, passesOutside, span, first, changed);
         };
-        step(change.shift, [&](const Channels<Floats>&) HWY_ATTR {
+        step(change.shift, [&](const Hsl& hsl, const Channels<Floats>&) HWY_ATTR {
             const Floats hue = shiftHue(hsl.hue, change.shift);
             return toRgb(turnsOf(hn::Div(hue, constant(360.0f))), hsl.saturation, hsl.lightness);
         });
-        step(change.saturationRatio, [&](const Channels<Floats>& turns) HWY_ATTR {
+        step(change.saturationRatio, [&](const Hsl& hsl, const Channels<Floats>& turns) HWY_ATTR {
             return toRgb(turns, scale(hsl.saturation, change.saturationRatio), hsl.lightness);
         });
-        step(change.lightnessRatio, [&](const Channels<Floats>& turns) HWY_ATTR {
+        step(change.lightnessRatio, [&](const Hsl& hsl, const Channels<Floats>& turns) HWY_ATTR {
             return toRgb(turns, hsl.saturation, scale(hsl.lightness, change.lightnessRatio));
         });
-        storeClamped(bytes, span, i);
-    });
+    }
 }
 
 }  // namespace HWY_NAMESPACE

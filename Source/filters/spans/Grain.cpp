@@ -32,36 +32,21 @@ HWY_INLINE Words sumOfDraws(Words states) {
                    hn::ShiftRight<16>(hn::Add(draw(4), draw(5))));
 }
 
-// Sums of four draws as numbers of mean 0 and variance 1: sqrt(3) / 32767 and 2 sqrt(3). In double,
-// narrowed once.
-#if HWY_TARGET == HWY_SCALAR
+// Sums of four draws as numbers of mean 0 and variance 1: sqrt(3) / 32767 and 2 sqrt(3).
 HWY_INLINE Floats standardised(Words sums) {
-    const double sum = hn::GetLane(sums);
-    return hn::Set(FloatTag(), static_cast<float>(sum * 5.28596089837e-5 - 3.46410161514));
+    return throughDouble(hn::BitCast(IntTag(), sums), [](Doubles sum) HWY_ATTR {
+        return hn::Sub(hn::Mul(sum, constant(5.28596089837e-5)), constant(3.46410161514));
+    });
 }
-#else
-HWY_INLINE Floats standardised(Words sums) {
-    const hn::Repartition<double, FloatTag> wideTag;
-    const hn::Half<FloatTag> halfTag;
-    const hn::Half<IntTag> halfIntTag;
-    const auto half = [&](auto halfSums) HWY_ATTR {
-        const auto wide =
-            hn::Mul(hn::PromoteTo(wideTag, halfSums), hn::Set(wideTag, 5.28596089837e-5));
-        return hn::DemoteTo(halfTag, hn::Sub(wide, hn::Set(wideTag, 3.46410161514)));
-    };
-    const Ints whole = hn::BitCast(IntTag(), sums);
-    return hn::Combine(FloatTag(), half(hn::UpperHalf(halfIntTag, whole)),
-                       half(hn::LowerHalf(halfIntTag, whole)));
-}
-#endif
 
 void addGrain(PixelSpan& span, std::size_t channels, std::size_t firstPixel, float scale) {
     const WordTag tag;
     const std::size_t lanes = hn::Lanes(tag);
     HWY_ALIGN std::array<std::uint32_t, HWY_LANES(std::uint32_t)> first;
     first[0] = repeated(oneDraw, drawsPerPixel * firstPixel)(grainSeed);
-    for (std::size_t i = 1; i < lanes; ++i)
+    for (std::size_t i = 1; i < lanes; ++i) {
         first[i] = repeated(oneDraw, drawsPerPixel)(first[i - 1]);
+    }
     Words states = hn::Load(tag, first.data());
     const Steps toNextVector = repeated(oneDraw, drawsPerPixel * lanes);
 

@@ -11,11 +11,6 @@ HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
 
-// Of numbers that 32 bits hold.
-HWY_INLINE Floats truncated(Floats values) {
-    return toFloats(truncateInRange(values));
-}
-
 // Which channel a pixel's hue lies around.
 struct Largest {
     FloatMask red;
@@ -31,9 +26,10 @@ struct HueSaturation {
     Floats saturation;
 };
 
-// As CxImage::RGBtoHSL(), less the lightness. Numbers are whole and small enough to be exact;
-// truncated quotients are those of the whole numbers, because a quotient is 1 / 510 away from the
-// next whole number if it is not one.
+// As CxImage::RGBtoHSL(), less the lightness. Numbers are small enough to be exact. Halves that the
+// formula truncates keep their fraction here, because less than a whole in a dividend changes no
+// whole quotient; quotients that are not whole lie 1 / 1020 and more from the next that is, far
+// more than they are rounded by.
 HWY_INLINE HueSaturation hueAndSaturation(const Channels<Floats>& c) {
     const Floats zero = constant(0.0f);
     const Floats one = constant(1.0f);
@@ -47,18 +43,17 @@ HWY_INLINE HueSaturation hueAndSaturation(const Channels<Floats>& c) {
     // (sum + 1) * 255 / 510 is above 127 from a sum of 255 on.
     const FloatMask light = hn::Gt(sum, constant(254.0f));
     const Floats span = hn::IfThenElse(light, hn::Sub(constant(510.0f), sum), sum);
-    const Floats rounding = truncated(hn::Mul(span, half));
     // Greys have a saturation of 0 whatever they are divided by.
-    const Floats saturation =
-        truncated(hn::Div(hn::Add(hn::Mul(delta, constant(255.0f)), rounding), hn::Max(span, one)));
+    const Floats dividend = hn::Add(hn::Mul(delta, constant(255.0f)), hn::Mul(span, half));
+    const Floats saturation = hn::Trunc(hn::Div(dividend, hn::Max(span, one)));
 
-    // One reciprocal serves two quotients: taken from the middle between two multiples of a step,
-    // they stay clear of whole numbers by more than it rounds.
+    // One reciprocal serves two quotients. It is not exact, so dividends must not be multiples of
+    // the divisor: they get another quarter.
     const Floats perDelta = hn::Div(one, hn::Max(delta, one));
-    const Floats middle = hn::Add(truncated(hn::Mul(delta, half)), half);
+    const Floats halfDelta = hn::Add(hn::Mul(delta, half), constant(0.25f));
     const auto share = [&](Floats channel) HWY_ATTR {
         const Floats distance = hn::Sub(largest, channel);
-        return truncated(hn::Mul(hn::Add(hn::Mul(distance, constant(42.0f)), middle), perDelta));
+        return hn::Trunc(hn::Mul(hn::Add(hn::Mul(distance, constant(42.0f)), halfDelta), perDelta));
     };
     const Largest is{hn::Eq(c.red, largest), hn::Eq(c.green, largest)};
     const Floats ahead = share(is.pick(c.blue, c.red, c.green));
@@ -118,13 +113,36 @@ HWY_INLINE Channels<Ints> toBytes(const HueSaturation& c, Floats lightnessByte) 
     return {channel(red), channel(green), channel(blue)};
 }
 
-void restoreLightness(PixelSpan& span, const PixelSpan& original) {
-    forEachVector(span, [&](std::size_t i) HWY_ATTR {
-        const Channels<Ints> before = loadIntChannels(original, i);
-        const Ints lightness = hn::ShiftRight<1>(hn::Add(largestOf(before), smallestOf(before)));
-        storeClamped(toBytes(hueAndSaturation(loadFloatChannels(span, i)), toFloats(lightness)),
-                     span, i);
-    });
+void takeLightness(const PixelSpan& span, std::uint8_t* lightness) {
+    const hn::ScalableTag<std::uint8_t> tag;
+    for (std::size_t i = 0; i < span.count; i += hn::Lanes(tag)) {
+        const auto red = hn::Load(tag, span.red + i);
+        const auto green = hn::Load(tag, span.green + i);
+        const auto blue = hn::Load(tag, span.blue + i);
+        const auto largest = hn::Max(red, hn::Max(green, blue));
+        const auto smallest = hn::Min(red, hn::Min(green, blue));
+        // The mean that the instruction takes is rounded up.
+        const auto odd = hn::And(hn::Xor(largest, smallest), hn::Set(tag, 1));
+        hn::Store(hn::Sub(hn::AverageRound(largest, smallest), odd), tag, lightness + i);
+    }
+}
+
+void restoreLightness(PixelSpan& span, const std::uint8_t* lightness) {
+    alignas(64) float hues[runLength];
+    alignas(64) float saturations[runLength];
+    const FloatTag tag;
+    for (std::size_t first = 0; first < span.count; first += runLength) {
+        forEachVectorOfRun(span, first, [&](std::size_t i) HWY_ATTR {
+            const HueSaturation c = hueAndSaturation(loadFloatChannels(span, i));
+            hn::Store(c.hue, tag, hues + (i - first));
+            hn::Store(c.saturation, tag, saturations + (i - first));
+        });
+        forEachVectorOfRun(span, first, [&](std::size_t i) HWY_ATTR {
+            const HueSaturation c{hn::Load(tag, hues + (i - first)),
+                                  hn::Load(tag, saturations + (i - first))};
+            storeClamped(toBytes(c, loadFloats(lightness + i)), span, i);
+        });
+    }
 }
 
 }  // namespace HWY_NAMESPACE
@@ -134,10 +152,14 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace keladjust {
 
+HWY_EXPORT(takeLightness);
 HWY_EXPORT(restoreLightness);
 
-void spans::restoreLightness(PixelSpan& span, const PixelSpan& original) {
-    HWY_DYNAMIC_DISPATCH(restoreLightness)(span, original);
+void spans::takeLightness(const PixelSpan& span, std::uint8_t* lightness) {
+    HWY_DYNAMIC_DISPATCH(takeLightness)(span, lightness);
+}
+void spans::restoreLightness(PixelSpan& span, const std::uint8_t* lightness) {
+    HWY_DYNAMIC_DISPATCH(restoreLightness)(span, lightness);
 }
 
 }  // namespace keladjust

@@ -20,12 +20,12 @@ void stretchSaturation(PixelSpan& span, float amount) {
         const Channels<Floats> c = loadFloatChannels(span, i);
         const Floats largest = largestOf(c);
         const Floats smallest = smallestOf(c);
-        const Floats sum = hn::Div(hn::Add(largest, smallest), white);
+        const Floats sum = quotientBy<255>(hn::Add(largest, smallest));
         const Floats halfSum = hn::Mul(sum, constant(0.5f));
         const Floats lightness = hn::Mul(halfSum, white);
         Floats factor = hn::Add(one, s);
         if (away) {
-            const Floats delta = hn::Div(hn::Sub(largest, smallest), white);
+            const Floats delta = quotientBy<255>(hn::Sub(largest, smallest));
             const Floats saturation = hn::Div(
                 delta,
                 hn::IfThenElse(hn::Lt(halfSum, constant(0.5f)), sum, hn::Sub(constant(2.0f), sum)));

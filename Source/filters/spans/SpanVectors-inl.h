@@ -99,12 +99,51 @@ HWY_INLINE Ints clampToBytes(Floats values) {
     return truncateInRange(clampTo(255.0f, values));
 }
 
+#if HWY_TARGET == HWY_SCALAR
+using DoubleTag = hn::Rebind<double, FloatTag>;
+#else
+using DoubleTag = hn::Repartition<double, FloatTag>;
+#endif
+using Doubles = hn::Vec<DoubleTag>;
+
+HWY_INLINE Doubles constant(double value) {
+    return hn::Set(DoubleTag(), value);
+}
+
+/// What `map` makes of the numbers in double precision, narrowed once.
+template <class Vector, class Map>
+HWY_INLINE Floats throughDouble(Vector values, Map map) {
+    const DoubleTag wide;
+#if HWY_TARGET == HWY_SCALAR
+    return hn::DemoteTo(FloatTag(), map(hn::PromoteTo(wide, values)));
+#else
+    const hn::Half<FloatTag> narrow;
+    const hn::Half<hn::DFromV<Vector> > half;
+    const Doubles lower = map(hn::PromoteTo(wide, hn::LowerHalf(half, values)));
+    const Doubles upper = map(hn::PromoteTo(wide, hn::UpperHalf(half, values)));
+    return hn::Combine(FloatTag(), hn::DemoteTo(narrow, upper), hn::DemoteTo(narrow, lower));
+#endif
+}
+
+/// Pixels that go through the first half of a kernel before they go through the second. A long
+/// kernel is one long chain of instructions, of which the processor sees little more than one at a
+/// time; of each half it sees several and works on them side by side.
+constexpr std::size_t runLength = 256;
+
 /// Calls `body(i)` for the first pixel of every vector of the span. The last one may run past the
 /// pixels that the span counts, but not past its lanes.
 template <class Body>
 HWY_INLINE void forEachVector(const PixelSpan& span, Body body) {
     const std::size_t step = hn::Lanes(FloatTag());
     for (std::size_t i = 0; i < span.count; i += step) body(i);
+}
+
+/// The same for the pixels from number `first` on, runLength of them or what there is.
+template <class Body>
+HWY_INLINE void forEachVectorOfRun(const PixelSpan& span, std::size_t first, Body body) {
+    const std::size_t step = hn::Lanes(FloatTag());
+    const std::size_t end = HWY_MIN(first + runLength, span.count);
+    for (std::size_t i = first; i < end; i += step) body(i);
 }
 
 /// The three channels of some pixels.

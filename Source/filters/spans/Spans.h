@@ -53,9 +53,46 @@ void stretchVibrance(PixelSpan& span, float amount);
 /// formula, to the first `channels` lanes of blue, green and red.
 void addGrain(PixelSpan& span, std::size_t channels, std::size_t firstPixel, float scale);
 
-/// Gives a picture's `original` lightness the hue and the saturation of what `span` holds, by the
-/// 8-bit HSL of CxImage.
-void restoreLightness(PixelSpan& span, const PixelSpan& original);
+/// The lightness of each pixel by the 8-bit HSL of CxImage, into a lane of the span's capacity that
+/// is aligned as its own.
+void takeLightness(const PixelSpan& span, std::uint8_t* lightness);
+
+/// Gives the pixels back their `lightness`, with the hue and the saturation of what they are now.
+void restoreLightness(PixelSpan& span, const std::uint8_t* lightness);
+
+/// What the columns of a picture add to the vignette's tests of their pixels, from the span's first
+/// column on; whole vectors of them may be read.
+struct VignetteColumns {
+    const float* distance;  ///< from the centre
+    const float* inner;     ///< squared, in semi-axes of the inner ellipse
+    const float* outer;     ///< squared, in semi-axes of the outer ellipse
+};
+
+/// The same of a row, beside its columns.
+struct VignetteRow {
+    VignetteColumns columns;
+    float distance;
+    float inner;
+    float outer;
+};
+
+/// The band between the two ellipses.
+struct VignetteBand {
+    float width;       ///< in pixels
+    float outerWidth;  ///< semi-axes of the outer ellipse
+    float outerHeight;
+};
+
+/// What it does outside the ellipses, inside, and to highlights.
+struct VignetteShade {
+    float outerFactor;
+    float innerFactor;
+    float highlights;
+};
+
+/// Shades the pixels by a mask of 1 inside the inner ellipse and 0 outside the outer one.
+void applyVignette(PixelSpan& span, const VignetteRow& row, const VignetteBand& band,
+                   const VignetteShade& shade);
 
 /// The hue, saturation and lightness steps of a colour range.
 void changeColourRange(PixelSpan& span, const HueBand& band, const RangeChange& change);
