@@ -31,6 +31,12 @@ struct RangeChange {
           saturationRatio(saturation / 100.0f),
           lightnessRatio(brightness / 800.0f) {}
 
+    /// How many of the three do something.
+    unsigned steps() const {
+        return (shift != 0.0f ? 1u : 0u) + (saturationRatio != 0.0f ? 1u : 0u) +
+               (lightnessRatio != 0.0f ? 1u : 0u);
+    }
+
     float shift;            ///< degrees
     float saturationRatio;  ///< added share of the saturation
     float lightnessRatio;   ///< added share of the lightness
@@ -43,6 +49,7 @@ public:
     ColourRangeKernel(float minDegree, float maxDegree, float hue, float saturation,
                       float brightness);
     bool active() const override { return active_; }
+    unsigned effort() const override { return 3 * change_.steps(); }
     void run(PixelSpan& span) const override;
 
 private:

@@ -22,6 +22,12 @@ public:
     /// Changes the lanes of a span in place.
     virtual void run(PixelSpan& span) const = 0;
 
+    /// True if what becomes of a pixel depends on where it is.
+    virtual bool looksAtPlace() const { return false; }
+
+    /// Roughly how many nanoseconds a pixel takes.
+    virtual unsigned effort() const { return 1; }
+
     /// The table of a stage that maps each channel byte by itself, else null. Neighbouring tables
     /// compose into one.
     virtual const ByteTable* table() const { return nullptr; }
@@ -32,6 +38,7 @@ class TableKernel : public PixelKernel {
 public:
     void run(PixelSpan& span) const final;
     const ByteTable* table() const final { return &table_; }
+    unsigned effort() const final { return 0; }
 
 protected:
     /// Fills the table with `map(value)` for every byte value.

@@ -1,9 +1,12 @@
 #include "filters/StageForms.h"
 
 #include <algorithm>
+#include <new>
+#include <optional>
 
 #include "ImageFormat/Geometry.h"
 #include "ImageFormat/RawWalk.h"
+#include "filters/ColourMemory.h"
 #include "filters/spans/Spans.h"
 #include "platform/Parallel.h"
 
@@ -14,23 +17,50 @@ namespace {
 // Below this many pixels a thread costs more than it saves.
 constexpr std::size_t pixelsPerThread = 1 << 15;
 
-void runOnRow(CxImage& image, PixelLayout layout, unsigned y,
-              std::span<const PixelKernel* const> kernels, PixelSpan& span) {
-    const std::size_t pixelBytes = bytesPerPixelOf(layout);
-    std::uint8_t* const row = image.pBits + std::size_t{image.effWidth} * y;
-    span.y = y;
-    for (unsigned x = 0; x < image.width; x += static_cast<unsigned>(span.count)) {
-        span.x = x;
-        span.count = std::min<std::size_t>(PixelSpan::capacity, image.width - x);
-        std::uint8_t* const pixels = row + x * pixelBytes;
-        loadSpan(layout, pixels, span);
-        for (const PixelKernel* kernel : kernels) {
-            if (kernel != kernels.front()) roundTrip(layout, span);
-            kernel->run(span);
+// Runs kernels on the rows of a band, one span after another.
+class SpanRunner {
+public:
+    SpanRunner(CxImage& image, PixelLayout layout, std::span<const PixelKernel* const> kernels,
+               std::size_t rows)
+        : image_(image), layout_(layout), placed_(kernels) {
+        const auto looksAtPlace = [](const PixelKernel* kernel) { return kernel->looksAtPlace(); };
+        const auto before = static_cast<std::size_t>(
+            std::find_if(kernels.begin(), kernels.end(), looksAtPlace) - kernels.begin());
+        const std::span<const PixelKernel* const> anywhere = kernels.first(before);
+        if (rows * image.width < pixelsPerThread || !ColourMemory::pays(anywhere)) return;
+        try {
+            memory_.emplace(layout, anywhere);
+            placed_ = kernels.subspan(before);
+        } catch (const std::bad_alloc&) {
+            // Every pixel goes through every kernel then.
         }
-        storeSpan(layout, span, pixels);
     }
-}
+
+    void run(unsigned y) {
+        const std::size_t pixelBytes = bytesPerPixelOf(layout_);
+        std::uint8_t* const row = image_.pBits + std::size_t{image_.effWidth} * y;
+        span_.y = y;
+        for (unsigned x = 0; x < image_.width; x += static_cast<unsigned>(span_.count)) {
+            span_.x = x;
+            span_.count = std::min<std::size_t>(PixelSpan::capacity, image_.width - x);
+            std::uint8_t* const pixels = row + x * pixelBytes;
+            loadSpan(layout_, pixels, span_);
+            if (memory_) {
+                memory_->run(span_);
+                if (!placed_.empty()) roundTrip(layout_, span_);
+            }
+            runInTurn(layout_, placed_, span_);
+            storeSpan(layout_, span_, pixels);
+        }
+    }
+
+private:
+    CxImage& image_;
+    PixelLayout layout_;
+    std::optional<ColourMemory> memory_;  // of the kernels before the first placed_
+    std::span<const PixelKernel* const> placed_;
+    PixelSpan span_;
+};
 
 constexpr spans::Bytes bytesOf(std::size_t pixelBytes) {
     return pixelBytes == 4 ? spans::Bytes::threeOfFour : spans::Bytes::all;
@@ -71,10 +101,9 @@ void runKernels(CxImage& image, std::span<const PixelKernel* const> kernels) {
                                     mapRows(image, layout, *table, begin, end);
                                     return;
                                 }
-                                PixelSpan span;
+                                SpanRunner runner(image, layout, kernels, end - begin);
                                 for (std::size_t y = begin; y < end; ++y) {
-                                    runOnRow(image, layout, static_cast<unsigned>(y), kernels,
-                                             span);
+                                    runner.run(static_cast<unsigned>(y));
                                 }
                             });
 }

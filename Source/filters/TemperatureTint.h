@@ -12,6 +12,7 @@ class TemperatureKernel final : public PixelKernel {
 public:
     explicit TemperatureKernel(long temperature);
     bool active() const override { return active_; }
+    unsigned effort() const override { return 3; }
     void run(PixelSpan& span) const override;
 
 private:

@@ -16,6 +16,7 @@ public:
     VignetteKernel(unsigned width, unsigned height, float amount, float feather, float highlights,
                    float size, float roundness, float exposure);
     bool active() const override { return active_; }
+    bool looksAtPlace() const override { return true; }
     void run(PixelSpan& span) const override;
 
 private:
