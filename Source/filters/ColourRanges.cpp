@@ -2,6 +2,9 @@
 
 #include "filters/ColourRanges.h"
 
+#include <cstdint>
+#include <cstdlib>
+
 #include "filters/HslColour.h"
 #include "filters/Rounding.h"
 #include "filters/StageForms.h"
@@ -116,8 +119,15 @@ CxImage* adjustBrightnessFilter(CxImage* image, float minDegree, float maxDegree
 
 float* lut3d_doHSLAdjustFilter(float* lut, unsigned long count, int stride, float minDegree,
                                float maxDegree, float hue, float saturation, float brightness) {
-    return keladjust::applyFormula<keladjust::ColourRangeFormula>(
-        lut, count, stride, minDegree, maxDegree, hue, saturation, brightness);
+    if (lut == nullptr || std::abs(std::int64_t{stride}) < 3) {
+        return keladjust::applyFormula<keladjust::ColourRangeFormula>(
+            lut, count, stride, minDegree, maxDegree, hue, saturation, brightness);
+    }
+    if (!keladjust::changesAnything(hue, saturation, brightness)) return lut;
+    const keladjust::platform::DefaultFloatingPoint scope;
+    keladjust::spans::changeTableRange(lut, count, stride, {minDegree, maxDegree},
+                                       {hue, saturation, brightness});
+    return lut;
 }
 float* lut3d_adjustHueFilter(float* lut, unsigned long count, int stride, float minDegree,
                              float maxDegree, float hue) {

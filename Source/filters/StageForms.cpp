@@ -22,7 +22,7 @@ class SpanRunner {
 public:
     SpanRunner(CxImage& image, PixelLayout layout, std::span<const PixelKernel* const> kernels,
                std::size_t rows)
-        : image_(image), layout_(layout), placed_(kernels) {
+        : image_(image), placed_(kernels), layout_(layout) {
         const auto looksAtPlace = [](const PixelKernel* kernel) { return kernel->looksAtPlace(); };
         const auto before = static_cast<std::size_t>(
             std::find_if(kernels.begin(), kernels.end(), looksAtPlace) - kernels.begin());
@@ -55,11 +55,11 @@ public:
     }
 
 private:
-    CxImage& image_;
-    PixelLayout layout_;
-    std::optional<ColourMemory> memory_;  // of the kernels before the first placed_
-    std::span<const PixelKernel* const> placed_;
     PixelSpan span_;
+    std::optional<ColourMemory> memory_;  ///< of the kernels before the first of placed_
+    CxImage& image_;
+    std::span<const PixelKernel* const> placed_;
+    PixelLayout layout_;
 };
 
 constexpr spans::Bytes bytesOf(std::size_t pixelBytes) {

@@ -96,7 +96,7 @@ TEST(ColourMemory, DoesNotShowInAPicture) {
         const PixelKernel* const all[] = {&temperature, &saturation, &range, &vignette, &range};
         runKernels(*whole.image(), all);
 
-        const PixelLayout layout = layoutOf(*inTurn.image());
+        const PixelLayout layout = keladjust::layoutOf(*inTurn.image());
         for (unsigned y = 0; y < 300; ++y) {
             std::uint8_t* const row = inTurn.bits() + std::size_t{y} * inTurn.image()->effWidth;
             PixelSpan span;

@@ -19,10 +19,9 @@ struct Hsl {
     Floats lightness;
 };
 
-// The vector form of keladjust::toHsl(), for channels in 0..1.
-HWY_INLINE Hsl toHsl(const Channels<Floats>& c) {
-    const Floats largest = largestOf(c);
-    const Floats smallest = smallestOf(c);
+// The vector form of keladjust::toHsl() for a colour with these largest and smallest channels.
+template <class Quotient>
+HWY_INLINE Hsl toHsl(const Channels<Floats>& c, Floats largest, Floats smallest, Quotient sixthOf) {
     const Floats delta = hn::Sub(largest, smallest);
     const Floats sum = hn::Add(largest, smallest);
     const Floats lightness = hn::Mul(sum, constant(0.5f));
@@ -40,12 +39,28 @@ HWY_INLINE Hsl toHsl(const Channels<Floats>& c) {
     const Floats sixths = hn::IfThenElse(
         redLargest, share,
         hn::Add(hn::IfThenElse(greenLargest, constant(2.0f), constant(4.0f)), share));
-    Floats turn = quotientBy<6>(sixths);
+    Floats turn = sixthOf(sixths);
     turn = hn::IfThenElse(hn::Lt(turn, constant(0.0f)), hn::Add(turn, constant(1.0f)), turn);
 
     const FloatMask grey = hn::Eq(largest, smallest);
     return {hn::IfThenElse(grey, constant(0.6666667f * 360.0f), hn::Mul(turn, constant(360.0f))),
             hn::IfThenZeroElse(grey, saturation), hn::IfThenElse(grey, c.red, lightness)};
+}
+
+HWY_INLINE Hsl bytesToHsl(const Channels<Ints>& bytes) {
+    const Channels<Floats> c =
+        mapChannels(bytes, [](Ints byte) HWY_ATTR { return quotientBy<255>(toFloats(byte)); });
+    return toHsl(c, largestOf(c), smallestOf(c), quotientBy<6>);
+}
+
+// Of any floats, which std::max() and std::min() compare in this order.
+HWY_INLINE Hsl floatsToHsl(const Channels<Floats>& c) {
+    Floats largest = hn::IfThenElse(hn::Lt(c.red, c.green), c.green, c.red);
+    largest = hn::IfThenElse(hn::Lt(largest, c.blue), c.blue, largest);
+    Floats smallest = hn::IfThenElse(hn::Lt(c.green, c.red), c.green, c.red);
+    smallest = hn::IfThenElse(hn::Lt(c.blue, smallest), c.blue, smallest);
+    return toHsl(c, largest, smallest,
+                 [](Floats sixths) HWY_ATTR { return hn::Div(sixths, constant(6.0f)); });
 }
 
 // The vector form of keladjust::toRgb() in two halves: what depends on saturation and lightness,
@@ -118,18 +133,12 @@ HWY_INLINE Floats scale(Floats component, float ratio) {
     return clampTo(1.0f, hn::Mul(component, constant(1.0f + ratio)));
 }
 
-HWY_INLINE Channels<Floats> bytesToUnit(const Channels<Ints>& bytes) {
-    return mapChannels(bytes, [](Ints byte) HWY_ATTR { return quotientBy<255>(toFloats(byte)); });
-}
-
-// Mixes by weight and stores as bytes.
-HWY_INLINE Channels<Ints> mix(const Channels<Floats>& from, const Channels<Floats>& to,
-                              Floats weight) {
+// Mixes by weight.
+HWY_INLINE Channels<Floats> mix(const Channels<Floats>& from, const Channels<Floats>& to,
+                                Floats weight) {
     const Floats rest = hn::Sub(constant(1.0f), weight);
-    const auto channel = [&](Floats a, Floats b) HWY_ATTR {
-        const Floats mixed = hn::Add(hn::Mul(rest, a), hn::Mul(weight, b));
-        return clampToBytes(hn::Mul(mixed, constant(255.0f)));
-    };
+    const auto channel = [&](Floats a, Floats b)
+                             HWY_ATTR { return hn::Add(hn::Mul(rest, a), hn::Mul(weight, b)); };
     return {channel(from.red, to.red), channel(from.green, to.green), channel(from.blue, to.blue)};
 }
 
@@ -137,6 +146,12 @@ HWY_INLINE Channels<Ints> mix(const Channels<Floats>& from, const Channels<Float
 HWY_INLINE Channels<Ints> unitToBytes(const Channels<Floats>& c) {
     return mapChannels(c, [](Floats channel) HWY_ATTR {
         return truncateInRange(hn::Mul(channel, constant(255.0f)));
+    });
+}
+
+HWY_INLINE Channels<Ints> mixToBytes(const Channels<Floats>& mixed) {
+    return mapChannels(mixed, [](Floats channel) HWY_ATTR {
+        return clampToBytes(hn::Mul(channel, constant(255.0f)));
     });
 }
 
@@ -172,7 +187,7 @@ HWY_INLINE void mixRun(const Run& run, bool passesOutside, PixelSpan& span, std:
         if (passesOutside && hn::AllTrue(FloatTag(), outside)) {
             storeClamped(unitToBytes(unchanged), span, i);
         } else {
-            storeClamped(mix(unchanged, changed(hsl, turns), weight), span, i);
+            storeClamped(mixToBytes(mix(unchanged, changed(hsl, turns), weight)), span, i);
         }
     });
 }
@@ -185,7 +200,7 @@ void changeColourRange(PixelSpan& span, const HueBand& band, const RangeChange& 
     for (std::size_t first = 0; first < span.count; first += runLength) {
         const auto convert = [&]() HWY_ATTR {
             forEachVectorOfRun(span, first, [&](std::size_t i) HWY_ATTR {
-                store(toHsl(bytesToUnit(loadIntChannels(span, i))), run, i - first);
+                store(bytesToHsl(loadIntChannels(span, i)), run, i - first);
             });
         };
         convert();
@@ -214,6 +229,66 @@ void changeColourRange(PixelSpan& span, const HueBand& band, const RangeChange& 
     }
 }
 
+// The same for colours whose channels are floats, which the steps hand on as they are.
+HWY_INLINE Channels<Floats> changedColours(Channels<Floats> c, const HueBand& band,
+                                           const RangeChange& change) {
+    Hsl hsl = floatsToHsl(c);
+    const Floats weight = weightOf(band, hsl.hue);
+    const auto colourOf = [](Floats hue, Floats saturation, Floats lightness) HWY_ATTR {
+        return toRgb(turnsOf(hn::Div(hue, constant(360.0f))), saturation, lightness);
+    };
+    const auto mixWith = [&](const Channels<Floats>& changed) HWY_ATTR {
+        const Channels<Floats> from = colourOf(hsl.hue, hsl.saturation, hsl.lightness);
+        c = mapChannels(mix(from, changed, weight),
+                        [](Floats channel) HWY_ATTR { return clampTo(1.0f, channel); });
+        hsl = floatsToHsl(c);
+    };
+    if (change.shift != 0.0f) {
+        mixWith(colourOf(shiftHue(hsl.hue, change.shift), hsl.saturation, hsl.lightness));
+    }
+    if (change.saturationRatio != 0.0f) {
+        const Floats saturation = scale(hsl.saturation, change.saturationRatio);
+        mixWith(colourOf(hsl.hue, saturation, hsl.lightness));
+    }
+    if (change.lightnessRatio != 0.0f) {
+        const Floats lightness = scale(hsl.lightness, change.lightnessRatio);
+        mixWith(colourOf(hsl.hue, hsl.saturation, lightness));
+    }
+    return c;
+}
+
+void changeTableRange(float* lut, std::size_t count, std::ptrdiff_t stride, const HueBand& band,
+                      const RangeChange& change) {
+    const FloatTag tag;
+    alignas(64) float red[runLength] = {};
+    alignas(64) float green[runLength] = {};
+    alignas(64) float blue[runLength] = {};
+    for (std::size_t first = 0; first < count; first += runLength) {
+        const std::size_t length = HWY_MIN(runLength, count - first);
+        float* const entries = lut + static_cast<std::ptrdiff_t>(first) * stride;
+        float* entry = entries;
+        for (std::size_t i = 0; i < length; ++i, entry += stride) {
+            red[i] = entry[0];
+            green[i] = entry[1];
+            blue[i] = entry[2];
+        }
+        for (std::size_t i = 0; i < length; i += hn::Lanes(tag)) {
+            const Channels<Floats> c{hn::Load(tag, red + i), hn::Load(tag, green + i),
+                                     hn::Load(tag, blue + i)};
+            const Channels<Floats> changed = changedColours(c, band, change);
+            hn::Store(changed.red, tag, red + i);
+            hn::Store(changed.green, tag, green + i);
+            hn::Store(changed.blue, tag, blue + i);
+        }
+        entry = entries;
+        for (std::size_t i = 0; i < length; ++i, entry += stride) {
+            entry[0] = red[i];
+            entry[1] = green[i];
+            entry[2] = blue[i];
+        }
+    }
+}
+
 }  // namespace HWY_NAMESPACE
 }  // namespace keladjust
 HWY_AFTER_NAMESPACE();
@@ -222,9 +297,14 @@ HWY_AFTER_NAMESPACE();
 namespace keladjust {
 
 HWY_EXPORT(changeColourRange);
+HWY_EXPORT(changeTableRange);
 
 void spans::changeColourRange(PixelSpan& span, const HueBand& band, const RangeChange& change) {
     HWY_DYNAMIC_DISPATCH(changeColourRange)(span, band, change);
+}
+void spans::changeTableRange(float* lut, std::size_t count, std::ptrdiff_t stride,
+                             const HueBand& band, const RangeChange& change) {
+    HWY_DYNAMIC_DISPATCH(changeTableRange)(lut, count, stride, band, change);
 }
 
 }  // namespace keladjust

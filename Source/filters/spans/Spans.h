@@ -97,6 +97,11 @@ void applyVignette(PixelSpan& span, const VignetteRow& row, const VignetteBand& 
 /// The hue, saturation and lightness steps of a colour range.
 void changeColourRange(PixelSpan& span, const HueBand& band, const RangeChange& change);
 
+/// The same for the entries of a colour table, `stride` floats apart; at least three, so that they
+/// do not overlap.
+void changeTableRange(float* lut, std::size_t count, std::ptrdiff_t stride, const HueBand& band,
+                      const RangeChange& change);
+
 }  // namespace keladjust::spans
 
 #endif
