@@ -124,6 +124,8 @@ void KelOgreEffectBase::process(unsigned char* outputBuffer, unsigned char* inpu
 bool KelOgreEffectBase::runPass(unsigned char* outputBuffer, unsigned char* inputPixels,
                                 std::uint32_t bytesPerPixel) {
     if (!prepareScene()) return false;
+    // Before anything is asked of the driver: on some systems a window takes its context along.
+    if (!KelOgreEffectBase::frameStarted(Ogre::FrameEvent())) return false;
     if (!acceptsInputs()) return false;
     if (!keladjust::isRenderable(pictureFormat(), bytesPerPixel)) {
         logMessage("Pictures of this depth and format are not rendered");

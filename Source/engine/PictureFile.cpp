@@ -4,7 +4,7 @@
 #include <OgreImage.h>
 #include <OgreResourceGroupManager.h>
 
-#include <filesystem>
+#include "platform/FileName.h"
 
 namespace keladjust {
 
@@ -44,27 +44,24 @@ private:
     std::string folder_;
 };
 
-// Spelt so that the engine never takes it for a folder of resources.cfg, which stays registered.
-std::string folderOf(const std::filesystem::path& path) {
-    return (path.parent_path() / "." / "").string();
-}
-
 }  // namespace
 
 void loadPictureFile(const std::string& path, Ogre::Image& image) {
     image.freeMemory();
     const std::string& defaultGroup = Ogre::ResourceGroupManager::DEFAULT_RESOURCE_GROUP_NAME;
-    const std::filesystem::path file(path);
-    const std::string name = file.filename().string();
+    const std::size_t nameBegin = platform::fileNameBegin(path);
+    const std::string name = path.substr(nameBegin);
     if (name.empty()) {
         OGRE_EXCEPT(Ogre::Exception::ERR_INVALIDPARAMS, "No file is named", "loadPictureFile");
     }
-    if (!file.has_parent_path() &&
+    if (nameBegin == 0 &&
         Ogre::ResourceGroupManager::getSingleton().resourceExists(defaultGroup, name)) {
         image.load(name, defaultGroup);
         return;
     }
-    const PictureFolder folder(folderOf(file));
+    // Spelt so that the engine never takes it for a folder of resources.cfg, which stays
+    // registered.
+    const PictureFolder folder(path.substr(0, nameBegin) + "./");
     image.load(name, PictureFolder::group);
 }
 
