@@ -41,7 +41,11 @@ AtomicFile::AtomicFile(std::filesystem::path target)
 
 AtomicFile::~AtomicFile() {
     std::error_code ignored;
-    if (!committed_) std::filesystem::remove(temporary_, ignored);
+    if (committed_) return;
+    // Windows removes no file that may not be written to, as one that was to replace such a one.
+    std::filesystem::permissions(temporary_, std::filesystem::perms::owner_write,
+                                 std::filesystem::perm_options::add, ignored);
+    std::filesystem::remove(temporary_, ignored);
 }
 
 void AtomicFile::write(std::span<const unsigned char> bytes) {

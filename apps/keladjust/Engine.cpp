@@ -1,5 +1,6 @@
 #include "Engine.h"
 
+#include "platform/FileNames.h"
 #include "platform/ProgramFolder.h"
 
 #include <keladjust/keladjust.h>
@@ -30,7 +31,7 @@ fs::path configurationFolder() {
 
 /// What the library puts in front of file names.
 std::string prefix(const fs::path& folder) {
-    return (folder / "").string();
+    return platform::narrow(folder / "");
 }
 
 /// Without the time of day.

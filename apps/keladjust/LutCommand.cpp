@@ -7,6 +7,7 @@
 #include "ExitCode.h"
 #include "Failure.h"
 #include "PathText.h"
+#include "platform/FileNames.h"
 
 #include <keladjust/keladjust.h>
 
@@ -38,7 +39,7 @@ void refuseToReplacePresets(const std::filesystem::path& output, const CommandLi
 void writeBlueFastest(const _AdjustParam& record, const std::filesystem::path& output) {
     AtomicFile file(output);
     file.write({});  // finds out, with a better message, whether the library can write there
-    if (!writeLut3DFile(record, file.temporary().string().c_str())) {
+    if (!writeLut3DFile(record, platform::narrow(file.temporary()).c_str())) {
         throw Failure("cannot write " + textOf(output) +
                       "; check that the folder exists and you may write to it");
     }

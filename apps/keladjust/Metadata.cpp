@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <limits>
 #include <mutex>
+#include <stdexcept>
 #include <string_view>
 
 namespace keladjust::app {
@@ -46,6 +48,10 @@ private:
 };
 
 std::unique_ptr<Exiv2::Image> openImage(std::span<const unsigned char> file) {
+    // Exiv2 counts in `long`, which has 32 bits under Windows.
+    if (file.size() > static_cast<std::size_t>(std::numeric_limits<long>::max())) {
+        throw std::length_error("the file is too large");
+    }
     std::unique_ptr<Exiv2::Image> image(
         Exiv2::ImageFactory::open(file.data(), static_cast<long>(file.size())).release());
     image->readMetadata();

@@ -3,19 +3,26 @@
 #include "Failure.h"
 #include "InputFile.h"
 #include "PathText.h"
+#include "platform/FileNames.h"
 
 #include <map>
+#include <set>
 
 namespace keladjust::app {
 namespace {
 
 namespace fs = std::filesystem;
 
-/// One spelling per file, however it was named and whether or not it exists yet.
+/// The full name, through symbolic links, of a file that may not exist yet.
 fs::path canonicalPath(const fs::path& path) {
     std::error_code error;
     const fs::path canonical = fs::weakly_canonical(fs::absolute(path), error);
     return error ? fs::absolute(path).lexically_normal() : canonical;
+}
+
+/// One spelling per file, however it was named.
+fs::path identityOf(const fs::path& path) {
+    return platform::comparable(canonicalPath(path));
 }
 
 bool isFolder(const fs::path& output, std::size_t pictures) {
@@ -76,7 +83,7 @@ PicturePlan planPicture(const Options& options, const fs::path& input, bool into
 class Claims {
 public:
     explicit Claims(const std::vector<fs::path>& inputs) : inputs_(inputs) {
-        for (const fs::path& input : inputs) canonicalInputs_.emplace(canonicalPath(input), input);
+        for (const fs::path& input : inputs) identities_.insert(identityOf(input));
     }
 
     void add(const fs::path& output, const std::string& maker, bool mayReplaceInput) {
@@ -84,7 +91,7 @@ public:
             throw UsageError(textOf(output) + " is an input and would be overwritten; choose " +
                              "another name, or --in-place if that is what you want");
         }
-        const auto [claim, isNew] = makers_.emplace(canonicalPath(output), maker);
+        const auto [claim, isNew] = makers_.emplace(identityOf(output), maker);
         if (!isNew) {
             throw UsageError(claim->second + " and " + maker + " would both be written to " +
                              textOf(output) + "; adjust them in separate runs");
@@ -93,7 +100,7 @@ public:
 
 private:
     bool isInput(const fs::path& output) const {
-        if (canonicalInputs_.contains(canonicalPath(output))) return true;
+        if (identities_.contains(identityOf(output))) return true;
         // Names can differ and still mean one file: hard links, file systems that ignore case.
         std::error_code error;
         if (!fs::exists(output, error)) return false;
@@ -104,7 +111,7 @@ private:
     }
 
     const std::vector<fs::path>& inputs_;
-    std::map<fs::path, fs::path> canonicalInputs_;
+    std::set<fs::path> identities_;
     std::map<fs::path, std::string> makers_;
 };
 

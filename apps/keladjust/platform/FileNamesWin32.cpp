@@ -1,0 +1,57 @@
+#include "platform/FileNames.h"
+
+#include "Failure.h"
+#include "PathText.h"
+
+#define WIN32_LEAN_AND_MEAN
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+
+#include <optional>
+
+namespace keladjust::app::platform {
+namespace {
+
+/// In the code page that narrow functions expect; nothing if it lacks one of the letters.
+std::optional<std::string> inCodePage(const std::wstring& text) {
+    const bool anyLetter = GetACP() == CP_UTF8;
+    const DWORD exactly = anyLetter ? 0 : WC_NO_BEST_FIT_CHARS;
+    BOOL lost = FALSE;
+    const int length = static_cast<int>(text.size());
+    const int size = WideCharToMultiByte(CP_ACP, exactly, text.data(), length, nullptr, 0, nullptr,
+                                         anyLetter ? nullptr : &lost);
+    if (lost || (size == 0 && length != 0)) return std::nullopt;
+    std::string result(static_cast<std::size_t>(size), '\0');
+    WideCharToMultiByte(CP_ACP, exactly, text.data(), length, result.data(), size, nullptr,
+                        nullptr);
+    return result;
+}
+
+/// With every part in its form of eight letters and three, where the disk has those.
+std::wstring shortName(const std::wstring& text) {
+    std::wstring result(GetShortPathNameW(text.c_str(), nullptr, 0), L'\0');
+    result.resize(
+        GetShortPathNameW(text.c_str(), result.data(), static_cast<DWORD>(result.size())));
+    return result;
+}
+
+}  // namespace
+
+std::filesystem::path comparable(const std::filesystem::path& path) {
+    std::wstring name = path.native();
+    CharUpperBuffW(name.data(), static_cast<DWORD>(name.size()));
+    return name;
+}
+
+std::string narrow(const std::filesystem::path& path) {
+    if (const auto name = inCodePage(path.native())) return *name;
+    const std::wstring shorter = shortName(path.native());
+    if (!shorter.empty()) {
+        if (const auto name = inCodePage(shorter)) return *name;
+    }
+    throw Failure("letters in " + textOf(path) + " are none of this system's; use another folder");
+}
+
+}  // namespace keladjust::app::platform
