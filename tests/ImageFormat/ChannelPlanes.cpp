@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -170,22 +171,24 @@ TEST(Combine, IntoAnImageWithoutADepthHasNothingToWrite) {
 // Planes that do not belong together are a programming error, reported in release builds, too.
 // The report's wording about them is the platform's; these texts are the library's.
 TEST(CombineDeathTest, ReportsPlanesThatDiffer) {
+    using ::testing::HasSubstr;
     CxImage plane(3, 3, 8, IMAGE_FORMAT_GRAY);
     CxImage wider(4, 3, 8, IMAGE_FORMAT_GRAY);
     CxImage higher(3, 4, 8, IMAGE_FORMAT_GRAY);
     CxImage deeper(3, 3, 24, IMAGE_FORMAT_RGB);
     CxImage image(3, 3, 24, IMAGE_FORMAT_RGB);
-    const std::string without =
-        "Source.ImageFormat:622.*\\(rw == gw && gw == bw\\) && \\(rh == gh && gh == bh\\) && "
-        "\\(r->GetBpp\\(\\) == g->GetBpp\\(\\) && g->GetBpp\\(\\) == b->GetBpp\\(\\) && "
-        "b->GetBpp\\(\\) == 8\\)";
+    const auto without = ::testing::AllOf(
+        HasSubstr("Source\\ImageFormat"), HasSubstr("622"),
+        HasSubstr("(rw == gw && gw == bw) && (rh == gh && gh == bh) && (r->GetBpp() == g->GetBpp() "
+                  "&& g->GetBpp() == b->GetBpp() && b->GetBpp() == 8)"));
     EXPECT_DEATH(image.Combine(&plane, &wider, &plane, nullptr, 0), without);
     EXPECT_DEATH(image.Combine(&plane, &plane, &higher, nullptr, 0), without);
     EXPECT_DEATH(image.Combine(&deeper, &deeper, &deeper, nullptr, 0), without);
-    const std::string with =
-        "Source.ImageFormat:617.*\\(rw == gw && gw == bw && bw == aw\\) && \\(rh == gh && gh == bh "
-        "&& bh == ah\\) && \\(r->GetBpp\\(\\) == g->GetBpp\\(\\) && g->GetBpp\\(\\) == "
-        "b->GetBpp\\(\\) && b->GetBpp\\(\\) == a->GetBpp\\(\\) && a->GetBpp\\(\\) == 8\\)";
+    const auto with = ::testing::AllOf(
+        HasSubstr("Source\\ImageFormat"), HasSubstr("617"),
+        HasSubstr("(rw == gw && gw == bw && bw == aw) && (rh == gh && gh == bh && bh == ah) && "
+                  "(r->GetBpp() == g->GetBpp() && g->GetBpp() == b->GetBpp() && "
+                  "b->GetBpp() == a->GetBpp() && a->GetBpp() == 8)"));
     EXPECT_DEATH(image.Combine(&plane, &plane, &plane, &wider, 0), with);
 }
 

@@ -53,6 +53,22 @@ TEST(AtomicFile, ReplacesAFileAndKeepsItsPermissions) {
     EXPECT_EQ(std::filesystem::status(folder / "target").permissions(), before);
 }
 
+// Systems differ in whether such a file may be replaced; none may be left with two.
+TEST(AtomicFile, LeavesNothingBesideAFileThatMayNotBeWrittenTo) {
+    const TemporaryFolder folder;
+    writeFile(folder / "target", std::string_view("old"));
+    std::filesystem::permissions(folder / "target", std::filesystem::perms::owner_read);
+    std::string expected = "new";
+    try {
+        writeFile(folder / "target", std::string_view("new"));
+    } catch (const Failure&) {
+        expected = "old";
+    }
+    EXPECT_EQ(textIn(folder / "target"), expected);
+    EXPECT_EQ(folder.files(), std::vector<std::string>{"target"});
+    std::filesystem::permissions(folder / "target", std::filesystem::perms::owner_all);
+}
+
 TEST(AtomicFile, SaysWhichFileCannotBeWritten) {
     const TemporaryFolder folder;
     writeFile(folder / "file", std::string_view("x"));

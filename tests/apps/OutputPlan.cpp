@@ -84,6 +84,17 @@ TEST_F(OutputPlanTest, RefusesTwoOutputsOfOneName) {
     EXPECT_THROW(planOutputs(options), UsageError);
 }
 
+TEST_F(OutputPlanTest, TellsNamesApartAsTheSystemDoes) {
+    picture("x/a.png");
+    picture("y/A.PNG");
+    options.output = folder / "out";
+    if (std::filesystem::path::preferred_separator == '\\') {
+        EXPECT_THROW(planOutputs(options), UsageError);  // one file to Windows
+    } else {
+        EXPECT_NO_THROW(planOutputs(options));
+    }
+}
+
 TEST_F(OutputPlanTest, CountsComparisonsSheetsAndPresetsAmongTheOutputs) {
     picture("x/a.png");
     picture("x/a-compare.png");

@@ -28,10 +28,15 @@ constexpr const char* tooLow =
     " Please upgrade the driver of your video card!";
 constexpr const char* onTheCpu = "Using C algorithm to running!";
 
+std::string contentsOf(const fs::path& path) {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
 TEST(DriverVersion, DecidesThePath) {
     const char* asked = std::getenv("MESA_GL_VERSION_OVERRIDE");
     ASSERT_NE(asked, nullptr);
-    const std::string version = asked;
+    const std::string version = std::string(asked).substr(0, 3);  // without what it may end in
     const std::string prefix =
         (fs::temp_directory_path() / ("keladjust-version-" + std::to_string(getpid()))).string();
     setLogPath(prefix.c_str());
@@ -64,8 +69,7 @@ TEST(DriverVersion, DecidesThePath) {
     }
     releaseOgre();
 
-    std::ifstream file(prefix + "Ogre.log");
-    const std::string log{std::istreambuf_iterator<char>(file), {}};
+    const std::string log = contentsOf(prefix + "Ogre.log");
     const auto has = [&log](const std::string& text) {
         return log.find(text) != std::string::npos;
     };

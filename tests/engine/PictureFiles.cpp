@@ -29,8 +29,8 @@ protected:
             << "[General]\nFileSystem=" << (folder / "known").string() << '\n';
         before = fs::current_path();
         fs::current_path(folder);
-        setLogPath((folder / "").c_str());
-        ASSERT_TRUE(initOgreRunTime((folder / "").c_str(), KELADJUST_ENGINE_CONFIG));
+        setLogPath((folder / "").string().c_str());
+        ASSERT_TRUE(initOgreRunTime((folder / "").string().c_str(), KELADJUST_ENGINE_CONFIG));
     }
     void TearDown() override {
         releaseOgre();
@@ -51,8 +51,8 @@ protected:
               unsigned char seed) {
         const auto rows = tightRows(
             width, height, static_cast<unsigned>(Ogre::PixelUtil::getNumElemBytes(format)), seed);
-        return libraryState().gpu.thread->storePicture(file.c_str(), rows.data(), width, height,
-                                                       format);
+        return libraryState().gpu.thread->storePicture(file.string().c_str(), rows.data(), width,
+                                                       height, format);
     }
     void expectPicture(const std::string& name, unsigned width, unsigned height, unsigned bytes,
                        _ImagePixelFormat format, unsigned char seed) {
@@ -121,7 +121,7 @@ TEST_F(PictureFiles, AreFoundWhereTheyAreNamed) {
     ASSERT_EQ(store(folder / "here.png", 5, 3, Ogre::PF_B8G8R8, 3), 1);
     // The engine looks into the folders of resources.cfg at its start.
     releaseOgre();
-    ASSERT_TRUE(initOgreRunTime((folder / "").c_str(), KELADJUST_ENGINE_CONFIG));
+    ASSERT_TRUE(initOgreRunTime((folder / "").string().c_str(), KELADJUST_ENGINE_CONFIG));
     for (int i = 0; i < 2; ++i) {
         expectPicture((folder / "sub" / "same.png").string(), 5, 3, 3, IMAGE_FORMAT_RGB, 1);
         expectPicture("sub/same.png", 5, 3, 3, IMAGE_FORMAT_RGB, 1);

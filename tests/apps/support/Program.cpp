@@ -1,5 +1,6 @@
 #include "support/Program.h"
 
+#include "PathText.h"
 #include "support/TemporaryFolder.h"
 
 #include <cstdlib>
@@ -25,7 +26,7 @@ std::string contents(const std::filesystem::path& path) {
 int runShell(const std::string& command) {
 #ifdef _WIN32
     // The shell takes off the outermost quotes.
-    return std::system(quoted(command).c_str());
+    return _wsystem(app::pathFromText(quoted(command)).c_str());
 #else
     const int status = std::system(command.c_str());
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -35,7 +36,7 @@ int runShell(const std::string& command) {
 }  // namespace
 
 std::filesystem::path programPath() {
-    return KELADJUST_PROGRAM;
+    return std::filesystem::absolute(KELADJUST_PROGRAM).make_preferred();
 }
 
 Outcome runProgram(const std::vector<std::string>& arguments) {
