@@ -12,6 +12,7 @@ set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 # Nothing that is built needs a run-time library of MinGW beside it.
 set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
 set(CMAKE_SHARED_LINKER_FLAGS_INIT -static)
+set(CMAKE_MODULE_LINKER_FLAGS_INIT -static)
 
 if(NOT CMAKE_FIND_ROOT_PATH)
     set(CMAKE_FIND_ROOT_PATH
