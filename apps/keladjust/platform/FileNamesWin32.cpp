@@ -3,7 +3,6 @@
 #include "Failure.h"
 #include "PathText.h"
 
-#define WIN32_LEAN_AND_MEAN
 #ifndef NOMINMAX
 #define NOMINMAX
 #endif

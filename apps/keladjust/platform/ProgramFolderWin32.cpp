@@ -1,6 +1,5 @@
 #include "platform/ProgramFolder.h"
 
-#define WIN32_LEAN_AND_MEAN
 #ifndef NOMINMAX
 #define NOMINMAX
 #endif
