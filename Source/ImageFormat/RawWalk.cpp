@@ -1,7 +1,6 @@
 #include "ImageFormat/RawWalk.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "ImageFormat/Geometry.h"
 #include "ImageFormat/Interleave.h"
@@ -20,25 +19,6 @@ bool rawWalkMeetsPixels(const CxImage& image) {
     const PixelLayout layout = layoutOf(image);
     const bool bytesAreChannels = layout == PixelLayout::gray8 || storesLanesWhole(layout);
     return bytesAreChannels && image.effWidth == image.width * image.bytesPerPixel;
-}
-
-void storeChannels(const RawWalk& walk, std::size_t first, std::size_t count,
-                   const std::uint8_t* changed) {
-    std::uint8_t* const pixels = walk.first + first * walk.step;
-    if (walk.step == walk.channels) {
-        std::memcpy(pixels, changed, count * walk.step);
-        return;
-    }
-    // Four bytes, three of them channels: words, because bytes with gaps make no vectors.
-    constexpr std::uint32_t fourthByte = 0xFF000000;
-    for (std::size_t i = 0; i < count; ++i) {
-        std::uint32_t kept;
-        std::uint32_t word;
-        std::memcpy(&kept, pixels + 4 * i, sizeof kept);
-        std::memcpy(&word, changed + 4 * i, sizeof word);
-        word = (word & ~fourthByte) | (kept & fourthByte);
-        std::memcpy(pixels + 4 * i, &word, sizeof word);
-    }
 }
 
 void loadRun(const RawWalk& walk, std::size_t first, PixelSpan& span) {

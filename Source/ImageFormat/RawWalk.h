@@ -28,11 +28,6 @@ RawWalk rawWalkOf(CxImage& image);
 /// byte included, so that a walk can be taken span by span.
 bool rawWalkMeetsPixels(const CxImage& image);
 
-/// Takes the channel bytes of `count` pixels, from the pixel `first` on, out of `changed`, which
-/// holds whole pixels; bytes that are no channels stay. For steps of 1 to 4.
-void storeChannels(const RawWalk& walk, std::size_t first, std::size_t count,
-                   const std::uint8_t* changed);
-
 /// Takes `span.count` pixels, from the pixel `first` on, into a span: their first channel as blue,
 /// the second, where they have one, as green, the third as red.
 void loadRun(const RawWalk& walk, std::size_t first, PixelSpan& span);
@@ -66,31 +61,6 @@ void withStep(std::size_t step, Body body) {
             return body(std::integral_constant<std::size_t, 4>{});
         default:
             return body(step);
-    }
-}
-
-/// Sets every channel byte of the pixels begin..end-1 to `change(offset)`, where `offset` counts
-/// bytes from the first of the walk. `change` also sees bytes that are no channels; they stay.
-template <class Change>
-void changeChannels(const RawWalk& walk, std::size_t begin, std::size_t end, Change change) {
-    if (walk.step > 4) {
-        for (std::size_t i = begin; i < end; ++i) {
-            for (std::size_t c = 0; c < walk.channels; ++c) {
-                const std::size_t offset = i * walk.step + c;
-                walk.first[offset] = change(offset);
-            }
-        }
-        return;
-    }
-    // Runs of bytes without a gap, so that the loop over them becomes vectors.
-    constexpr std::size_t runPixels = 512;
-    std::array<std::uint8_t, 4 * runPixels> changed;
-    for (std::size_t i = begin; i < end; i += runPixels) {
-        const std::size_t count = std::min(runPixels, end - i);
-        const std::size_t offset = i * walk.step;
-        const std::size_t bytes = count * walk.step;
-        for (std::size_t j = 0; j < bytes; ++j) changed[j] = change(offset + j);
-        storeChannels(walk, i, count, changed.data());
     }
 }
 
