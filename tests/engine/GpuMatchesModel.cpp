@@ -54,8 +54,7 @@ void fill(HostPicture& picture, auto colourAt) {
 
 // A photograph, repeated where the size goes beyond it.
 HostPicture photograph(Size size, PixelFormat format) {
-    static HostPicture photo =
-        photographCrop("abstract/Elephants_5640x3172.jpg", 800, 80, 4000, 3000);
+    static HostPicture photo = photographCrop("abstract/Elephants_5640x3172", 800, 80, 4000, 3000);
     HostPicture picture(size.width, size.height, format.bpp, format.format);
     fill(picture, [](unsigned x, unsigned y) {
         _tagMyRGBQUAD colour = photo.pixel((x + 1800) % 4000, (y + 1300) % 3000);

@@ -121,7 +121,7 @@ TEST(Denoise, PicturesWithoutColourPlanesAreLeftAlone) {
 
 // The mean of 64 blocks, truncated, may fall just short of the level it stands for.
 TEST(Denoise, SmallSettingLosesAtMostOneLevel) {
-    HostPicture picture = photographCrop("nature/YellowFlower.jpg", 600, 400, 160, 120);
+    HostPicture picture = photographCrop("nature/YellowFlower", 600, 400, 160, 120);
     const Bytes8 before = picture.bytes();
     deNoiseRGB(picture.image(), 0.01f);
     const Bytes8 after = picture.bytes();
@@ -409,7 +409,7 @@ TEST(Denoise, LuminanceStageFiltersAllThreePlanes) {
 TEST(Denoise, PhotographIsWithinALevelOfTheDirectTransform) {
     const unsigned width = 400;
     const unsigned height = 300;
-    HostPicture photograph = photographCrop("nature/YellowFlower.jpg", 600, 400, width, height);
+    HostPicture photograph = photographCrop("nature/YellowFlower", 600, 400, width, height);
     for (const float setting : {0.05f, 5.0f, 33.0f, 100.0f}) {
         HostPicture picture(photograph);
         deNoiseRGB(picture.image(), setting);

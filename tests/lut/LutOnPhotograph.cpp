@@ -10,6 +10,7 @@
 #include <fstream>
 #include <memory>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -20,7 +21,6 @@ namespace {
 
 using keladjust::test::HostPicture;
 using keladjust::test::photographCrop;
-using keladjust::test::runFfmpeg;
 namespace fs = std::filesystem;
 
 constexpr unsigned width = 640;
@@ -31,6 +31,11 @@ constexpr _AdjustParam identity = [] {
     settings.temperature = 11500;
     return settings;
 }();
+
+void runFfmpeg(const std::string& arguments) {
+    const std::string command = "ffmpeg -nostdin -v error -y " + arguments;
+    if (std::system(command.c_str()) != 0) throw std::runtime_error("failed: " + command);
+}
 
 class LutOnPhotograph : public testing::Test {
 protected:
@@ -140,7 +145,7 @@ std::vector<Row> rows() {
 }
 
 TEST_F(LutOnPhotograph, IdentityLeavesThePhotographAlone) {
-    HostPicture photograph = photographCrop("nature/YellowFlower.jpg", 600, 400, width, height);
+    HostPicture photograph = photographCrop("nature/YellowFlower", 600, 400, width, height);
     writeRedFastest(identity, file("table.cube"));
     const std::vector<std::uint8_t> looked = throughFfmpeg(photograph, file("table.cube"));
     const std::vector<std::uint8_t> original = photograph.bytes();
@@ -152,7 +157,7 @@ TEST_F(LutOnPhotograph, IdentityLeavesThePhotographAlone) {
 }
 
 TEST_F(LutOnPhotograph, MatchesTheStagesOnThePicture) {
-    HostPicture photograph = photographCrop("nature/YellowFlower.jpg", 600, 400, width, height);
+    HostPicture photograph = photographCrop("nature/YellowFlower", 600, 400, width, height);
     for (const Row& r : rows()) {
         SCOPED_TRACE(r.name);
         writeRedFastest(r.settings, file("table.cube"));
@@ -172,7 +177,7 @@ TEST_F(LutOnPhotograph, MatchesTheStagesOnThePicture) {
 // The library's own file has blue fastest: read by a program that expects red there, it swaps the
 // two channels of the identity.
 TEST_F(LutOnPhotograph, TheLibrarysOwnFileHasBlueFastest) {
-    HostPicture photograph = photographCrop("nature/YellowFlower.jpg", 600, 400, width, height);
+    HostPicture photograph = photographCrop("nature/YellowFlower", 600, 400, width, height);
     ASSERT_TRUE(writeLut3DFile(identity, file("table.cube").c_str()));
     const std::vector<std::uint8_t> looked = throughFfmpeg(photograph, file("table.cube"));
     const std::vector<std::uint8_t> original = photograph.bytes();

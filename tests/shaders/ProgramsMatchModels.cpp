@@ -90,7 +90,7 @@ Texture colourLattice() {
 
 // A corner of one photograph.
 Texture photograph(int width, int height) {
-    static HostPicture crop = photographCrop("nature/FreshFlower.jpg", 500, 300, 640, 428);
+    static HostPicture crop = photographCrop("nature/FreshFlower", 500, 300, 640, 428);
     std::vector<std::uint8_t> rgba;
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {

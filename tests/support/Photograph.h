@@ -7,16 +7,13 @@
 
 namespace keladjust::test {
 
-/// A crop of a real photograph, 24-bit RGB, decoded by ffmpeg.
+/// A crop of a real photograph, 24-bit RGB.
 ///
-/// @param name path below KELADJUST_PHOTO_DIR
-/// @throws std::runtime_error naming what is missing: the photograph or ffmpeg
+/// @param name of one that the build has decoded (tests/CMakeLists.txt), such as
+/// "nature/FreshFlower"
+/// @throws std::runtime_error naming what is missing: the photograph or a part of it
 HostPicture photographCrop(const std::string& name, unsigned x, unsigned y, unsigned width,
                            unsigned height);
-
-/// Runs `ffmpeg` with the arguments given.
-/// @throws std::runtime_error if it is missing or fails
-void runFfmpeg(const std::string& arguments);
 
 }  // namespace keladjust::test
 
