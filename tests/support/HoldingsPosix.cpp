@@ -7,6 +7,8 @@
 
 namespace keladjust::test {
 
+const long handlesLeftByPlugins = 0;
+
 Holdings holdingsNow() {
     Holdings held;
     std::ifstream status("/proc/self/status");
