@@ -211,9 +211,10 @@ TEST(InstructionSets, DoNotShowInOddFloatingPointModes) {
 
 TEST(InstructionSets, DoNotShowInTheColourTable) {
     constexpr std::size_t floats = std::size_t{3} * 32 * 32 * 32;
-    const auto table = [] {
+    const _AdjustParam settings = everyGpuStage().settings;  // computed in the usual mode
+    const auto table = [&] {
         initOgreRunTime(nullptr, nullptr);
-        const float* const values = getLut3dData(everyGpuStage().settings);
+        const float* const values = getLut3dData(settings);
         const std::vector<float> copy(values, values + floats);
         releaseOgre();
         return copy;
