@@ -20,16 +20,9 @@ struct ByteScale {
     }
 };
 
-/// The scale that gives what a table of clamped products with one factor, made in single
-/// precision, holds for every byte.
-///
-/// Of exact products there always is one: the factors that give the same 256 bytes lie between two
-/// fractions with denominators of at most 255, the lower one included, so the smallest of them in
-/// 65536ths exceeds the lower one by less than the two are apart, 1 / 255^2. Only a factor that
-/// single precision cannot tell from such a fraction may have products of which some are rounded up
-/// to a whole number and some are not; then there is none.
-inline std::optional<ByteScale> byteScaleOf(const ByteTable& table) {
-    // The largest of the quotients out / in is that lower fraction.
+/// The smallest scale that reaches every entry of a table from below.
+inline ByteScale leastScaleFor(const ByteTable& table) {
+    // The largest of the quotients out / in.
     std::uint32_t out = 0;
     std::uint32_t in = 1;
     for (std::uint32_t i = 1; i < table.size(); ++i) {
@@ -39,12 +32,29 @@ inline std::optional<ByteScale> byteScaleOf(const ByteTable& table) {
         }
     }
     const std::uint32_t factor = ((out << 16) + in - 1) / in;
-    const ByteScale scale{static_cast<std::uint16_t>(factor >> 16),
-                          static_cast<std::uint16_t>(factor)};
-    for (std::uint32_t i = 0; i < table.size(); ++i) {
-        if (scale(static_cast<std::uint8_t>(i)) != table[i]) return {};
+    return {static_cast<std::uint16_t>(factor >> 16), static_cast<std::uint16_t>(factor)};
+}
+
+/// True if `map(byte)` is what the table holds for every byte.
+template <class Map>
+bool givesTable(const Map& map, const ByteTable& table) {
+    for (unsigned in = 0; in < table.size(); ++in) {
+        if (map(static_cast<std::uint8_t>(in)) != table[in]) return false;
     }
-    return scale;
+    return true;
+}
+
+/// The scale that gives what a table of clamped products with one factor, made in single
+/// precision, holds for every byte.
+///
+/// Of exact products there always is one: the factors that give the same 256 bytes lie between two
+/// fractions with denominators of at most 255, the lower one included, so the smallest of them in
+/// 65536ths exceeds the lower one by less than the two are apart, 1 / 255^2. Only a factor that
+/// single precision cannot tell from such a fraction may have products of which some are rounded up
+/// to a whole number and some are not; then there is none.
+inline std::optional<ByteScale> byteScaleOf(const ByteTable& table) {
+    const ByteScale scale = leastScaleFor(table);
+    return givesTable(scale, table) ? std::optional(scale) : std::nullopt;
 }
 
 }  // namespace keladjust

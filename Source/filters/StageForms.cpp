@@ -62,6 +62,11 @@ private:
     PixelLayout layout_;
 };
 
+// How many threads share the rows.
+std::size_t rowBands(const CxImage& image) {
+    return platform::bandCount(image.height, pixelsPerThread / image.width + 1);
+}
+
 constexpr spans::Bytes bytesOf(std::size_t pixelBytes) {
     return pixelBytes == 4 ? spans::Bytes::threeOfFour : spans::Bytes::all;
 }
@@ -73,13 +78,33 @@ const ByteTable* onlyTable(PixelLayout layout, std::span<const PixelKernel* cons
     return bytesAreChannels && kernels.size() == 1 ? kernels.front()->table() : nullptr;
 }
 
-void mapRows(CxImage& image, PixelLayout layout, const ByteTable& table, std::size_t begin,
-             std::size_t end) {
-    const std::size_t pixelBytes = bytesPerPixelOf(layout);
-    for (std::size_t y = begin; y < end; ++y) {
-        spans::mapBytes(table.data(), bytesOf(pixelBytes), image.pBits + y * image.effWidth,
-                        image.width * pixelBytes);
+// A table on its way over a picture, as a ramp where it is one.
+class ByteMap {
+public:
+    explicit ByteMap(const ByteTable& table) : table_(table), ramp_(byteRampOf(table)) {}
+
+    void operator()(std::uint8_t* bytes, std::size_t pixelBytes, std::size_t count) const {
+        if (ramp_) {
+            spans::rampBytes(*ramp_, bytesOf(pixelBytes), bytes, count);
+        } else {
+            spans::mapBytes(table_.data(), bytesOf(pixelBytes), bytes, count);
+        }
     }
+
+private:
+    const ByteTable& table_;
+    std::optional<ByteRamp> ramp_;
+};
+
+void mapRows(CxImage& image, PixelLayout layout, const ByteTable& table) {
+    const ByteMap map(table);
+    const std::size_t pixelBytes = bytesPerPixelOf(layout);
+    platform::parallelBands(
+        image.height, rowBands(image), [&](std::size_t, std::size_t begin, std::size_t end) {
+            for (std::size_t y = begin; y < end; ++y) {
+                map(image.pBits + y * image.effWidth, pixelBytes, image.width * pixelBytes);
+            }
+        });
 }
 
 }  // namespace
@@ -93,14 +118,12 @@ void TableKernel::run(PixelSpan& span) const {
 void runKernels(CxImage& image, std::span<const PixelKernel* const> kernels) {
     const PixelLayout layout = layoutOf(image);
     if (!hasPixels(&image) || layout == PixelLayout::none || kernels.empty()) return;
-    const ByteTable* const table = onlyTable(layout, kernels);
-    const std::size_t rowsPerThread = pixelsPerThread / image.width + 1;
-    platform::parallelBands(image.height, platform::bandCount(image.height, rowsPerThread),
+    if (const ByteTable* const table = onlyTable(layout, kernels)) {
+        mapRows(image, layout, *table);
+        return;
+    }
+    platform::parallelBands(image.height, rowBands(image),
                             [&](std::size_t, std::size_t begin, std::size_t end) {
-                                if (table != nullptr) {
-                                    mapRows(image, layout, *table, begin, end);
-                                    return;
-                                }
                                 SpanRunner runner(image, layout, kernels, end - begin);
                                 for (std::size_t y = begin; y < end; ++y) {
                                     runner.run(static_cast<unsigned>(y));
@@ -110,12 +133,12 @@ void runKernels(CxImage& image, std::span<const PixelKernel* const> kernels) {
 
 void mapRawWalk(CxImage& image, const ByteTable& table) {
     const RawWalk walk = rawWalkOf(image);
+    const ByteMap map(table);
     platform::parallelBands(walk.count, platform::bandCount(walk.count, pixelsPerThread),
                             [&](std::size_t, std::size_t begin, std::size_t end) {
                                 if (walk.step <= 4) {
-                                    spans::mapBytes(table.data(), bytesOf(walk.step),
-                                                    walk.first + begin * walk.step,
-                                                    (end - begin) * walk.step);
+                                    map(walk.first + begin * walk.step, walk.step,
+                                        (end - begin) * walk.step);
                                     return;
                                 }
                                 for (std::size_t i = begin; i < end; ++i) {

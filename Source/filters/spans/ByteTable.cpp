@@ -1,4 +1,4 @@
-// A byte table applied to many bytes at once.
+// A byte table, or a ramp in its place, applied to many bytes at once.
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "filters/spans/ByteTable.cpp"
@@ -11,24 +11,33 @@ HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
 
-void mapOneByOne(const std::uint8_t* table, bool keepsFourth, std::uint8_t* bytes,
-                 std::size_t count) {
+template <class Map>
+HWY_INLINE void mapOneByOne(Map map, bool keepsFourth, std::uint8_t* bytes, std::size_t count) {
     if (!keepsFourth) {
-        for (std::size_t i = 0; i < count; ++i) bytes[i] = table[bytes[i]];
+        for (std::size_t i = 0; i < count; ++i) bytes[i] = map(bytes[i]);
         return;
     }
     for (std::size_t i = 0; i < count; i += 4) {
         for (std::size_t channel = i; channel < i + 3; ++channel) {
-            bytes[channel] = table[bytes[channel]];
+            bytes[channel] = map(bytes[channel]);
         }
     }
+}
+
+void lookUpOneByOne(const std::uint8_t* table, bool keepsFourth, std::uint8_t* bytes,
+                    std::size_t count) {
+    mapOneByOne([table](std::uint8_t byte) { return table[byte]; }, keepsFourth, bytes, count);
 }
 
 #if HWY_TARGET == HWY_SSE2 || HWY_TARGET == HWY_SCALAR
 
 // No instruction here looks bytes up.
 void mapBytes(const std::uint8_t* table, bool keepsFourth, std::uint8_t* bytes, std::size_t count) {
-    mapOneByOne(table, keepsFourth, bytes, count);
+    lookUpOneByOne(table, keepsFourth, bytes, count);
+}
+
+void rampBytes(const ByteRamp& ramp, bool keepsFourth, std::uint8_t* bytes, std::size_t count) {
+    mapOneByOne(ramp, keepsFourth, bytes, count);
 }
 
 #else
@@ -100,7 +109,67 @@ void mapBytes(const std::uint8_t* table, bool keepsFourth, std::uint8_t* bytes, 
         mapVector(i + vector);
     }
     for (; i + vector <= count; i += vector) mapVector(i);
-    mapOneByOne(table, keepsFourth, bytes + i, count - i);
+    lookUpOneByOne(table, keepsFourth, bytes + i, count - i);
+}
+
+// The numbers of a ramp for every byte of a vector of pixels. Bytes that stay have a slope of 1.
+class RampVectors {
+public:
+    RampVectors(const ByteRamp& ramp, bool keepsFourth)
+        : low_(bytesOf(ramp.low, keepsFourth)),
+          base_(bytesOf(ramp.base, keepsFourth)),
+          even_{hn::Set(WordTag(), ramp.slope.whole), hn::Set(WordTag(), ramp.slope.fraction)},
+          odd_{wordsOf(ramp.slope.whole, 1, keepsFourth),
+               wordsOf(ramp.slope.fraction, 0, keepsFourth)} {}
+
+    HWY_INLINE Bytes map(Bytes values) const {
+        const ByteTag tag;
+        const Words ways = hn::BitCast(WordTag(), hn::SaturatedSub(values, low_));
+        const Words even = product(hn::And(ways, hn::Set(WordTag(), 255)), even_);
+        const Words odd = product(hn::ShiftRight<8>(ways), odd_);
+        const Words risen = hn::Or(even, hn::ShiftLeft<8>(odd));
+        return hn::SaturatedAdd(hn::BitCast(tag, risen), base_);
+    }
+
+private:
+    using WordTag = hn::Repartition<std::uint16_t, ByteTag>;
+    using Words = hn::Vec<WordTag>;
+    using PixelTag = hn::Repartition<std::uint32_t, ByteTag>;
+
+    struct Slope {
+        Words whole;
+        Words fraction;
+    };
+
+    // Neither the product nor the sum leaves 16 bits.
+    static HWY_INLINE Words product(Words ways, const Slope& slope) {
+        const Words sum = hn::Add(hn::Mul(ways, slope.whole), hn::MulHigh(ways, slope.fraction));
+        return hn::Min(sum, hn::Set(WordTag(), 255));
+    }
+    static HWY_INLINE Bytes bytesOf(std::uint8_t value, bool keepsFourth) {
+        const std::uint32_t pixel = value * (keepsFourth ? 0x010101u : 0x01010101u);
+        return hn::BitCast(ByteTag(), hn::Set(PixelTag(), pixel));
+    }
+    static HWY_INLINE Words wordsOf(std::uint16_t value, std::uint16_t fourth, bool keepsFourth) {
+        const std::uint32_t upper = keepsFourth ? fourth : value;
+        return hn::BitCast(WordTag(), hn::Set(PixelTag(), value | upper << 16));
+    }
+
+    Bytes low_;
+    Bytes base_;
+    Slope even_;
+    Slope odd_;
+};
+
+void rampBytes(const ByteRamp& ramp, bool keepsFourth, std::uint8_t* bytes, std::size_t count) {
+    const ByteTag tag;
+    const std::size_t vector = hn::Lanes(tag);
+    const RampVectors vectors(ramp, keepsFourth);
+    std::size_t i = 0;
+    for (; i + vector <= count; i += vector) {
+        hn::StoreU(vectors.map(hn::LoadU(tag, bytes + i)), tag, bytes + i);
+    }
+    mapOneByOne(ramp, keepsFourth, bytes + i, count - i);
 }
 
 #endif
@@ -113,10 +182,14 @@ HWY_AFTER_NAMESPACE();
 namespace keladjust {
 
 HWY_EXPORT(mapBytes);
+HWY_EXPORT(rampBytes);
 
 void spans::mapBytes(const std::uint8_t* table, Bytes which, std::uint8_t* bytes,
                      std::size_t count) {
     HWY_DYNAMIC_DISPATCH(mapBytes)(table, which == Bytes::threeOfFour, bytes, count);
+}
+void spans::rampBytes(const ByteRamp& ramp, Bytes which, std::uint8_t* bytes, std::size_t count) {
+    HWY_DYNAMIC_DISPATCH(rampBytes)(ramp, which == Bytes::threeOfFour, bytes, count);
 }
 
 }  // namespace keladjust

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "ImageFormat/PixelSpan.h"
+#include "filters/ByteRamp.h"
 #include "filters/ColourRanges.h"
 
 /// The inner loops of the per-pixel stages, compiled for every instruction set and chosen when they
@@ -19,6 +20,9 @@ enum class Bytes {
 
 /// Maps the `count` bytes by a table of 256; `count` is in whole pixels where that matters.
 void mapBytes(const std::uint8_t* table, Bytes which, std::uint8_t* bytes, std::size_t count);
+
+/// The same by a ramp.
+void rampBytes(const ByteRamp& ramp, Bytes which, std::uint8_t* bytes, std::size_t count);
 
 /// Where the coefficient of a tonal stage is large.
 enum class Tones { bright, dark };
