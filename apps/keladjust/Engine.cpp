@@ -101,6 +101,8 @@ std::optional<std::string> Engine::refusal() {
 
 std::vector<std::string> Engine::newLines() {
     log_.clear();
+    // Some libraries read no more of a file that has once come to its end until it is sought in.
+    log_.seekg(0, std::ios::cur);
     std::vector<std::string> lines;
     for (std::string line; std::getline(log_, line);) lines.push_back(withoutTime(line));
     return lines;

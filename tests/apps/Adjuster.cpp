@@ -5,19 +5,15 @@
 #include "Failure.h"
 #include "Fields.h"
 #include "support/Pictures.h"
+#include "support/TwoPaths.h"
 #include "support/Variable.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <csignal>
-#include <cstdlib>
 #include <functional>
 #include <string>
 #include <utility>
-
-#include <sys/types.h>
-#include <unistd.h>
 
 namespace {
 
@@ -26,20 +22,6 @@ using namespace keladjust::test;
 
 // OpenGL's guaranteed largest texture is smaller, Mesa's is 16384.
 constexpr std::uint32_t BEYOND_TEXTURES = 16385;
-
-/// Settings by which the two paths part: the GPU's floats stay floats between the stages.
-_AdjustParam someSettings() {
-    _AdjustParam record = identityRecord();
-    record.temperature = 8000;
-    record.shadows = 40;
-    record.range[KELADJUST_RANGE_RED].saturation = 30;
-    return record;
-}
-
-Photo adjusted(Photo photo, GpuUse use) {
-    Adjuster(use).adjust(photo, someSettings());
-    return photo;
-}
 
 void expectFailure(const std::function<void()>& work, const std::string& reason) {
     try {
@@ -150,31 +132,13 @@ TEST_F(AdjusterOnADisplay, WithoutADisplayTheCpuHasToDo) {
 
 // What the engine says is not to be known then, so nothing is claimed.
 TEST_F(AdjusterOnADisplay, WithoutALogTheCpuHasToDo) {
-    const Variable temporary("TMPDIR", "/no/such/folder");
+    const Variable temporary(temporaryFolderVariable, "/no/such/folder");
     Adjuster adjuster(GpuUse::whenPossible);
     Photo photo = colours;
     const Adjustment adjustment = adjuster.adjust(photo, someSettings());
     EXPECT_FALSE(adjustment.onGpuPath);
     EXPECT_EQ(adjustment.obstacle, "the log of the rendering engine cannot be read");
     expectSamePixels(photo, onCpu);
-}
-
-// Run by itself, on a display that it ends: a driver may go on rendering or not, but what is told
-// is true.
-TEST(AdjusterOnADyingDisplay, TellsTheTruth) {
-    const Photo colours = noise(61, 47, PixelLayout::bgra);
-    const Photo onCpu = adjusted(colours, GpuUse::never);
-    Adjuster adjuster(GpuUse::whenPossible);
-    Photo onGpu = colours;
-    ASSERT_TRUE(adjuster.adjust(onGpu, someSettings()).onGpuPath);
-
-    ASSERT_EQ(kill(static_cast<pid_t>(std::stol(std::getenv("WITH_DISPLAY_SERVER"))), SIGKILL), 0);
-    usleep(200'000);
-    for (int i = 0; i < 3; ++i) {
-        Photo photo = colours;
-        const bool rendered = adjuster.adjust(photo, someSettings()).onGpuPath;
-        expectSamePixels(photo, rendered ? onGpu : onCpu);
-    }
 }
 
 }  // namespace

@@ -78,7 +78,7 @@ TEST_F(ProgramGpu, LeavesTheEngineAloneIfNothingIsToBeDone) {
 
 TEST_F(ProgramGpu, LeavesNothingButItsPicturesAnywhere) {
     const TemporaryFolder scratch;
-    const Variable temporary("TMPDIR", scratch.path().c_str());
+    const Variable temporary(temporaryFolderVariable, scratch.path().string().c_str());
     const auto before = std::filesystem::current_path();
     std::filesystem::current_path(folder.path());
     for (const char* use : {"--gpu", "--cpu", "--auto"}) {

@@ -19,7 +19,7 @@ std::filesystem::path programPath();
 
 /// Runs the program and waits for its end.
 ///
-/// @param arguments without letters that a shell treats specially between double quotes
+/// @param arguments in UTF-8, without letters that a shell treats specially between double quotes
 Outcome runProgram(const std::vector<std::string>& arguments);
 
 }  // namespace keladjust::test

@@ -7,26 +7,24 @@
 
 namespace keladjust::test {
 
+/// Sets an environment variable of this process and those it starts; null: removes it.
+void setVariable(const char* name, const char* value);
+
+/// The variable that names the folder for temporary files.
+extern const char* const temporaryFolderVariable;
+
 /// Another value for an environment variable while it lives; null: none at all.
 class Variable {
 public:
     Variable(const char* name, const char* value) : name_(name) {
         if (const char* before = std::getenv(name)) before_ = before;
-        set(value);
+        setVariable(name, value);
     }
-    ~Variable() { set(before_ ? before_->c_str() : nullptr); }
+    ~Variable() { setVariable(name_, before_ ? before_->c_str() : nullptr); }
     Variable(const Variable&) = delete;
     Variable& operator=(const Variable&) = delete;
 
 private:
-    void set(const char* value) const {
-        if (value) {
-            setenv(name_, value, 1);
-        } else {
-            unsetenv(name_);
-        }
-    }
-
     const char* name_;
     std::optional<std::string> before_;
 };

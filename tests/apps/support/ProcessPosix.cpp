@@ -1,0 +1,25 @@
+#include "support/Process.h"
+
+#include <cstdlib>
+
+#include <sys/wait.h>
+
+namespace keladjust::test {
+namespace {
+
+std::string quoted(const std::string& text) {
+    return '"' + text + '"';
+}
+
+}  // namespace
+
+int runProcess(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+               const std::filesystem::path& output, const std::filesystem::path& errors) {
+    std::string command = quoted(program);
+    for (const std::string& argument : arguments) command += ' ' + quoted(argument);
+    command += " > " + quoted(output) + " 2> " + quoted(errors);
+    const int status = std::system(command.c_str());
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+}  // namespace keladjust::test
