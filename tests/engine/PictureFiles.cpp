@@ -12,6 +12,7 @@
 
 #include "engine/KelOgreRenderThread.h"
 #include "host/LibraryState.h"
+#include "support/HostName.h"
 #include "support/HostPicture.h"
 
 namespace {
@@ -129,6 +130,22 @@ TEST_F(PictureFiles, AreFoundWhereTheyAreNamed) {
         expectPicture((folder / "known" / "same.png").string(), 5, 3, 3, IMAGE_FORMAT_RGB, 2);
         expectPicture("here.png", 5, 3, 3, IMAGE_FORMAT_RGB, 3);
     }
+}
+
+// Letters that are one byte in the code page of a Windows system and two elsewhere.
+TEST_F(PictureFiles, MayHaveAnyLettersOfTheSystem) {
+    using keladjust::test::hostName;
+    const fs::path dune = fs::path(u8"Wüste") / u8"Düne.png";
+    fs::create_directory(dune.parent_path());
+    ASSERT_EQ(store("first.png", 5, 3, Ogre::PF_B8G8R8, 1), 1);
+    ASSERT_EQ(store("second.png", 7, 2, Ogre::PF_A8B8G8R8, 2), 1);
+    fs::rename("first.png", dune);
+    fs::rename("second.png", dune.filename());
+    expectPicture(hostName(dune), 5, 3, 3, IMAGE_FORMAT_RGB, 1);
+    expectPicture(hostName(folder / dune), 5, 3, 3, IMAGE_FORMAT_RGB, 1);
+    expectPicture(hostName((folder / dune).make_preferred()), 5, 3, 3, IMAGE_FORMAT_RGB, 1);
+    expectPicture(hostName(dune.filename()), 7, 2, 4, IMAGE_FORMAT_RGBA, 2);
+    expectNone(hostName(dune.parent_path() / u8"Dünen.png").c_str());
 }
 
 TEST_F(PictureFiles, AreReadAnewEachTime) {
