@@ -1,5 +1,7 @@
 #include "ImageFormat/Interleave.h"
 
+#include <utility>
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "ImageFormat/Interleave.cpp"
 #include <hwy/foreach_target.h>
@@ -67,6 +69,52 @@ void interleave(const std::uint8_t* first, const std::uint8_t* second, const std
     }
 }
 
+// Pixels of either size, as many as a vector has bytes.
+struct PixelBytes {
+    Bytes first;
+    Bytes second;
+    Bytes third;
+    Bytes fourth;
+
+    HWY_INLINE void load(const std::uint8_t* pixels, std::size_t step) {
+        if (step == 4) {
+            hn::LoadInterleaved4(ByteTag(), pixels, first, second, third, fourth);
+        } else {
+            hn::LoadInterleaved3(ByteTag(), pixels, first, second, third);
+            fourth = hn::Zero(ByteTag());
+        }
+    }
+    HWY_INLINE void store(std::uint8_t* pixels, std::size_t step) const {
+        if (step == 4) {
+            hn::StoreInterleaved4(first, second, third, fourth, ByteTag(), pixels);
+        } else {
+            hn::StoreInterleaved3(first, second, third, ByteTag(), pixels);
+        }
+    }
+};
+
+void convertPixels(const std::uint8_t* from, std::size_t fromStep, bool swaps, std::size_t count,
+                   std::uint8_t* to, std::size_t toStep) {
+    const std::size_t vector = hn::Lanes(ByteTag());
+    std::size_t i = 0;
+    for (; i + vector <= count; i += vector) {
+        PixelBytes pixels;
+        pixels.load(from + i * fromStep, fromStep);
+        if (swaps) std::swap(pixels.first, pixels.third);
+        pixels.store(to + i * toStep, toStep);
+    }
+    for (; i < count; ++i) {
+        const std::uint8_t* const pixel = from + i * fromStep;
+        std::uint8_t* const converted = to + i * toStep;
+        const std::uint8_t first = pixel[0];
+        const std::uint8_t fourth = fromStep == 4 ? pixel[3] : std::uint8_t{0};
+        converted[0] = swaps ? pixel[2] : first;
+        converted[1] = pixel[1];
+        converted[2] = swaps ? first : pixel[2];
+        if (toStep == 4) converted[3] = fourth;
+    }
+}
+
 }  // namespace HWY_NAMESPACE
 }  // namespace keladjust
 HWY_AFTER_NAMESPACE();
@@ -76,6 +124,7 @@ namespace keladjust {
 
 HWY_EXPORT(deinterleave);
 HWY_EXPORT(interleave);
+HWY_EXPORT(convertPixels);
 
 void deinterleave(const std::uint8_t* pixels, std::size_t step, std::size_t count,
                   std::uint8_t* first, std::uint8_t* second, std::uint8_t* third) {
@@ -84,6 +133,15 @@ void deinterleave(const std::uint8_t* pixels, std::size_t step, std::size_t coun
 void interleave(const std::uint8_t* first, const std::uint8_t* second, const std::uint8_t* third,
                 std::size_t step, std::size_t count, std::uint8_t* pixels) {
     HWY_DYNAMIC_DISPATCH(interleave)(first, second, third, step, count, pixels);
+}
+
+void packPixels(const std::uint8_t* pixels, std::size_t step, bool redFirst, std::size_t count,
+                std::uint8_t* packed) {
+    HWY_DYNAMIC_DISPATCH(convertPixels)(pixels, step, redFirst, count, packed, 4);
+}
+void unpackPixels(const std::uint8_t* packed, std::size_t step, bool redFirst, std::size_t count,
+                  std::uint8_t* pixels) {
+    HWY_DYNAMIC_DISPATCH(convertPixels)(packed, 4, redFirst, count, pixels, step);
 }
 
 }  // namespace keladjust

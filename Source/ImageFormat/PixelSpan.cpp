@@ -8,10 +8,6 @@ namespace keladjust {
 
 namespace {
 
-constexpr bool redFirst(PixelLayout layout) {
-    return layout == PixelLayout::rgb24 || layout == PixelLayout::rgba32;
-}
-
 // 16-bit pixels: the highest five bits are one lane, the lowest five another. Fields are not
 // scaled; the middle one reads two bits of the highest along, and the highest is sign-extended.
 void loadWords(const std::uint8_t* pixels, std::size_t count, std::uint8_t* high,
@@ -124,24 +120,6 @@ void loadAlpha(PixelLayout layout, const std::uint8_t* pixels, std::size_t count
             break;
         default:
             std::memset(alpha, 0, count);
-            break;
-    }
-}
-
-void roundTrip(PixelLayout layout, PixelSpan& span) {
-    switch (layout) {
-        case PixelLayout::gray8:
-            std::memcpy(span.green, span.red, span.count);
-            std::memcpy(span.blue, span.red, span.count);
-            break;
-        case PixelLayout::rgb16:
-        case PixelLayout::bgr16: {
-            std::uint8_t words[2 * PixelSpan::capacity];
-            storeSpan(layout, span, words);
-            loadSpan(layout, words, span);
-            break;
-        }
-        default:
             break;
     }
 }

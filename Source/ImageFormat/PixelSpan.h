@@ -33,6 +33,11 @@ constexpr std::size_t bytesPerPixelOf(PixelLayout layout) {
     return 0;
 }
 
+/// True if red is the first channel of a pixel whose channels are bytes.
+constexpr bool redFirst(PixelLayout layout) {
+    return layout == PixelLayout::rgb24 || layout == PixelLayout::rgba32;
+}
+
 /// A run of pixels of one row as planar lanes, whatever the layout they came from. Alpha stays in
 /// the picture: no stage changes it.
 struct PixelSpan {
@@ -62,9 +67,6 @@ void loadAlpha(PixelLayout layout, const std::uint8_t* pixels, std::size_t count
 constexpr bool storesLanesWhole(PixelLayout layout) {
     return bytesPerPixelOf(layout) >= 3;
 }
-
-/// Sends the lanes through the layout's own store and load.
-void roundTrip(PixelLayout layout, PixelSpan& span);
 
 }  // namespace keladjust
 

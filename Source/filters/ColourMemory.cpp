@@ -1,16 +1,26 @@
 #include "filters/ColourMemory.h"
 
+#include <cstring>
+
 namespace keladjust {
 
 namespace {
 
-std::uint32_t pack(std::uint8_t red, std::uint8_t green, std::uint8_t blue) {
-    return std::uint32_t{red} | std::uint32_t{green} << 8 | std::uint32_t{blue} << 16;
+constexpr std::uint32_t colourBits = 0xFFFFFF;
+
+std::uint32_t loadPixel(const PackedSpan& span, std::size_t i) {
+    std::uint32_t pixel;
+    std::memcpy(&pixel, span.pixels + 4 * i, sizeof pixel);
+    return pixel;
+}
+
+void storePixel(std::uint32_t pixel, PackedSpan& span, std::size_t i) {
+    std::memcpy(span.pixels + 4 * i, &pixel, sizeof pixel);
 }
 
 }  // namespace
 
-void runInTurn(PixelLayout layout, std::span<const PixelKernel* const> kernels, PixelSpan& span) {
+void runInTurn(PixelLayout layout, std::span<const PixelKernel* const> kernels, PackedSpan& span) {
     for (const PixelKernel* kernel : kernels) {
         if (kernel != kernels.front()) roundTrip(layout, span);
         kernel->run(span);
@@ -18,7 +28,9 @@ void runInTurn(PixelLayout layout, std::span<const PixelKernel* const> kernels, 
 }
 
 ColourMemory::ColourMemory(PixelLayout layout, std::span<const PixelKernel* const> kernels)
-    : layout_(layout), kernels_(kernels), entries_(std::size_t{1} << slotBits) {}
+    : layout_(layout), kernels_(kernels), entries_(std::size_t{1} << slotBits) {
+    learning_.pixels = learningPixels_.bytes;
+}
 
 bool ColourMemory::pays(std::span<const PixelKernel* const> kernels) {
     constexpr unsigned least = 8;
@@ -27,7 +39,7 @@ bool ColourMemory::pays(std::span<const PixelKernel* const> kernels) {
     return effort >= least;
 }
 
-void ColourMemory::run(PixelSpan& span) {
+void ColourMemory::run(PackedSpan& span) {
     if (spansToPass_ > 0) {
         --spansToPass_;
         runInTurn(layout_, kernels_, span);
@@ -39,17 +51,15 @@ void ColourMemory::run(PixelSpan& span) {
     if (2 * learning_.count > span.count) spansToPass_ = pause;
     if (learning_.count > 0) learn();
     for (std::size_t i = 0; i < span.count; ++i) {
-        span.red[i] = static_cast<std::uint8_t>(changed_[i]);
-        span.green[i] = static_cast<std::uint8_t>(changed_[i] >> 8);
-        span.blue[i] = static_cast<std::uint8_t>(changed_[i] >> 16);
+        storePixel((loadPixel(span, i) & ~colourBits) | changed_[i], span, i);
     }
 }
 
 // Without branches, which nothing could predict.
-void ColourMemory::recall(const PixelSpan& span) {
+void ColourMemory::recall(const PackedSpan& span) {
     std::size_t unknown = 0;
     for (std::size_t i = 0; i < span.count; ++i) {
-        const std::uint32_t colour = pack(span.red[i], span.green[i], span.blue[i]);
+        const std::uint32_t colour = loadPixel(span, i) & colourBits;
         const Entry entry = entries_[slotOf(colour)];
         colours_[i] = colour;
         changed_[i] = entry.changed;
@@ -61,15 +71,12 @@ void ColourMemory::recall(const PixelSpan& span) {
 
 void ColourMemory::learn() {
     for (std::size_t i = 0; i < learning_.count; ++i) {
-        const std::uint32_t colour = colours_[unknown_[i]];
-        learning_.red[i] = static_cast<std::uint8_t>(colour);
-        learning_.green[i] = static_cast<std::uint8_t>(colour >> 8);
-        learning_.blue[i] = static_cast<std::uint8_t>(colour >> 16);
+        storePixel(colours_[unknown_[i]], learning_, i);
     }
     runInTurn(layout_, kernels_, learning_);
     for (std::size_t i = 0; i < learning_.count; ++i) {
         const std::uint32_t colour = colours_[unknown_[i]];
-        const std::uint32_t changed = pack(learning_.red[i], learning_.green[i], learning_.blue[i]);
+        const std::uint32_t changed = loadPixel(learning_, i);
         changed_[unknown_[i]] = changed;
         entries_[slotOf(colour)] = {colour, changed};
     }

@@ -7,13 +7,13 @@
 #include <span>
 #include <vector>
 
-#include "ImageFormat/PixelSpan.h"
+#include "ImageFormat/PackedSpan.h"
 #include "filters/PixelKernel.h"
 
 namespace keladjust {
 
 /// Runs kernels on a span whose layout is `layout`, one after another.
-void runInTurn(PixelLayout layout, std::span<const PixelKernel* const> kernels, PixelSpan& span);
+void runInTurn(PixelLayout layout, std::span<const PixelKernel* const> kernels, PackedSpan& span);
 
 /// Remembers what a long row of kernels has made of a colour. Neighbours in a picture share their
 /// colours, so most pixels need no more than a look into a table that fits the second-level cache;
@@ -27,7 +27,7 @@ public:
     static bool pays(std::span<const PixelKernel* const> kernels);
 
     /// What runInTurn() does.
-    void run(PixelSpan& span);
+    void run(PackedSpan& span);
 
 private:
     struct Entry {
@@ -39,17 +39,18 @@ private:
     static std::size_t slotOf(std::uint32_t colour) {
         return colour * 0x9E3779B1u >> (32 - slotBits);
     }
-    void recall(const PixelSpan& span);
+    void recall(const PackedSpan& span);
     void learn();
 
     PixelLayout layout_;
     std::span<const PixelKernel* const> kernels_;
     std::vector<Entry> entries_;
     unsigned spansToPass_ = 0;  ///< for which not to ask
-    std::array<std::uint32_t, PixelSpan::capacity> colours_;
-    std::array<std::uint32_t, PixelSpan::capacity> changed_;
-    std::array<std::uint16_t, PixelSpan::capacity> unknown_;  ///< places of colours to learn
-    PixelSpan learning_;
+    std::array<std::uint32_t, PackedSpan::capacity> colours_;
+    std::array<std::uint32_t, PackedSpan::capacity> changed_;
+    std::array<std::uint16_t, PackedSpan::capacity> unknown_;  ///< places of colours to learn
+    PackedPixels learningPixels_;
+    PackedSpan learning_;
 };
 
 }  // namespace keladjust

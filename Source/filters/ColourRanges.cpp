@@ -94,7 +94,7 @@ ColourRangeKernel::ColourRangeKernel(float minDegree, float maxDegree, float hue
       band_(minDegree, maxDegree),
       change_(hue, saturation, brightness) {}
 
-void ColourRangeKernel::run(PixelSpan& span) const {
+void ColourRangeKernel::run(PackedSpan& span) const {
     spans::changeColourRange(span, band_, change_);
 }
 

@@ -50,7 +50,7 @@ public:
                       float brightness);
     bool active() const override { return active_; }
     unsigned effort() const override { return 3 * change_.steps(); }
-    void run(PixelSpan& span) const override;
+    void run(PackedSpan& span) const override;
 
 private:
     bool active_;

@@ -106,27 +106,27 @@ ExposureKernel::ExposureKernel(float exposure) : active_(exposure != 0.0f) {
 HighlightKernel::HighlightKernel(float highlight)
     : active_(highlight != 0.0f), amount_(highlightAmount(highlight)) {}
 
-void HighlightKernel::run(PixelSpan& span) const {
+void HighlightKernel::run(PackedSpan& span) const {
     spans::liftWrapping(span, spans::Tones::bright, amount_);
 }
 
 ShadowKernel::ShadowKernel(float shadow) : active_(shadow != 0.0f), amount_(shadowAmount(shadow)) {}
 
-void ShadowKernel::run(PixelSpan& span) const {
+void ShadowKernel::run(PackedSpan& span) const {
     spans::liftWrapping(span, spans::Tones::dark, amount_);
 }
 
 WhiteLevelKernel::WhiteLevelKernel(float level)
     : active_(level != 0.0f), amount_(whiteAmount(level)) {}
 
-void WhiteLevelKernel::run(PixelSpan& span) const {
+void WhiteLevelKernel::run(PackedSpan& span) const {
     spans::liftTwice(span, amount_);
 }
 
 BlackLevelKernel::BlackLevelKernel(float level)
     : active_(level != 0.0f), amount_(blackAmount(level)) {}
 
-void BlackLevelKernel::run(PixelSpan& span) const {
+void BlackLevelKernel::run(PackedSpan& span) const {
     spans::liftClamped(span, spans::Tones::dark, amount_);
 }
 

@@ -20,7 +20,7 @@ class HighlightKernel final : public PixelKernel {
 public:
     explicit HighlightKernel(float highlight);
     bool active() const override { return active_; }
-    void run(PixelSpan& span) const override;
+    void run(PackedSpan& span) const override;
 
 private:
     bool active_;
@@ -33,7 +33,7 @@ class ShadowKernel final : public PixelKernel {
 public:
     explicit ShadowKernel(float shadow);
     bool active() const override { return active_; }
-    void run(PixelSpan& span) const override;
+    void run(PackedSpan& span) const override;
 
 private:
     bool active_;
@@ -45,7 +45,7 @@ class WhiteLevelKernel final : public PixelKernel {
 public:
     explicit WhiteLevelKernel(float level);
     bool active() const override { return active_; }
-    void run(PixelSpan& span) const override;
+    void run(PackedSpan& span) const override;
 
 private:
     bool active_;
@@ -57,7 +57,7 @@ class BlackLevelKernel final : public PixelKernel {
 public:
     explicit BlackLevelKernel(float level);
     bool active() const override { return active_; }
-    void run(PixelSpan& span) const override;
+    void run(PackedSpan& span) const override;
 
 private:
     bool active_;

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdint>
 
-#include "ImageFormat/PixelSpan.h"
+#include "ImageFormat/PackedSpan.h"
 
 namespace keladjust {
 
@@ -19,8 +19,8 @@ public:
     /// False at the identity setting: the stage is then not run at all.
     virtual bool active() const = 0;
 
-    /// Changes the lanes of a span in place.
-    virtual void run(PixelSpan& span) const = 0;
+    /// Changes the pixels of a span in place.
+    virtual void run(PackedSpan& span) const = 0;
 
     /// True if what becomes of a pixel depends on where it is.
     virtual bool looksAtPlace() const { return false; }
@@ -36,7 +36,7 @@ public:
 /// A stage that maps each channel byte by itself, all three alike.
 class TableKernel : public PixelKernel {
 public:
-    void run(PixelSpan& span) const final;
+    void run(PackedSpan& span) const final;
     const ByteTable* table() const final { return &table_; }
     unsigned effort() const final { return 0; }
 

@@ -46,7 +46,7 @@ private:
 SaturationKernel::SaturationKernel(float saturation)
     : active_(saturation != 0.0f), amount_(saturation / 100.0f) {}
 
-void SaturationKernel::run(PixelSpan& span) const {
+void SaturationKernel::run(PackedSpan& span) const {
     spans::stretchSaturation(span, amount_);
 }
 

@@ -11,7 +11,7 @@ class SaturationKernel final : public PixelKernel {
 public:
     explicit SaturationKernel(float saturation);
     bool active() const override { return active_; }
-    void run(PixelSpan& span) const override;
+    void run(PackedSpan& span) const override;
 
 private:
     bool active_;

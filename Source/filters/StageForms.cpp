@@ -39,23 +39,34 @@ public:
     void run(unsigned y) {
         const std::size_t pixelBytes = bytesPerPixelOf(layout_);
         std::uint8_t* const row = image_.pBits + std::size_t{image_.effWidth} * y;
-        span_.y = y;
-        for (unsigned x = 0; x < image_.width; x += static_cast<unsigned>(span_.count)) {
-            span_.x = x;
-            span_.count = std::min<std::size_t>(PixelSpan::capacity, image_.width - x);
-            std::uint8_t* const pixels = row + x * pixelBytes;
-            loadSpan(layout_, pixels, span_);
-            if (memory_) {
-                memory_->run(span_);
-                if (!placed_.empty()) roundTrip(layout_, span_);
+        PackedSpan span;
+        span.y = y;
+        for (; span.x < image_.width; span.x += static_cast<unsigned>(span.count)) {
+            std::uint8_t* const pixels = row + span.x * pixelBytes;
+            span.count = std::min<std::size_t>(PackedSpan::capacity, image_.width - span.x);
+            if (layout_ == PixelLayout::bgra32 && span.count >= PackedSpan::stride) {
+                span.count -= span.count % PackedSpan::stride;
+                span.pixels = pixels;
+                change(span);
+            } else {
+                span.pixels = packed_.bytes;
+                loadSpan(layout_, pixels, span);
+                change(span);
+                storeSpan(layout_, span, pixels);
             }
-            runInTurn(layout_, placed_, span_);
-            storeSpan(layout_, span_, pixels);
         }
     }
 
 private:
-    PixelSpan span_;
+    void change(PackedSpan& span) {
+        if (memory_) {
+            memory_->run(span);
+            if (!placed_.empty()) roundTrip(layout_, span);
+        }
+        runInTurn(layout_, placed_, span);
+    }
+
+    PackedPixels packed_;
     std::optional<ColourMemory> memory_;  ///< of the kernels before the first of placed_
     CxImage& image_;
     std::span<const PixelKernel* const> placed_;
@@ -109,10 +120,8 @@ void mapRows(CxImage& image, PixelLayout layout, const ByteTable& table) {
 
 }  // namespace
 
-void TableKernel::run(PixelSpan& span) const {
-    for (std::uint8_t* lane : {span.red, span.green, span.blue}) {
-        spans::mapBytes(table_.data(), spans::Bytes::all, lane, span.count);
-    }
+void TableKernel::run(PackedSpan& span) const {
+    spans::mapBytes(table_.data(), spans::Bytes::threeOfFour, span.pixels, 4 * span.count);
 }
 
 void runKernels(CxImage& image, std::span<const PixelKernel* const> kernels) {

@@ -136,18 +136,16 @@ TemperatureKernel::TemperatureKernel(long temperature)
     blue_ = blendTable(BlackBody::toByte(body.blue), warmth.strength);
 }
 
-void TemperatureKernel::run(PixelSpan& span) const {
-    alignas(64) std::uint8_t lightness[PixelSpan::capacity];
+void TemperatureKernel::run(PackedSpan& span) const {
+    alignas(64) float lightness[PackedSpan::capacity];
     spans::takeLightness(span, lightness);
-    spans::mapBytes(red_.data(), spans::Bytes::all, span.red, span.count);
-    spans::mapBytes(green_.data(), spans::Bytes::all, span.green, span.count);
-    spans::mapBytes(blue_.data(), spans::Bytes::all, span.blue, span.count);
+    spans::mapChannels(span, {red_.data(), green_.data(), blue_.data()});
     spans::restoreLightness(span, lightness);
 }
 
 TintKernel::TintKernel(float tint) : active_(tint != 0.0f), strength_(tintStrength(tint)) {}
 
-void TintKernel::run(PixelSpan& span) const {
+void TintKernel::run(PackedSpan& span) const {
     spans::shiftTint(span, strength_);
 }
 

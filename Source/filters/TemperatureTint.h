@@ -13,7 +13,7 @@ public:
     explicit TemperatureKernel(long temperature);
     bool active() const override { return active_; }
     unsigned effort() const override { return 3; }
-    void run(PixelSpan& span) const override;
+    void run(PackedSpan& span) const override;
 
 private:
     bool active_;
@@ -28,7 +28,7 @@ class TintKernel final : public PixelKernel {
 public:
     explicit TintKernel(float tint);
     bool active() const override { return active_; }
-    void run(PixelSpan& span) const override;
+    void run(PackedSpan& span) const override;
 
 private:
     bool active_;

@@ -68,7 +68,7 @@ void rotateRawWalk(CxImage& image, const spans::HueMatrix& matrix) {
 VibranceKernel::VibranceKernel(float vibrance)
     : active_(vibrance != 0.0f), amount_(vibranceAmount(vibrance)) {}
 
-void VibranceKernel::run(PixelSpan& span) const {
+void VibranceKernel::run(PackedSpan& span) const {
     spans::stretchVibrance(span, amount_);
 }
 

@@ -10,7 +10,7 @@ class VibranceKernel final : public PixelKernel {
 public:
     explicit VibranceKernel(float vibrance);
     bool active() const override { return active_; }
-    void run(PixelSpan& span) const override;
+    void run(PackedSpan& span) const override;
 
 private:
     bool active_;

@@ -74,7 +74,7 @@ VignetteKernel::VignetteKernel(unsigned width, unsigned height, float amount, fl
     }
 }
 
-void VignetteKernel::run(PixelSpan& span) const {
+void VignetteKernel::run(PackedSpan& span) const {
     const float dy = std::fabs(static_cast<float>(span.y) - centreY_);
     const spans::VignetteRow row{
         {distances_.data() + span.x, inner_.data() + span.x, outer_.data() + span.x},

@@ -17,7 +17,7 @@ public:
                    float size, float roundness, float exposure);
     bool active() const override { return active_; }
     bool looksAtPlace() const override { return true; }
-    void run(PixelSpan& span) const override;
+    void run(PackedSpan& span) const override;
 
 private:
     bool active_;

@@ -95,10 +95,8 @@ public:
 
     bool active() const override { return true; }
 
-    void run(PixelSpan& span) const override {
-        spans::mapBytes(red_.data(), spans::Bytes::all, span.red, span.count);
-        spans::mapBytes(green_.data(), spans::Bytes::all, span.green, span.count);
-        spans::mapBytes(blue_.data(), spans::Bytes::all, span.blue, span.count);
+    void run(PackedSpan& span) const override {
+        spans::mapChannels(span, {red_.data(), green_.data(), blue_.data()});
     }
 
 private:

@@ -19,9 +19,10 @@ namespace {
 
 using keladjust::ColourMemory;
 using keladjust::ColourRangeKernel;
+using keladjust::PackedPixels;
+using keladjust::PackedSpan;
 using keladjust::PixelKernel;
 using keladjust::PixelLayout;
-using keladjust::PixelSpan;
 using keladjust::SaturationKernel;
 using keladjust::TemperatureKernel;
 using keladjust::test::everyFormat;
@@ -33,20 +34,22 @@ const SaturationKernel saturation(30);
 const ColourRangeKernel range(300, 60, 20, 30, -20);
 const PixelKernel* const kernels[] = {&temperature, &saturation, &range};
 
-// Colours of `bits` bits a channel: few of them come again and again, many hardly ever.
-void fill(PixelSpan& span, std::size_t count, unsigned bits, std::mt19937& random) {
-    span.count = count;
-    for (std::size_t i = 0; i < count; ++i) {
-        for (std::uint8_t* lane : {span.red, span.green, span.blue}) {
-            lane[i] = static_cast<std::uint8_t>(random() >> (32 - bits));
+// A span with memory of its own.
+struct Pixels {
+    PackedPixels memory;
+
+    PackedSpan span(std::size_t count) { return {0, 0, count, memory.bytes}; }
+
+    // Colours of `bits` bits a channel: few of them come again and again, many hardly ever.
+    void fill(unsigned bits, std::mt19937& random) {
+        for (std::uint8_t& byte : memory.bytes) {
+            byte = static_cast<std::uint8_t>(random() >> (32 - bits));
         }
     }
-}
+};
 
-void expectSame(const PixelSpan& a, const PixelSpan& b) {
-    ASSERT_EQ(std::memcmp(a.red, b.red, a.count), 0);
-    ASSERT_EQ(std::memcmp(a.green, b.green, a.count), 0);
-    ASSERT_EQ(std::memcmp(a.blue, b.blue, a.count), 0);
+void expectSame(const Pixels& a, const Pixels& b, std::size_t count) {
+    ASSERT_EQ(std::memcmp(a.memory.bytes, b.memory.bytes, 4 * count), 0);
 }
 
 TEST(ColourMemory, AnswersAsTheKernelsDo) {
@@ -55,13 +58,15 @@ TEST(ColourMemory, AnswersAsTheKernelsDo) {
         std::mt19937 random(3);
         for (int i = 0; i < 60; ++i) {
             // Flat parts and noise in turn, spans of every length.
-            PixelSpan span;
-            fill(span, 1 + random() % PixelSpan::capacity, i % 20 < 10 ? 3 : 8, random);
+            Pixels pixels;
+            pixels.fill(i % 20 < 10 ? 3 : 8, random);
+            PackedSpan span = pixels.span(1 + random() % PackedSpan::capacity);
             if (layout == PixelLayout::gray8) roundTrip(layout, span);
-            PixelSpan expected = span;
-            keladjust::runInTurn(layout, kernels, expected);
+            Pixels expected = pixels;
+            PackedSpan expectedSpan = expected.span(span.count);
+            keladjust::runInTurn(layout, kernels, expectedSpan);
             memory.run(span);
-            ASSERT_NO_FATAL_FAILURE(expectSame(span, expected)) << i;
+            ASSERT_NO_FATAL_FAILURE(expectSame(pixels, expected, span.count)) << i;
         }
     }
 }
@@ -69,13 +74,14 @@ TEST(ColourMemory, AnswersAsTheKernelsDo) {
 TEST(ColourMemory, KnowsBlackAndWhiteFromNothing) {
     ColourMemory memory(PixelLayout::bgra32, kernels);
     for (const std::uint8_t level : {std::uint8_t{0}, std::uint8_t{255}}) {
-        PixelSpan span;
-        span.count = 3;
-        for (std::uint8_t* lane : {span.red, span.green, span.blue}) std::memset(lane, level, 3);
-        PixelSpan expected = span;
-        keladjust::runInTurn(PixelLayout::bgra32, kernels, expected);
+        Pixels pixels;
+        std::memset(pixels.memory.bytes, level, sizeof pixels.memory.bytes);
+        Pixels expected = pixels;
+        PackedSpan span = pixels.span(3);
+        PackedSpan expectedSpan = expected.span(3);
+        keladjust::runInTurn(PixelLayout::bgra32, kernels, expectedSpan);
         memory.run(span);
-        expectSame(span, expected);
+        expectSame(pixels, expected, 3);
     }
 }
 
@@ -99,9 +105,8 @@ TEST(ColourMemory, DoesNotShowInAPicture) {
         const PixelLayout layout = keladjust::layoutOf(*inTurn.image());
         for (unsigned y = 0; y < 300; ++y) {
             std::uint8_t* const row = inTurn.bits() + std::size_t{y} * inTurn.image()->effWidth;
-            PixelSpan span;
-            span.y = y;
-            span.count = 400;
+            PackedPixels pixels;
+            PackedSpan span{0, y, 400, pixels.bytes};
             loadSpan(layout, row, span);
             keladjust::runInTurn(layout, all, span);
             storeSpan(layout, span, row);

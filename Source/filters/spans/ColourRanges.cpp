@@ -176,7 +176,7 @@ HWY_INLINE Hsl loadHsl(const Run& run, std::size_t i) {
 
 // Mixes the pixels with what `changed(hsl, turns)` makes of them; both sides make the round trip.
 template <class Changed>
-HWY_INLINE void mixRun(const Run& run, bool passesOutside, PixelSpan& span, std::size_t first,
+HWY_INLINE void mixRun(const Run& run, bool passesOutside, PackedSpan& span, std::size_t first,
                        Changed changed) {
     forEachVectorOfRun(span, first, [&](std::size_t i) HWY_ATTR {
         const Hsl hsl = loadHsl(run, i - first);
@@ -192,7 +192,7 @@ HWY_INLINE void mixRun(const Run& run, bool passesOutside, PixelSpan& span, std:
     });
 }
 
-void changeColourRange(PixelSpan& span, const HueBand& band, const RangeChange& change) {
+void changeColourRange(PackedSpan& span, const HueBand& band, const RangeChange& change) {
     // Outside the band only the round trip counts, unless a mad shift makes what is mixed in with
     // weight 0 no number.
     const bool passesOutside = std::isfinite(change.shift);
@@ -299,7 +299,7 @@ namespace keladjust {
 HWY_EXPORT(changeColourRange);
 HWY_EXPORT(changeTableRange);
 
-void spans::changeColourRange(PixelSpan& span, const HueBand& band, const RangeChange& change) {
+void spans::changeColourRange(PackedSpan& span, const HueBand& band, const RangeChange& change) {
     HWY_DYNAMIC_DISPATCH(changeColourRange)(span, band, change);
 }
 void spans::changeTableRange(float* lut, std::size_t count, std::ptrdiff_t stride,

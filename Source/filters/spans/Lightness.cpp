@@ -113,21 +113,15 @@ HWY_INLINE Channels<Ints> toBytes(const HueSaturation& c, Floats lightnessByte) 
     return {channel(red), channel(green), channel(blue)};
 }
 
-void takeLightness(const PixelSpan& span, std::uint8_t* lightness) {
-    const hn::ScalableTag<std::uint8_t> tag;
-    for (std::size_t i = 0; i < span.count; i += hn::Lanes(tag)) {
-        const auto red = hn::Load(tag, span.red + i);
-        const auto green = hn::Load(tag, span.green + i);
-        const auto blue = hn::Load(tag, span.blue + i);
-        const auto largest = hn::Max(red, hn::Max(green, blue));
-        const auto smallest = hn::Min(red, hn::Min(green, blue));
-        // The mean that the instruction takes is rounded up.
-        const auto odd = hn::And(hn::Xor(largest, smallest), hn::Set(tag, 1));
-        hn::Store(hn::Sub(hn::AverageRound(largest, smallest), odd), tag, lightness + i);
-    }
+void takeLightness(const PackedSpan& span, float* lightness) {
+    forEachVector(span, [&](std::size_t i) HWY_ATTR {
+        const Channels<Ints> c = loadIntChannels(span, i);
+        const Ints mean = hn::ShiftRight<1>(hn::Add(largestOf(c), smallestOf(c)));
+        hn::Store(toFloats(mean), FloatTag(), lightness + i);
+    });
 }
 
-void restoreLightness(PixelSpan& span, const std::uint8_t* lightness) {
+void restoreLightness(PackedSpan& span, const float* lightness) {
     alignas(64) float hues[runLength];
     alignas(64) float saturations[runLength];
     const FloatTag tag;
@@ -140,7 +134,7 @@ void restoreLightness(PixelSpan& span, const std::uint8_t* lightness) {
         forEachVectorOfRun(span, first, [&](std::size_t i) HWY_ATTR {
             const HueSaturation c{hn::Load(tag, hues + (i - first)),
                                   hn::Load(tag, saturations + (i - first))};
-            storeClamped(toBytes(c, loadFloats(lightness + i)), span, i);
+            storeClamped(toBytes(c, hn::Load(tag, lightness + i)), span, i);
         });
     }
 }
@@ -155,10 +149,10 @@ namespace keladjust {
 HWY_EXPORT(takeLightness);
 HWY_EXPORT(restoreLightness);
 
-void spans::takeLightness(const PixelSpan& span, std::uint8_t* lightness) {
+void spans::takeLightness(const PackedSpan& span, float* lightness) {
     HWY_DYNAMIC_DISPATCH(takeLightness)(span, lightness);
 }
-void spans::restoreLightness(PixelSpan& span, const std::uint8_t* lightness) {
+void spans::restoreLightness(PackedSpan& span, const float* lightness) {
     HWY_DYNAMIC_DISPATCH(restoreLightness)(span, lightness);
 }
 

@@ -4,6 +4,8 @@
 #define HWY_TARGET_INCLUDE "filters/spans/Saturation.cpp"
 #include <hwy/foreach_target.h>
 
+#include <cmath>
+
 #include "filters/spans/SpanVectors-inl.h"
 #include "filters/spans/Spans.h"
 
@@ -11,43 +13,76 @@ HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
 
-void stretchSaturation(PixelSpan& span, float amount) {
-    const Floats white = constant(255.0f);
+// A pixel between its smallest and its largest channel.
+struct Extent {
+    explicit HWY_INLINE Extent(const Channels<Floats>& c)
+        : largest(largestOf(c)),
+          smallest(smallestOf(c)),
+          sum(quotientBy<255>(hn::Add(largest, smallest))),
+          halfSum(hn::Mul(sum, constant(0.5f))),
+          lightness(hn::Mul(halfSum, constant(255.0f))),
+          isGrey(hn::Eq(largest, smallest)) {}
+
+    Floats largest;
+    Floats smallest;
+    Floats sum;  ///< of both, on a scale of 0..1
+    Floats halfSum;
+    Floats lightness;
+    FloatMask isGrey;
+};
+
+// Greys stay just as they are, because nothing is added to them.
+void moveAway(PackedSpan& span, float amount) {
     const Floats one = constant(1.0f);
     const Floats s = constant(amount);
-    const bool away = amount >= 0.0f;
+    const Floats inside = hn::Sub(one, s);
     forEachVector(span, [&](std::size_t i) HWY_ATTR {
         const Channels<Floats> c = loadFloatChannels(span, i);
-        const Floats largest = largestOf(c);
-        const Floats smallest = smallestOf(c);
-        const Floats sum = quotientBy<255>(hn::Add(largest, smallest));
-        const Floats halfSum = hn::Mul(sum, constant(0.5f));
-        const Floats lightness = hn::Mul(halfSum, white);
-        Floats factor = hn::Add(one, s);
-        if (away) {
-            const Floats delta = quotientBy<255>(hn::Sub(largest, smallest));
-            const Floats saturation = hn::Div(
-                delta,
-                hn::IfThenElse(hn::Lt(halfSum, constant(0.5f)), sum, hn::Sub(constant(2.0f), sum)));
-            // Once the pixel would leave the gamut it goes just to its edge.
-            const Floats a =
-                hn::IfThenElse(hn::Ge(hn::Add(saturation, s), one), saturation, hn::Sub(one, s));
-            factor = hn::Sub(hn::Div(one, a), one);
-        }
-        // Greys stay just as they are, whatever the arithmetic makes of them.
-        const FloatMask grey = hn::Eq(largest, smallest);
+        const Extent e(c);
+        const Floats delta = quotientBy<255>(hn::Sub(e.largest, e.smallest));
+        const FloatMask isDark = hn::Lt(e.halfSum, constant(0.5f));
+        const Floats saturation =
+            hn::Div(delta, hn::IfThenElse(isDark, e.sum, hn::Sub(constant(2.0f), e.sum)));
+        // Once the pixel would leave the gamut it goes just to its edge.
+        const Floats a = hn::IfThenElse(hn::Ge(hn::Add(saturation, s), one), saturation, inside);
+        // Below 255: no saturation but a grey's is less than 1 / 255.
+        const Floats factor = hn::IfThenZeroElse(e.isGrey, hn::Sub(hn::Div(one, a), one));
+        storeClamped(
+            mapChannels(c,
+                        [&](Floats channel) HWY_ATTR {
+                            const Floats distance = hn::Sub(channel, e.lightness);
+                            return truncateInRange(hn::Add(channel, hn::Mul(distance, factor)));
+                        }),
+            span, i);
+    });
+}
+
+// Greys stay just as they are, whatever the arithmetic makes of them.
+void moveTowards(PackedSpan& span, float amount) {
+    const Floats factor = hn::Add(constant(1.0f), constant(amount));
+    forEachVector(span, [&](std::size_t i) HWY_ATTR {
+        const Channels<Floats> c = loadFloatChannels(span, i);
+        const Extent e(c);
         storeClamped(mapChannels(c,
                                  [&](Floats channel) HWY_ATTR {
-                                     const Floats distance = hn::Sub(channel, lightness);
-                                     const Floats moved = hn::Add(away ? channel : lightness,
-                                                                  hn::Mul(distance, factor));
-                                     return clampToBytes(hn::IfThenElse(grey, channel, moved));
+                                     const Floats distance = hn::Sub(channel, e.lightness);
+                                     const Floats moved =
+                                         hn::Add(e.lightness, hn::Mul(distance, factor));
+                                     return clampToBytes(hn::IfThenElse(e.isGrey, channel, moved));
                                  }),
                      span, i);
     });
 }
 
-void shiftTint(PixelSpan& span, std::int32_t strength) {
+void stretchSaturation(PackedSpan& span, float amount) {
+    if (amount >= 0.0f) {
+        moveAway(span, amount);
+    } else {
+        moveTowards(span, amount);
+    }
+}
+
+void shiftTint(PackedSpan& span, std::int32_t strength) {
     const Ints with = constant(strength);
     const Ints against = hn::Sub(constant(std::int32_t{0}), with);
     forEachVector(span, [&](std::size_t i) HWY_ATTR {
@@ -65,7 +100,8 @@ void shiftTint(PixelSpan& span, std::int32_t strength) {
     });
 }
 
-void stretchVibrance(PixelSpan& span, float amount) {
+void stretchVibrance(PackedSpan& span, float amount) {
+    const bool isTame = std::fabs(amount) < 1e6f;  // else numbers may not fit into 32 bits
     const Ints whole = constant(std::int32_t{256});
     forEachVector(span, [&](std::size_t i) HWY_ATTR {
         const Channels<Ints> c = loadIntChannels(span, i);
@@ -76,7 +112,8 @@ void stretchVibrance(PixelSpan& span, float amount) {
         // Minus that as a byte: dull pixels gain most, and greyish ones (half of 0) nothing,
         // because there the byte wraps to 0.
         const Ints dullness = hn::And(hn::Sub(whole, half), constant(std::int32_t{255}));
-        const Ints extra = truncateToInts(hn::Mul(toFloats(dullness), constant(amount)));
+        const Floats product = hn::Mul(toFloats(dullness), constant(amount));
+        const Ints extra = isTame ? truncateInRange(product) : truncateToInts(product);
         const Ints gain = hn::Add(whole, extra);
         const Ints base = hn::Mul(lightness, hn::Sub(whole, gain));
         storeClamped(
@@ -99,13 +136,13 @@ HWY_EXPORT(stretchSaturation);
 HWY_EXPORT(shiftTint);
 HWY_EXPORT(stretchVibrance);
 
-void spans::stretchSaturation(PixelSpan& span, float amount) {
+void spans::stretchSaturation(PackedSpan& span, float amount) {
     HWY_DYNAMIC_DISPATCH(stretchSaturation)(span, amount);
 }
-void spans::shiftTint(PixelSpan& span, std::int32_t strength) {
+void spans::shiftTint(PackedSpan& span, std::int32_t strength) {
     HWY_DYNAMIC_DISPATCH(shiftTint)(span, strength);
 }
-void spans::stretchVibrance(PixelSpan& span, float amount) {
+void spans::stretchVibrance(PackedSpan& span, float amount) {
     HWY_DYNAMIC_DISPATCH(stretchVibrance)(span, amount);
 }
 

@@ -1,5 +1,5 @@
-// Lanes of a PixelSpan as vectors. Included once for every instruction set, like the span kernels
-// that use it; hence the guard that toggles.
+// Pixels of a span as vectors, from the lanes of a PixelSpan or the bytes of a PackedSpan. Included
+// once for every instruction set, like the span kernels that use it; hence the guard that toggles.
 
 #if defined(KELADJUST_FILTERS_SPANS_SPANVECTORS_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef KELADJUST_FILTERS_SPANS_SPANVECTORS_INL_H
@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "ImageFormat/PackedSpan.h"
 #include "ImageFormat/PixelSpan.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -131,16 +132,16 @@ HWY_INLINE Floats throughDouble(Vector values, Map map) {
 constexpr std::size_t runLength = 256;
 
 /// Calls `body(i)` for the first pixel of every vector of the span. The last one may run past the
-/// pixels that the span counts, but not past its lanes.
-template <class Body>
-HWY_INLINE void forEachVector(const PixelSpan& span, Body body) {
+/// pixels that the span counts, but not past its memory.
+template <class Span, class Body>
+HWY_INLINE void forEachVector(const Span& span, Body body) {
     const std::size_t step = hn::Lanes(FloatTag());
     for (std::size_t i = 0; i < span.count; i += step) body(i);
 }
 
 /// The same for the pixels from number `first` on, runLength of them or what there is.
-template <class Body>
-HWY_INLINE void forEachVectorOfRun(const PixelSpan& span, std::size_t first, Body body) {
+template <class Span, class Body>
+HWY_INLINE void forEachVectorOfRun(const Span& span, std::size_t first, Body body) {
     const std::size_t step = hn::Lanes(FloatTag());
     const std::size_t end = HWY_MIN(first + runLength, span.count);
     for (std::size_t i = first; i < end; i += step) body(i);
@@ -154,18 +155,6 @@ struct Channels {
     Vector blue;
 };
 
-HWY_INLINE Channels<Floats> loadFloatChannels(const PixelSpan& span, std::size_t i) {
-    return {loadFloats(span.red + i), loadFloats(span.green + i), loadFloats(span.blue + i)};
-}
-HWY_INLINE Channels<Ints> loadIntChannels(const PixelSpan& span, std::size_t i) {
-    return {loadInts(span.red + i), loadInts(span.green + i), loadInts(span.blue + i)};
-}
-HWY_INLINE void storeClamped(const Channels<Ints>& c, PixelSpan& span, std::size_t i) {
-    storeClamped(c.red, span.red + i);
-    storeClamped(c.green, span.green + i);
-    storeClamped(c.blue, span.blue + i);
-}
-
 template <class Vector, class Map>
 HWY_INLINE auto mapChannels(const Channels<Vector>& c, Map map) -> Channels<decltype(map(c.red))> {
     return {map(c.red), map(c.green), map(c.blue)};
@@ -178,6 +167,83 @@ HWY_INLINE Vector largestOf(const Channels<Vector>& c) {
 template <class Vector>
 HWY_INLINE Vector smallestOf(const Channels<Vector>& c) {
     return hn::Min(c.red, hn::Min(c.green, c.blue));
+}
+
+HWY_INLINE Channels<Ints> loadIntChannels(const PixelSpan& span, std::size_t i) {
+    return {loadInts(span.red + i), loadInts(span.green + i), loadInts(span.blue + i)};
+}
+HWY_INLINE void storeClamped(const Channels<Ints>& c, PixelSpan& span, std::size_t i) {
+    storeClamped(c.red, span.red + i);
+    storeClamped(c.green, span.green + i);
+    storeClamped(c.blue, span.blue + i);
+}
+
+#if HWY_TARGET == HWY_SCALAR
+
+HWY_INLINE Channels<Ints> loadIntChannels(const PackedSpan& span, std::size_t i) {
+    const std::uint8_t* const pixel = span.pixels + 4 * i;
+    return {loadInts(pixel + 2), loadInts(pixel + 1), loadInts(pixel)};
+}
+HWY_INLINE void storeClamped(const Channels<Ints>& c, PackedSpan& span, std::size_t i) {
+    std::uint8_t* const pixel = span.pixels + 4 * i;
+    storeClamped(c.red, pixel + 2);
+    storeClamped(c.green, pixel + 1);
+    storeClamped(c.blue, pixel);
+}
+
+#else
+
+// The bytes of as many pixels as a vector has floats.
+using PackedTag = hn::Repartition<std::uint8_t, FloatTag>;
+using Packed = hn::Vec<PackedTag>;
+
+/// One byte of each pixel as a whole number.
+template <std::uint8_t byte>
+HWY_INLINE Ints byteOfPixels(Packed pixels) {
+    constexpr std::uint8_t none = 0x80;
+    HWY_ALIGN static constexpr std::uint8_t places[] = {
+        byte,     none, none, none, byte + 4,  none, none, none,
+        byte + 8, none, none, none, byte + 12, none, none, none};
+    const auto table = hn::LoadDup128(PackedTag(), places);
+    return hn::BitCast(IntTag(), hn::TableLookupBytesOr0(pixels, table));
+}
+
+using HalfTag = hn::Repartition<std::int16_t, FloatTag>;
+using Halves = hn::Vec<HalfTag>;
+
+/// Both vectors' numbers clamped to 0..255, those of one after those of the other in each 16 bytes.
+HWY_INLINE Packed clampToPacked(Halves first, Halves second) {
+#if HWY_TARGET <= HWY_AVX3
+    return Packed{_mm512_packus_epi16(first.raw, second.raw)};
+#elif HWY_TARGET == HWY_AVX2
+    return Packed{_mm256_packus_epi16(first.raw, second.raw)};
+#else
+    return Packed{_mm_packus_epi16(first.raw, second.raw)};
+#endif
+}
+
+HWY_INLINE Channels<Ints> loadIntChannels(const PackedSpan& span, std::size_t i) {
+    const Packed pixels = hn::LoadU(PackedTag(), span.pixels + 4 * i);
+    return {byteOfPixels<2>(pixels), byteOfPixels<1>(pixels), byteOfPixels<0>(pixels)};
+}
+HWY_INLINE void storeClamped(const Channels<Ints>& c, PackedSpan& span, std::size_t i) {
+    std::uint8_t* const pixels = span.pixels + 4 * i;
+    const Ints fourth = byteOfPixels<3>(hn::LoadU(PackedTag(), pixels));
+    // Four blues, four greens, four reds and their fourths in each 16 bytes.
+    const Packed clamped = clampToPacked(hn::ReorderDemote2To(HalfTag(), c.blue, c.green),
+                                         hn::ReorderDemote2To(HalfTag(), c.red, fourth));
+    HWY_ALIGN static constexpr std::uint8_t places[] = {0, 4, 8,  12, 1, 5, 9,  13,
+                                                        2, 6, 10, 14, 3, 7, 11, 15};
+    hn::StoreU(hn::TableLookupBytes(clamped, hn::LoadDup128(PackedTag(), places)), PackedTag(),
+               pixels);
+}
+
+#endif
+
+template <class Span>
+HWY_INLINE Channels<Floats> loadFloatChannels(const Span& span, std::size_t i) {
+    return mapChannels(loadIntChannels(span, i),
+                       [](Ints channel) HWY_ATTR { return toFloats(channel); });
 }
 
 }  // namespace HWY_NAMESPACE

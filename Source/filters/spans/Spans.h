@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "ImageFormat/PackedSpan.h"
 #include "ImageFormat/PixelSpan.h"
 #include "filters/ByteRamp.h"
 #include "filters/ColourRanges.h"
@@ -24,21 +25,29 @@ void mapBytes(const std::uint8_t* table, Bytes which, std::uint8_t* bytes, std::
 /// The same by a ramp.
 void rampBytes(const ByteRamp& ramp, Bytes which, std::uint8_t* bytes, std::size_t count);
 
+/// The same with a table for each channel.
+struct ChannelTables {
+    const std::uint8_t* red;
+    const std::uint8_t* green;
+    const std::uint8_t* blue;
+};
+void mapChannels(PackedSpan& span, const ChannelTables& tables);
+
 /// Where the coefficient of a tonal stage is large.
 enum class Tones { bright, dark };
 
 /// Lifts that keep the low byte of the result.
-void liftWrapping(PixelSpan& span, Tones tones, float amount);
+void liftWrapping(PackedSpan& span, Tones tones, float amount);
 /// Lifts that clamp.
-void liftClamped(PixelSpan& span, Tones tones, float amount);
+void liftClamped(PackedSpan& span, Tones tones, float amount);
 /// Lifts bright tones, a second time where that brightens, and clamps.
-void liftTwice(PixelSpan& span, float amount);
+void liftTwice(PackedSpan& span, float amount);
 
 /// Moves channels away from the pixel's lightness (`amount` >= 0) or towards it.
-void stretchSaturation(PixelSpan& span, float amount);
+void stretchSaturation(PackedSpan& span, float amount);
 
 /// Shifts red and blue against green by `strength` 256ths of the grey level.
-void shiftTint(PixelSpan& span, std::int32_t strength);
+void shiftTint(PackedSpan& span, std::int32_t strength);
 
 /// A rotation of colours about the grey axis: each row of the matrix works on the channels as the
 /// rows before have left them, blue first and red last.
@@ -51,18 +60,18 @@ struct HueMatrix {
 void rotateHue(PixelSpan& span, const HueMatrix& matrix);
 
 /// Saturation for dull colours; `amount` as a share.
-void stretchVibrance(PixelSpan& span, float amount);
+void stretchVibrance(PackedSpan& span, float amount);
 
 /// Adds the grain of the pixels from number `firstPixel` on, `scale` times as strong as its
 /// formula, to the first `channels` lanes of blue, green and red.
 void addGrain(PixelSpan& span, std::size_t channels, std::size_t firstPixel, float scale);
 
-/// The lightness of each pixel by the 8-bit HSL of CxImage, into a lane of the span's capacity that
-/// is aligned as its own.
-void takeLightness(const PixelSpan& span, std::uint8_t* lightness);
+/// The lightness of each pixel by the 8-bit HSL of CxImage, a byte's number each, into an array of
+/// the span's capacity that is aligned as a vector.
+void takeLightness(const PackedSpan& span, float* lightness);
 
 /// Gives the pixels back their `lightness`, with the hue and the saturation of what they are now.
-void restoreLightness(PixelSpan& span, const std::uint8_t* lightness);
+void restoreLightness(PackedSpan& span, const float* lightness);
 
 /// What the columns of a picture add to the vignette's tests of their pixels, from the span's first
 /// column on; whole vectors of them may be read.
@@ -95,11 +104,11 @@ struct VignetteShade {
 };
 
 /// Shades the pixels by a mask of 1 inside the inner ellipse and 0 outside the outer one.
-void applyVignette(PixelSpan& span, const VignetteRow& row, const VignetteBand& band,
+void applyVignette(PackedSpan& span, const VignetteRow& row, const VignetteBand& band,
                    const VignetteShade& shade);
 
 /// The hue, saturation and lightness steps of a colour range.
-void changeColourRange(PixelSpan& span, const HueBand& band, const RangeChange& change);
+void changeColourRange(PackedSpan& span, const HueBand& band, const RangeChange& change);
 
 /// The same for the entries of a colour table, `stride` floats apart; at least three, so that they
 /// do not overlap.

@@ -14,18 +14,25 @@ namespace keladjust {
 namespace HWY_NAMESPACE {
 
 // Screens a channel with itself: towards white for k > 0, away from it for k < 0.
-struct Lift {
-    // Strong amounts may leave the range of whole numbers, or that of floats, after which only a
-    // true division goes on.
-    explicit Lift(float amount) : isTame(std::fabs(amount) < 1e6f) {}
+template <class Quotient>
+HWY_INLINE Floats screen(Floats c, Floats k, Quotient perWhite) {
+    const Floats white = constant(255.0f);
+    return hn::Sub(white, perWhite(hn::Mul(hn::Sub(white, hn::Mul(k, c)), hn::Sub(white, c))));
+}
 
+// Of amounts with which nothing leaves the range of whole numbers.
+struct TameLift {
+    HWY_INLINE Floats operator()(Floats c, Floats k) const { return screen(c, k, quotientBy<255>); }
+    HWY_INLINE Ints whole(Floats value) const { return truncateInRange(value); }
+};
+
+// Of any amounts: numbers may even leave the range of floats, after which only a true division goes
+// on.
+struct AnyLift {
     HWY_INLINE Floats operator()(Floats c, Floats k) const {
-        const Floats white = constant(255.0f);
-        const Floats product = hn::Mul(hn::Sub(white, hn::Mul(k, c)), hn::Sub(white, c));
-        return hn::Sub(white, isTame ? quotientBy<255>(product) : hn::Div(product, white));
+        return screen(c, k, [](Floats value) HWY_ATTR { return hn::Div(value, constant(255.0f)); });
     }
-
-    bool isTame;
+    HWY_INLINE Ints whole(Floats value) const { return truncateToInts(value); }
 };
 
 HWY_INLINE Floats coefficient(spans::Tones tones, const Channels<Floats>& c, float amount) {
@@ -34,48 +41,64 @@ HWY_INLINE Floats coefficient(spans::Tones tones, const Channels<Floats>& c, flo
     return hn::Mul(hn::Sub(constant(1.0f), brightness), constant(amount));
 }
 
-// The low byte of the whole number.
-HWY_INLINE Ints wrapToBytes(Floats values, const Lift& lift) {
-    const Ints whole = lift.isTame ? truncateInRange(values) : truncateToInts(values);
-    return hn::And(whole, constant(std::int32_t{255}));
-}
-
-void liftWrapping(PixelSpan& span, spans::Tones tones, float amount) {
-    const Lift lift(amount);
+// Stores what `lifted(channel, k)` makes of the channels.
+template <class Lifted>
+HWY_INLINE void liftSpan(PackedSpan& span, spans::Tones tones, float amount, Lifted lifted) {
     forEachVector(span, [&](std::size_t i) HWY_ATTR {
         const Channels<Floats> c = loadFloatChannels(span, i);
         const Floats k = coefficient(tones, c, amount);
-        storeClamped(mapChannels(c, [&](Floats channel)
-                                        HWY_ATTR { return wrapToBytes(lift(channel, k), lift); }),
+        storeClamped(mapChannels(c, [&](Floats channel) HWY_ATTR { return lifted(channel, k); }),
                      span, i);
     });
 }
 
-void liftClamped(PixelSpan& span, spans::Tones tones, float amount) {
-    const Lift lift(amount);
-    forEachVector(span, [&](std::size_t i) HWY_ATTR {
-        const Channels<Floats> c = loadFloatChannels(span, i);
-        const Floats k = coefficient(tones, c, amount);
-        storeClamped(
-            mapChannels(c, [&](Floats channel) HWY_ATTR { return clampToBytes(lift(channel, k)); }),
-            span, i);
+template <class Lift>
+HWY_INLINE void wrapLifted(PackedSpan& span, spans::Tones tones, float amount, Lift lift) {
+    // The low byte of the whole number.
+    liftSpan(span, tones, amount, [&](Floats channel, Floats k) HWY_ATTR {
+        return hn::And(lift.whole(lift(channel, k)), constant(std::int32_t{255}));
     });
 }
 
-void liftTwice(PixelSpan& span, float amount) {
-    const Lift lift(amount);
-    forEachVector(span, [&](std::size_t i) HWY_ATTR {
-        const Channels<Floats> c = loadFloatChannels(span, i);
-        const Floats k = coefficient(spans::Tones::bright, c, amount);
-        const FloatMask brightens = hn::Gt(k, constant(0.0f));
-        storeClamped(
-            mapChannels(c,
-                        [&](Floats channel) HWY_ATTR {
-                            const Floats once = lift(channel, k);
-                            return clampToBytes(hn::IfThenElse(brightens, lift(once, k), once));
-                        }),
-            span, i);
+template <class Lift>
+HWY_INLINE void clampLifted(PackedSpan& span, spans::Tones tones, float amount, Lift lift) {
+    liftSpan(span, tones, amount,
+             [&](Floats channel, Floats k) HWY_ATTR { return lift.whole(lift(channel, k)); });
+}
+
+template <class Lift>
+HWY_INLINE void clampLiftedTwice(PackedSpan& span, float amount, Lift lift) {
+    // Where it brightens; coefficients have the sign of the amount, or are zero, with which a
+    // second time changes no whole number.
+    const bool brightens = amount > 0.0f;
+    liftSpan(span, spans::Tones::bright, amount, [&](Floats channel, Floats k) HWY_ATTR {
+        const Floats once = lift(channel, k);
+        return lift.whole(brightens ? lift(once, k) : once);
     });
+}
+
+void liftWrapping(PackedSpan& span, spans::Tones tones, float amount) {
+    if (std::fabs(amount) < 1e6f) {
+        wrapLifted(span, tones, amount, TameLift());
+    } else {
+        wrapLifted(span, tones, amount, AnyLift());
+    }
+}
+
+void liftClamped(PackedSpan& span, spans::Tones tones, float amount) {
+    if (std::fabs(amount) < 1e6f) {
+        clampLifted(span, tones, amount, TameLift());
+    } else {
+        clampLifted(span, tones, amount, AnyLift());
+    }
+}
+
+void liftTwice(PackedSpan& span, float amount) {
+    if (std::fabs(amount) < 100.0f) {
+        clampLiftedTwice(span, amount, TameLift());
+    } else {
+        clampLiftedTwice(span, amount, AnyLift());
+    }
 }
 
 }  // namespace HWY_NAMESPACE
@@ -89,13 +112,13 @@ HWY_EXPORT(liftWrapping);
 HWY_EXPORT(liftClamped);
 HWY_EXPORT(liftTwice);
 
-void spans::liftWrapping(PixelSpan& span, Tones tones, float amount) {
+void spans::liftWrapping(PackedSpan& span, Tones tones, float amount) {
     HWY_DYNAMIC_DISPATCH(liftWrapping)(span, tones, amount);
 }
-void spans::liftClamped(PixelSpan& span, Tones tones, float amount) {
+void spans::liftClamped(PackedSpan& span, Tones tones, float amount) {
     HWY_DYNAMIC_DISPATCH(liftClamped)(span, tones, amount);
 }
-void spans::liftTwice(PixelSpan& span, float amount) {
+void spans::liftTwice(PackedSpan& span, float amount) {
     HWY_DYNAMIC_DISPATCH(liftTwice)(span, amount);
 }
 

@@ -105,7 +105,7 @@ HWY_INLINE Channels<Ints> shade(const spans::VignetteShade& shade, const Channel
     });
 }
 
-void applyVignette(PixelSpan& span, const spans::VignetteRow& row, const spans::VignetteBand& band,
+void applyVignette(PackedSpan& span, const spans::VignetteRow& row, const spans::VignetteBand& band,
                    const spans::VignetteShade& look) {
     const FloatTag tag;
     const Floats zero = constant(0.0f);
@@ -135,7 +135,7 @@ namespace keladjust {
 
 HWY_EXPORT(applyVignette);
 
-void spans::applyVignette(PixelSpan& span, const VignetteRow& row, const VignetteBand& band,
+void spans::applyVignette(PackedSpan& span, const VignetteRow& row, const VignetteBand& band,
                           const VignetteShade& shade) {
     HWY_DYNAMIC_DISPATCH(applyVignette)(span, row, band, shade);
 }
