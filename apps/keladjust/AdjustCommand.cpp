@@ -11,6 +11,7 @@
 #include "PathText.h"
 #include "Preset.h"
 #include "platform/Console.h"
+#include "platform/FileNames.h"
 
 #include <keladjust/keladjust.h>
 
@@ -23,7 +24,8 @@ void createFolder(const std::filesystem::path& folder) {
     std::error_code error;
     std::filesystem::create_directories(folder, error);
     if (!std::filesystem::is_directory(folder)) {
-        throw Failure("cannot create the folder " + textOf(folder) + ": " + error.message() +
+        throw Failure("cannot create the folder " + textOf(folder) + ": " +
+                      platform::faultIn(folder).value_or(error.message()) +
                       "; choose another place with -o");
     }
 }

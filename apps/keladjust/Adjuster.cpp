@@ -20,7 +20,12 @@ Adjuster::Adjuster(GpuUse use) : use_(use) {
 }
 
 void Adjuster::startEngine() {
-    engine_ = std::make_unique<Engine>(Engine::Configuration::ofTheProgram);
+    try {
+        engine_ = std::make_unique<Engine>(Engine::Configuration::ofTheProgram);
+    } catch (const Failure& failure) {
+        obstacle_ = failure.what();  // a folder whose name the library cannot be told
+        return;
+    }
     if (!engine_->obstacle()) return;
     obstacle_ = *engine_->obstacle();
     engine_.reset();

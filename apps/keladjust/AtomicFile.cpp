@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "PathText.h"
+#include "platform/FileNames.h"
 
 #include <array>
 #include <cerrno>
@@ -29,9 +30,11 @@ std::filesystem::path nameBeside(const std::filesystem::path& target) {
     return candidate;
 }
 
-Failure unwritable(const std::filesystem::path& target, const std::string& reason) {
-    return Failure("cannot write " + textOf(target) + ": " + reason +
-                   "; choose another place with -o");
+/// @param refused the name that the system did not take: the target's or the temporary one
+Failure unwritable(const std::filesystem::path& target, const std::filesystem::path& refused,
+                   const std::string& reason) {
+    return Failure("cannot write " + textOf(target) + ": " +
+                   platform::faultIn(refused).value_or(reason) + "; choose another place with -o");
 }
 
 }  // namespace
@@ -55,20 +58,22 @@ void AtomicFile::write(std::span<const unsigned char> bytes) {
                static_cast<std::streamsize>(bytes.size()));
     file.close();
     if (!file) {
-        throw unwritable(target_, errno ? std::generic_category().message(errno)
-                                        : std::string("the disk refused it"));
+        throw unwritable(
+            target_, temporary_,
+            errno ? std::generic_category().message(errno) : std::string("the disk refused it"));
     }
 }
 
 void AtomicFile::commit() {
     std::error_code error;
     const auto replaced = std::filesystem::status(target_, error);
-    if (std::filesystem::is_directory(replaced)) throw unwritable(target_, "it is a folder");
+    if (std::filesystem::is_directory(replaced))
+        throw unwritable(target_, target_, "it is a folder");
     if (std::filesystem::exists(replaced)) {
         std::filesystem::permissions(temporary_, replaced.permissions(), error);
     }
     std::filesystem::rename(temporary_, target_, error);
-    if (error) throw unwritable(target_, error.message());
+    if (error) throw unwritable(target_, target_, error.message());
     committed_ = true;
 }
 

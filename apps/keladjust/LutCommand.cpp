@@ -6,11 +6,14 @@
 #include "Engine.h"
 #include "ExitCode.h"
 #include "Failure.h"
+#include "InputFile.h"
 #include "PathText.h"
 #include "platform/FileNames.h"
 
 #include <keladjust/keladjust.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <filesystem>
 #include <string>
 
@@ -36,12 +39,23 @@ void refuseToReplacePresets(const std::filesystem::path& output, const CommandLi
     }
 }
 
+/// The library does not tell whether the disk has taken all that it wrote.
+bool isWhole(const std::filesystem::path& cube) {
+    constexpr std::ptrdiff_t headerLines = 8;
+    constexpr std::ptrdiff_t colours = CUBE_SIZE * CUBE_SIZE * CUBE_SIZE;
+    return std::ranges::count(readFile(cube), '\n') == headerLines + colours;
+}
+
 void writeBlueFastest(const _AdjustParam& record, const std::filesystem::path& output) {
     AtomicFile file(output);
     file.write({});  // finds out, with a better message, whether the library can write there
     if (!writeLut3DFile(record, platform::narrow(file.temporary()).c_str())) {
         throw Failure("cannot write " + textOf(output) +
                       "; check that the folder exists and you may write to it");
+    }
+    if (!isWhole(file.temporary())) {
+        throw Failure("cannot write " + textOf(output) + ": the disk did not take all of it; " +
+                      "choose another place with -o");
     }
     file.commit();
 }

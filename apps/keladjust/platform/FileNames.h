@@ -2,6 +2,7 @@
 #define KELADJUST_APP_PLATFORM_FILENAMES_H
 
 #include <filesystem>
+#include <optional>
 #include <string>
 
 namespace keladjust::app::platform {
@@ -13,6 +14,10 @@ std::filesystem::path comparable(const std::filesystem::path& path);
 ///
 /// @throws Failure if no such name can be made
 std::string narrow(const std::filesystem::path& path);
+
+/// What is wrong with a name under which nothing could be written, if the system's own message does
+/// not say so.
+std::optional<std::string> faultIn(const std::filesystem::path& path);
 
 }  // namespace keladjust::app::platform
 

@@ -10,4 +10,8 @@ std::string narrow(const std::filesystem::path& path) {
     return path.string();
 }
 
+std::optional<std::string> faultIn(const std::filesystem::path&) {
+    return std::nullopt;
+}
+
 }  // namespace keladjust::app::platform

@@ -8,8 +8,6 @@
 #endif
 #include <windows.h>
 
-#include <optional>
-
 namespace keladjust::app::platform {
 namespace {
 
@@ -51,6 +49,26 @@ std::string narrow(const std::filesystem::path& path) {
         if (const auto name = inCodePage(shorter)) return *name;
     }
     throw Failure("letters in " + textOf(path) + " are none of this system's; use another folder");
+}
+
+std::optional<std::string> faultIn(const std::filesystem::path& path) {
+    constexpr std::size_t longestName = 255;
+    constexpr std::size_t longestPath = MAX_PATH - 1;  // without the terminating zero
+    for (const auto& name : path.relative_path()) {
+        const std::wstring& text = name.native();
+        if (text.size() > longestName) {
+            return "a name of more than " + std::to_string(longestName) + " letters is too long";
+        }
+        if (text.find_first_of(L"<>:\"|?*") != std::wstring::npos) {
+            return "names hold none of < > : \" | ? *";
+        }
+    }
+    std::error_code error;
+    if (std::filesystem::absolute(path, error).native().size() > longestPath) {
+        return "with its folders, a name of more than " + std::to_string(longestPath) +
+               " letters is too long";
+    }
+    return std::nullopt;
 }
 
 }  // namespace keladjust::app::platform
