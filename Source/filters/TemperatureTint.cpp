@@ -65,17 +65,6 @@ struct Warmth {
     float strength;  // not limited: 2.14 at a setting of 0
 };
 
-ByteTable blendTable(std::uint8_t colour, float strength) {
-    ByteTable table;
-    for (unsigned value = 0; value < table.size(); ++value) {
-        const float p = static_cast<float>(value);
-        const float product = (p / 255.0f) * (static_cast<float>(colour) / 255.0f) * 255.0f;
-        const float multiplied = static_cast<float>(static_cast<int>(product));
-        table[value] = clampToByte(p * (1.0f - strength) + multiplied * strength);
-    }
-    return table;
-}
-
 class TemperatureFormula {
 public:
     explicit TemperatureFormula(long temperature) : active_(temperature != identityTemperature) {
@@ -131,16 +120,14 @@ TemperatureKernel::TemperatureKernel(long temperature)
     : active_(temperature != identityTemperature) {
     const Warmth warmth(temperature);
     const BlackBody body(warmth.kelvin);
-    red_ = blendTable(BlackBody::toByte(body.red), warmth.strength);
-    green_ = blendTable(BlackBody::toByte(body.green), warmth.strength);
-    blue_ = blendTable(BlackBody::toByte(body.blue), warmth.strength);
+    const auto shareOf = [](double channel) {
+        return static_cast<float>(BlackBody::toByte(channel)) / 255.0f;
+    };
+    blend_ = {shareOf(body.red), shareOf(body.green), shareOf(body.blue), warmth.strength};
 }
 
 void TemperatureKernel::run(PackedSpan& span) const {
-    alignas(64) float lightness[PackedSpan::capacity];
-    spans::takeLightness(span, lightness);
-    spans::mapChannels(span, {red_.data(), green_.data(), blue_.data()});
-    spans::restoreLightness(span, lightness);
+    spans::blendKeepingLightness(span, blend_);
 }
 
 TintKernel::TintKernel(float tint) : active_(tint != 0.0f), strength_(tintStrength(tint)) {}

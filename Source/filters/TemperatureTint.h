@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "filters/PixelKernel.h"
+#include "filters/spans/Spans.h"
 
 namespace keladjust {
 
@@ -17,10 +18,7 @@ public:
 
 private:
     bool active_;
-    // The blend of each channel looks at that channel alone.
-    ByteTable red_;
-    ByteTable green_;
-    ByteTable blue_;
+    spans::ColourBlend blend_;
 };
 
 /// Shifts red and blue against green in proportion to the grey level.

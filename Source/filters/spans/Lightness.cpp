@@ -1,4 +1,4 @@
-// A round trip through the 8-bit HSL of CxImage that restores the lightness, over a span.
+// A blend with a colour that keeps the lightness of the 8-bit HSL of CxImage, over a span.
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "filters/spans/Lightness.cpp"
@@ -32,24 +32,21 @@ struct HueSaturation {
 // more than they are rounded by.
 HWY_INLINE HueSaturation hueAndSaturation(const Channels<Floats>& c) {
     const Floats zero = constant(0.0f);
-    const Floats one = constant(1.0f);
     const Floats half = constant(0.5f);
     const Floats largest = largestOf(c);
     const Floats smallest = smallestOf(c);
     const Floats sum = hn::Add(largest, smallest);
     const Floats delta = hn::Sub(largest, smallest);
-    const FloatMask grey = hn::Eq(delta, zero);
+    const FloatMask grey = hn::Eq(delta, zero);  // whose quotients may be no numbers
 
-    // (sum + 1) * 255 / 510 is above 127 from a sum of 255 on.
-    const FloatMask light = hn::Gt(sum, constant(254.0f));
-    const Floats span = hn::IfThenElse(light, hn::Sub(constant(510.0f), sum), sum);
-    // Greys have a saturation of 0 whatever they are divided by.
+    // (sum + 1) * 255 / 510 is above 127 from a sum of 255 on, where the difference is the smaller.
+    const Floats span = hn::Min(sum, hn::Sub(constant(510.0f), sum));
     const Floats dividend = hn::Add(hn::Mul(delta, constant(255.0f)), hn::Mul(span, half));
-    const Floats saturation = hn::Trunc(hn::Div(dividend, hn::Max(span, one)));
+    const Floats saturation = hn::Trunc(hn::Div(dividend, span));
 
     // One reciprocal serves two quotients. It is not exact, so dividends must not be multiples of
     // the divisor: they get another quarter.
-    const Floats perDelta = hn::Div(one, hn::Max(delta, one));
+    const Floats perDelta = hn::Div(constant(1.0f), delta);
     const Floats halfDelta = hn::Add(hn::Mul(delta, half), constant(0.25f));
     const auto share = [&](Floats channel) HWY_ATTR {
         const Floats distance = hn::Sub(largest, channel);
@@ -65,26 +62,26 @@ HWY_INLINE HueSaturation hueAndSaturation(const Channels<Floats>& c) {
     return {hn::IfThenElse(grey, constant(170.0f), wrapped), hn::IfThenZeroElse(grey, saturation)};
 }
 
-// Where a channel stands on its way around the circle, as CxImage::HueToRGB() has it.
-struct Station {
-    explicit HWY_INLINE Station(Floats hue)
-        : rises(hn::Lt(hue, constant(60.0f))),
-          high(hn::Lt(hue, constant(180.0f))),
-          onSlope(hn::Or(rises, hn::AndNot(high, hn::Lt(hue, constant(240.0f))))),
-          way(hn::IfThenElse(rises, hue, hn::Sub(constant(240.0f), hue))) {}
+// How many degrees each channel is above the bottom of its way around the circle, as
+// CxImage::HueToRGB() has it: on a slope between 0 and 60, low before and high beyond. The two
+// sides of each are the formula's own differences, so a slope is its number to the bit. None of the
+// 256 hues lies just at 60.
+HWY_INLINE Channels<Floats> heights(Floats hue) {
+    const Floats slopeEnds = constant(240.0f);
+    const Floats redHue = hn::Add(hue, constant(120.0f));
+    const Floats blueHue = hn::Sub(hue, constant(120.0f));
+    return {hn::Max(hn::Sub(redHue, constant(360.0f)), hn::Sub(slopeEnds, redHue)),
+            hn::Min(hue, hn::Sub(slopeEnds, hue)), hn::Min(blueHue, hn::Sub(slopeEnds, blueHue))};
+}
 
-    FloatMask rises;
-    FloatMask high;
-    FloatMask onSlope;
-    Floats way;  ///< along the slope
-};
+HWY_INLINE Floats middleOf(const Channels<Floats>& c) {
+    return hn::Max(hn::Min(c.red, c.green), hn::Min(hn::Max(c.red, c.green), c.blue));
+}
 
 // As CxImage::HSLtoRGB(). Without saturation m1 and m2 come out as the lightness itself, so greys
 // need no branch.
 HWY_INLINE Channels<Ints> toBytes(const HueSaturation& c, Floats lightnessByte) {
-    const Floats white = constant(255.0f);
-    const Floats turn = constant(360.0f);
-    const Floats hue = quotientBy<255>(hn::Mul(c.hue, turn));
+    const Floats hue = quotientBy<255>(hn::Mul(c.hue, constant(360.0f)));
     const Floats saturation = quotientBy<255>(c.saturation);
     const Floats lightness = quotientBy<255>(lightnessByte);
     const Floats product = hn::Mul(lightness, saturation);
@@ -93,48 +90,49 @@ HWY_INLINE Channels<Ints> toBytes(const HueSaturation& c, Floats lightnessByte) 
     const Floats m2 = hn::IfThenElse(hn::Le(lightness, constant(0.5f)), dark, light);
     const Floats m1 = hn::Sub(hn::Mul(constant(2.0f), lightness), m2);
 
-    const Floats redHue = hn::Add(hue, constant(120.0f));
-    const Floats blueHue = hn::Sub(hue, constant(120.0f));
-    const Station red(hn::IfThenElse(hn::Gt(redHue, turn), hn::Sub(redHue, turn), redHue));
-    const Station green(hue);
-    const Station blue(
-        hn::IfThenElse(hn::Lt(blueHue, constant(0.0f)), hn::Add(blueHue, turn), blueHue));
-    // At each of the 256 hues one channel is on a slope, or none.
-    const Floats way =
-        hn::IfThenElse(red.onSlope, red.way, hn::IfThenElse(green.onSlope, green.way, blue.way));
-    const Floats slope = hn::Add(m1, quotientBy<60>(hn::Mul(hn::Sub(m2, m1), way)));
-
-    const auto byteOf = [white](Floats value)
-                            HWY_ATTR { return truncateInRange(hn::Mul(value, white)); };
-    const auto channel = [&](const Station& station) HWY_ATTR {
-        const Floats level = hn::IfThenElse(station.high, m2, m1);
-        return byteOf(hn::IfThenElse(station.onSlope, slope, level));
-    };
-    return {channel(red), channel(green), channel(blue)};
-}
-
-void takeLightness(const PackedSpan& span, float* lightness) {
-    forEachVector(span, [&](std::size_t i) HWY_ATTR {
-        const Channels<Ints> c = loadIntChannels(span, i);
-        const Ints mean = hn::ShiftRight<1>(hn::Add(largestOf(c), smallestOf(c)));
-        hn::Store(toFloats(mean), FloatTag(), lightness + i);
+    // At each hue one channel is high, one low and one on a slope, or at an end of it.
+    const Channels<Floats> height = heights(hue);
+    const Floats slope = hn::Add(m1, quotientBy<60>(hn::Mul(hn::Sub(m2, m1), middleOf(height))));
+    return mapChannels(height, [&](Floats degrees) HWY_ATTR {
+        const Floats raised = hn::IfThenElse(hn::Gt(degrees, constant(0.0f)), slope, m1);
+        const Floats value = hn::IfThenElse(hn::Gt(degrees, constant(60.0f)), m2, raised);
+        return truncateInRange(hn::Mul(value, constant(255.0f)));
     });
 }
 
-void restoreLightness(PackedSpan& span, const float* lightness) {
+// A channel multiplied by a colour's share, as a whole number, and mixed with what it was.
+HWY_INLINE Floats blend(Floats channel, float share, float strength) {
+    const Floats product =
+        hn::Mul(hn::Mul(quotientBy<255>(channel), constant(share)), constant(255.0f));
+    const Floats mixed = hn::Add(hn::Mul(channel, constant(1.0f - strength)),
+                                 hn::Mul(hn::Trunc(product), constant(strength)));
+    return hn::Trunc(hn::Min(hn::Max(mixed, constant(0.0f)), constant(255.0f)));
+}
+
+HWY_INLINE Floats lightnessOf(const Channels<Floats>& c) {
+    return hn::Trunc(hn::Mul(hn::Add(largestOf(c), smallestOf(c)), constant(0.5f)));
+}
+
+void blendKeepingLightness(PackedSpan& span, const spans::ColourBlend& colour) {
     alignas(64) float hues[runLength];
     alignas(64) float saturations[runLength];
+    alignas(64) float lightnesses[runLength];
     const FloatTag tag;
     for (std::size_t first = 0; first < span.count; first += runLength) {
         forEachVectorOfRun(span, first, [&](std::size_t i) HWY_ATTR {
-            const HueSaturation c = hueAndSaturation(loadFloatChannels(span, i));
-            hn::Store(c.hue, tag, hues + (i - first));
-            hn::Store(c.saturation, tag, saturations + (i - first));
+            const Channels<Floats> c = loadFloatChannels(span, i);
+            const HueSaturation blended =
+                hueAndSaturation({blend(c.red, colour.red, colour.strength),
+                                  blend(c.green, colour.green, colour.strength),
+                                  blend(c.blue, colour.blue, colour.strength)});
+            hn::Store(blended.hue, tag, hues + (i - first));
+            hn::Store(blended.saturation, tag, saturations + (i - first));
+            hn::Store(lightnessOf(c), tag, lightnesses + (i - first));
         });
         forEachVectorOfRun(span, first, [&](std::size_t i) HWY_ATTR {
             const HueSaturation c{hn::Load(tag, hues + (i - first)),
                                   hn::Load(tag, saturations + (i - first))};
-            storeClamped(toBytes(c, hn::Load(tag, lightness + i)), span, i);
+            storeClamped(toBytes(c, hn::Load(tag, lightnesses + (i - first))), span, i);
         });
     }
 }
@@ -146,14 +144,10 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace keladjust {
 
-HWY_EXPORT(takeLightness);
-HWY_EXPORT(restoreLightness);
+HWY_EXPORT(blendKeepingLightness);
 
-void spans::takeLightness(const PackedSpan& span, float* lightness) {
-    HWY_DYNAMIC_DISPATCH(takeLightness)(span, lightness);
-}
-void spans::restoreLightness(PackedSpan& span, const float* lightness) {
-    HWY_DYNAMIC_DISPATCH(restoreLightness)(span, lightness);
+void spans::blendKeepingLightness(PackedSpan& span, const ColourBlend& colour) {
+    HWY_DYNAMIC_DISPATCH(blendKeepingLightness)(span, colour);
 }
 
 }  // namespace keladjust

@@ -18,16 +18,15 @@ struct Extent {
     explicit HWY_INLINE Extent(const Channels<Floats>& c)
         : largest(largestOf(c)),
           smallest(smallestOf(c)),
-          sum(quotientBy<255>(hn::Add(largest, smallest))),
-          halfSum(hn::Mul(sum, constant(0.5f))),
-          lightness(hn::Mul(halfSum, constant(255.0f))),
+          sum(hn::Add(largest, smallest)),
+          lightness(hn::Mul(sum, constant(0.5f))),
           isGrey(hn::Eq(largest, smallest)) {}
 
     Floats largest;
     Floats smallest;
-    Floats sum;  ///< of both, on a scale of 0..1
-    Floats halfSum;
-    Floats lightness;
+    Floats sum;
+    Floats
+        lightness;  ///< halved, where the formula goes to 0..1 and back: for all 511 sums the same
     FloatMask isGrey;
 };
 
@@ -40,9 +39,9 @@ void moveAway(PackedSpan& span, float amount) {
         const Channels<Floats> c = loadFloatChannels(span, i);
         const Extent e(c);
         const Floats delta = quotientBy<255>(hn::Sub(e.largest, e.smallest));
-        const FloatMask isDark = hn::Lt(e.halfSum, constant(0.5f));
-        const Floats saturation =
-            hn::Div(delta, hn::IfThenElse(isDark, e.sum, hn::Sub(constant(2.0f), e.sum)));
+        // The smaller one is the sum where the lightness is below a half.
+        const Floats sum = quotientBy<255>(e.sum);
+        const Floats saturation = hn::Div(delta, hn::Min(sum, hn::Sub(constant(2.0f), sum)));
         // Once the pixel would leave the gamut it goes just to its edge.
         const Floats a = hn::IfThenElse(hn::Ge(hn::Add(saturation, s), one), saturation, inside);
         // Below 255: no saturation but a grey's is less than 1 / 255.

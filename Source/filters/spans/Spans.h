@@ -66,12 +66,17 @@ void stretchVibrance(PackedSpan& span, float amount);
 /// formula, to the first `channels` lanes of blue, green and red.
 void addGrain(PixelSpan& span, std::size_t channels, std::size_t firstPixel, float scale);
 
-/// The lightness of each pixel by the 8-bit HSL of CxImage, a byte's number each, into an array of
-/// the span's capacity that is aligned as a vector.
-void takeLightness(const PackedSpan& span, float* lightness);
+/// A colour to multiply by, channels as shares, and how much of the product counts.
+struct ColourBlend {
+    float red;
+    float green;
+    float blue;
+    float strength;  ///< finite
+};
 
-/// Gives the pixels back their `lightness`, with the hue and the saturation of what they are now.
-void restoreLightness(PackedSpan& span, const float* lightness);
+/// Blends the pixels with the colour and then, by the 8-bit HSL of CxImage, gives them back the
+/// lightness that they had.
+void blendKeepingLightness(PackedSpan& span, const ColourBlend& colour);
 
 /// What the columns of a picture add to the vignette's tests of their pixels, from the span's first
 /// column on; whole vectors of them may be read.
