@@ -38,8 +38,8 @@ void elevenStageByStage(CxImage& image) {
     hdrBlackLevel(&image, p.blacks);
 }
 
-const bool added = addRows("library", {{"eleven settings", plainly(adjust<elevenSettings>)},
-                                       {"preview", plainly(adjust<previewSettings>)}}) &&
+const bool added = addRows("library", {{"eleven settings", plainly(adjust<elevenSettings>), true},
+                                       {"preview", plainly(adjust<previewSettings>), true}}) &&
                    addRows("stage by stage", {{"eleven settings", plainly(elevenStageByStage)}});
 
 void identity(benchmark::State& state) {

@@ -35,7 +35,8 @@ const bool added =
                  filtering("huesaturation=hue=20:saturation=0.3:intensity=-0.2:colors=y")},
                 {"eight colour ranges",
                  filtering("selectivecolor=reds=0.2:yellows=0.2:greens=0.2:cyans=0.2:blues=0.2:"
-                           "magentas=0.2:whites=0.2:blacks=0.2")},
+                           "magentas=0.2:whites=0.2:blacks=0.2"),
+                 true},
                 {"blur, radius 50", filtering("gblur=sigma=20.8", AV_PIX_FMT_GBRAP)},
                 {"denoise", filtering("dctdnoiz=s=5:n=3:overlap=7", AV_PIX_FMT_GBRP)},
             });

@@ -158,8 +158,8 @@ const bool added = addRows("OpenCV", {{"exposure", onMat(Scale{1.09, 0})},
                                       {"colour range, one slider", onMat(throughHls)},
                                       {"colour range, three sliders", onMat(throughHls)},
                                       {"hue", onMat(Rotation{})},
-                                      {"eleven settings", onMat(ElevenSettings{})},
-                                      {"preview", onMat(Preview{})}}) &&
+                                      {"eleven settings", onMat(ElevenSettings{}), true},
+                                      {"preview", onMat(Preview{}), true}}) &&
                    addRows("OpenCV tables alone", {{"eleven settings", onMat(ElevenTables{})}});
 
 }  // namespace

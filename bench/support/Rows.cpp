@@ -3,13 +3,16 @@
 #include <benchmark/benchmark.h>
 
 #include "support/BenchPicture.h"
+#include "support/Photograph.h"
 
 namespace keladjust::bench {
 
 namespace {
 
-void measure(benchmark::State& state, const Row& row) {
-    CxImage& original = photographLike(state.range(0), state.range(1));
+using Picture = CxImage& (*)(std::int64_t columns, std::int64_t rows);
+
+void measure(benchmark::State& state, const Row& row, Picture picture) {
+    CxImage& original = picture(state.range(0), state.range(1));
     CxImage image;
     image.Copy(original);
     Work work = row.makeWork(image);
@@ -27,14 +30,19 @@ void measure(benchmark::State& state, const Row& row) {
                            benchmark::Counter::kIsIterationInvariantRate);
 }
 
+void addRow(const std::string& name, const Row& row, Picture picture) {
+    benchmark::RegisterBenchmark(
+        name.c_str(), [row, picture](benchmark::State& state) { measure(state, row, picture); })
+        ->Apply(pictureSizes)
+        ->MeasureProcessCPUTime();
+}
+
 }  // namespace
 
 bool addRows(const std::string& side, const std::vector<Row>& rows) {
     for (const Row& row : rows) {
-        benchmark::RegisterBenchmark((row.stage + "/" + side).c_str(),
-                                     [row](benchmark::State& state) { measure(state, row); })
-            ->Apply(pictureSizes)
-            ->MeasureProcessCPUTime();
+        addRow(row.stage + "/" + side, row, photographLike);
+        if (row.onPhotographToo) addRow(row.stage + ", photograph/" + side, row, photograph);
     }
     return true;
 }

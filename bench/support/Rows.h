@@ -21,6 +21,8 @@ struct Row {
     std::string stage;
     /// Makes the work for pictures like the one given, with maps and buffers of its own.
     std::function<Work(CxImage&)> makeWork;
+    /// Adds rows named "<stage>, photograph" for a side whose time depends on the colours.
+    bool onPhotographToo = false;
 };
 
 /// Work that is nothing but a call.
