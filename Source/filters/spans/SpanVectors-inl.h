@@ -215,8 +215,11 @@ HWY_INLINE Packed clampToPacked(Halves first, Halves second) {
     return Packed{_mm512_packus_epi16(first.raw, second.raw)};
 #elif HWY_TARGET == HWY_AVX2
     return Packed{_mm256_packus_epi16(first.raw, second.raw)};
-#else
+#elif HWY_TARGET == HWY_SSSE3 || HWY_TARGET == HWY_SSE4
     return Packed{_mm_packus_epi16(first.raw, second.raw)};
+#else
+    const hn::Half<PackedTag> half;
+    return hn::Combine(PackedTag(), hn::DemoteTo(half, second), hn::DemoteTo(half, first));
 #endif
 }
 
