@@ -68,6 +68,24 @@ TEST(Grain, IsTheProductOfAmountAndSize) {
     EXPECT_NE(one.bytes(), flatPicture(50, 50, 100).bytes());
 }
 
+// From a grain that is next to nothing, where every sum with a byte is near a whole number, to one
+// that leaves only black and white.
+TEST(Grain, FollowsItsFormulaAtEveryStrength) {
+    for (const unsigned bpp : {8u, 24u, 32u}) {
+        for (const float amount : {1e-7f, 1e-4f, 0.01f, 0.3f, 1.0f, 7.0f, 33.0f, 61.7f, 100.0f,
+                                   700.0f, 1e6f, 1e30f, -0.2f, -45.0f, -1e9f, INFINITY, NAN}) {
+            HostPicture picture(
+                257, 123, bpp,
+                bpp == 32 ? IMAGE_FORMAT_BGRA : (bpp == 8 ? IMAGE_FORMAT_GRAY : IMAGE_FORMAT_BGR));
+            picture.fillRandom(bpp);
+            HostPicture expected(picture);
+            addNoiseFilter(picture.image(), amount, 80.0f);
+            keladjust::test::grainModel(*expected.image(), amount, 80.0f);
+            EXPECT_EQ(picture.bytes(), expected.bytes()) << amount << ", " << bpp;
+        }
+    }
+}
+
 TEST(Grain, IsOffIfEitherSettingIsZero) {
     HostPicture picture(31, 9, 24, IMAGE_FORMAT_RGB);
     const auto before = picture.fillRandom(2).bytes();

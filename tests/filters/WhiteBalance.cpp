@@ -2,11 +2,13 @@
 
 #include <cstdint>
 
+#include "models/SpatialStages.h"
 #include "support/HostPicture.h"
 
 namespace {
 
 using keladjust::test::HostPicture;
+using keladjust::test::whiteBalanceModel;
 
 TEST(WhiteBalance, MakesTheBrightestPixelsWhite) {
     HostPicture picture(10, 10, 32, IMAGE_FORMAT_BGRA);
@@ -42,6 +44,37 @@ TEST(WhiteBalance, NeverCountsMoreAsWhiteThanAskedFor) {
     };
     EXPECT_EQ(balancedDark(4), (_tagMyRGBQUAD{51, 102, 204, 0}));
     EXPECT_EQ(balancedDark(5), (_tagMyRGBQUAD{40, 40, 40, 0}));
+}
+
+// However the bright rows lie: where only a few rows are looked at first, those may be the bright
+// ones, or the only dark ones.
+TEST(WhiteBalance, CountsBrightPixelsWhereverTheyAre) {
+    for (const unsigned bpp : {24u, 32u}) {
+        for (const unsigned period : {2u, 16u, 32u, 64u}) {
+            for (const bool brightFirst : {true, false}) {
+                HostPicture picture(40, 640, bpp, bpp == 24 ? IMAGE_FORMAT_BGR : IMAGE_FORMAT_BGRA);
+                picture.fillRandom(period);
+                for (unsigned y = 0; y < 640; ++y) {
+                    if ((y % period == 0) == brightFirst) continue;
+                    for (unsigned x = 0; x < 40; ++x) {
+                        _tagMyRGBQUAD dark = picture.pixel(x, y);
+                        dark.red /= 4;
+                        dark.green /= 4;
+                        dark.blue /= 4;
+                        picture.setPixel(x, y, dark);
+                    }
+                }
+                for (const float amount : {1.0f, 50.0f, 100.0f, 300.0f}) {
+                    HostPicture balanced(picture);
+                    HostPicture expected(picture);
+                    whiteBalanceAdjustment(balanced.image(), amount);
+                    whiteBalanceModel(*expected.image(), amount);
+                    EXPECT_EQ(balanced.bytes(), expected.bytes())
+                        << bpp << ", " << period << ", " << brightFirst << ", " << amount;
+                }
+            }
+        }
+    }
 }
 
 TEST(WhiteBalance, KeepsThePictureWithoutPixelsToJudgeBy) {

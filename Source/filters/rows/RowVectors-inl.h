@@ -82,6 +82,12 @@ HWY_INLINE Bytes toBytes(const WordPair& words) {
     return hn::BitCast(RowTag(), hn::Or(words.even, hn::ShiftLeft<8>(words.odd)));
 }
 
+/// Words of 0..255 as ByteScale scales them.
+HWY_INLINE Words scaled(Words in, Words whole, Words fraction) {
+    const Words out = hn::Add(hn::Mul(in, whole), hn::MulHigh(in, fraction));
+    return hn::Min(out, hn::Set(WordTag(), std::uint16_t{255}));
+}
+
 /// Four bytes in every group of four.
 HWY_INLINE Bytes everyFour(std::uint32_t bytes) {
     return hn::BitCast(RowTag(), hn::Set(QuadTag(), bytes));

@@ -1,6 +1,7 @@
 #ifndef KELADJUST_FILTERS_ROWS_ROWS_H
 #define KELADJUST_FILTERS_ROWS_ROWS_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -10,6 +11,9 @@
 /// instruction set and chosen when they run. All of them give the same bytes. The fourth byte of
 /// pixels of four is alpha and stays.
 namespace keladjust::rows {
+
+/// Scales every first, second, third and fourth byte by a gain of its own.
+void scaleByFours(std::uint8_t* row, std::size_t bytes, const std::array<ByteScale, 4>& gains);
 
 /// The complement of every byte, before which complementScaled() brightens colours by `gain`.
 void complement(const std::uint8_t* row, std::size_t bytes, std::uint8_t* out);

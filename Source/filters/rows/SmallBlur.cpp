@@ -66,11 +66,6 @@ HWY_INLINE Bytes weighted(Bytes before, Bytes middle, Bytes after, bool premulti
     return hn::Max(hn::And(mean, everyFour(0x00FFFFFF)), fourthBytes(middle));
 }
 
-HWY_INLINE Words scaled(Words in, Words whole, Words fraction) {
-    const Words out = hn::Add(hn::Mul(in, whole), hn::MulHigh(in, fraction));
-    return hn::Min(out, hn::Set(WordTag(), std::uint16_t{255}));
-}
-
 void complementScaled(const std::uint8_t* row, std::size_t bytes, std::size_t pixelBytes,
                       ByteScale gain, std::uint8_t* out) {
     const Words whole = hn::Set(WordTag(), gain.whole);

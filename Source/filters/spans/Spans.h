@@ -65,6 +65,12 @@ void stretchVibrance(PackedSpan& span, float amount);
 /// Adds the grain of the pixels from number `firstPixel` on, `scale` times as strong as its
 /// formula, to the first `channels` lanes of blue, green and red.
 void addGrain(PixelSpan& span, std::size_t channels, std::size_t firstPixel, float scale);
+/// The same to the first three bytes of `count` pixels of four.
+void addGrainInPlace(std::uint8_t* pixels, std::size_t count, std::size_t firstPixel, float scale);
+
+/// The places of those pixels whose channels sum up to at least `leastSum`, in their order; how
+/// many there are.
+std::size_t placesOfBright(const PixelSpan& span, unsigned leastSum, std::uint16_t* places);
 
 /// A colour to multiply by, channels as shares, and how much of the product counts.
 struct ColourBlend {
