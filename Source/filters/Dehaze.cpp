@@ -31,16 +31,11 @@ void mean15(const std::uint8_t* source, std::uint8_t* destination, std::size_t w
     std::vector<MeanWindow> windows(bands, MeanWindow(width));
     platform::parallelBands(height, bands,
                             [&](std::size_t band, std::size_t begin, std::size_t end) {
-                                constexpr std::size_t reach = MeanWindow::reach;
                                 MeanWindow& window = windows[band];
-                                std::size_t top = begin - std::min(begin, reach);
-                                std::size_t bottom = top;  // one past the window's last row
+                                window.beginAt(begin);
+                                const auto row = [&](std::size_t y) { return source + y * width; };
                                 for (std::size_t y = begin; y < end; ++y) {
-                                    for (; bottom < std::min(y + reach + 1, height); ++bottom) {
-                                        window.enter(source + bottom * width);
-                                    }
-                                    for (; top + reach < y; ++top)
-                                        window.leave(source + top * width);
+                                    window.moveTo(y, height, row, row);
                                     window.means(destination + y * width);
                                 }
                             });
@@ -82,21 +77,19 @@ public:
 
     void judge(const RawWalk& walk, std::size_t height, std::size_t begin, std::size_t end,
                std::uint8_t* means) {
-        constexpr std::size_t reach = MeanWindow::reach;
-        std::size_t top = begin - std::min(begin, reach);
-        std::size_t bottom = top;  // one past the window's last row
-        for (std::size_t y = begin; y < end; ++y) {
-            for (; bottom < std::min(y + reach + 1, height); ++bottom) {
-                const rows::Darkness darkness =
-                    rows::darkestChannels(walk.first + bottom * width_ * walk.step, width_,
-                                          walk.step, darkestOfRow(bottom));
-                window_.enter(darkestOfRow(bottom));
-                if (bottom >= begin && bottom < end) {
-                    sum += darkness.sum;
-                    brightest = std::max(brightest, darkness.brightest);
-                }
+        const auto entering = [&](std::size_t y) {
+            const rows::Darkness darkness = rows::darkestChannels(
+                walk.first + y * width_ * walk.step, width_, walk.step, darkestOfRow(y));
+            if (y >= begin && y < end) {
+                sum += darkness.sum;
+                brightest = std::max(brightest, darkness.brightest);
             }
-            for (; top + reach < y; ++top) window_.leave(darkestOfRow(top));
+            return darkestOfRow(y);
+        };
+        const auto leaving = [&](std::size_t y) { return darkestOfRow(y); };
+        window_.beginAt(begin);
+        for (std::size_t y = begin; y < end; ++y) {
+            window_.moveTo(y, height, entering, leaving);
             window_.means(means + y * width_);
             deepest = std::max(deepest, largestByte(means + y * width_, width_));
         }
@@ -134,13 +127,14 @@ Haze hazeOf(const RawWalk& walk, std::size_t width, std::size_t height) {
 
 float veilFactor(std::uint8_t mean, float amount) {
     const float factor = static_cast<float>(mean) * (amount / 100.0f * 1.6f) / 255.0f;
-    return factor > 0.9f ? 0.9f : factor;
+    return factor > 0.0f ? std::min(factor, 0.9f) : 0.0f;  // 0 also if black meets infinity
 }
 
 void removeHaze(CxImage& image, float amount) {
     const RawWalk walk = rawWalkOf(image);
     if (walk.channels == 0) return;
     const Haze haze = hazeOf(walk, image.width, image.height);
+    if (haze.brightest == 0) return;  // all is black
     const auto mean = static_cast<std::uint8_t>(haze.sum / walk.count);
     const rows::Veil veil{veilFactor(mean, amount),
                           static_cast<float>(haze.deepest + haze.brightest) * 0.5f};

@@ -14,15 +14,18 @@ MeanWindow::MeanWindow(std::size_t width)
 
 void MeanWindow::enter(const std::uint8_t* row) {
     rows::addToColumns(row, width_, columns_.data());
-    ++rows_;
 }
 
 void MeanWindow::leave(const std::uint8_t* row) {
     rows::takeFromColumns(row, width_, columns_.data());
-    --rows_;
+}
+
+void MeanWindow::exchange(const std::uint8_t* entering, const std::uint8_t* leaving) {
+    rows::exchangeInColumns(entering, leaving, width_, columns_.data());
 }
 
 void MeanWindow::means(std::uint8_t* out) {
+    const auto rows = static_cast<std::uint32_t>(bottom_ - top_);
     // Windows that the sides crop.
     const auto cropped = [&](std::size_t begin, std::size_t end) {
         for (std::size_t x = begin; x < end; ++x) {
@@ -30,7 +33,7 @@ void MeanWindow::means(std::uint8_t* out) {
             const std::size_t last = std::min(x + reach + 1, width_);
             const std::uint32_t sum =
                 std::accumulate(columns_.data() + first, columns_.data() + last, 0u);
-            out[x] = static_cast<std::uint8_t>(sum / (rows_ * (last - first)));
+            out[x] = static_cast<std::uint8_t>(sum / (rows * (last - first)));
         }
     };
     if (width_ <= 2 * reach) {
@@ -38,7 +41,7 @@ void MeanWindow::means(std::uint8_t* out) {
         return;
     }
     cropped(0, reach);
-    rows::meansInside(columns_.data(), width_ - 2 * reach, rows_, triples_.data(), out + reach);
+    rows::meansInside(columns_.data(), width_ - 2 * reach, rows, triples_.data(), out + reach);
     cropped(width_ - reach, width_);
 }
 

@@ -20,8 +20,8 @@ Darkness darkestChannels(const std::uint8_t* pixels, std::size_t count, std::siz
                          std::uint8_t* darkest);
 
 struct Veil {
-    float factor;  ///< the part of the mean that may be haze
-    float light;   ///< what haze looks like where nothing shows through
+    float factor;  ///< the part of the mean that may be haze, 0..0.9
+    float light;   ///< what haze looks like where nothing shows through: not 0, nor below any mean
 };
 
 /// Takes the veil off: the smaller of a pixel's darkest channel and of the haze that the mean of

@@ -34,6 +34,17 @@ void addToColumns(const std::uint8_t* row, std::size_t width, std::uint16_t* sum
     for (; x < width; ++x) sums[x] = static_cast<std::uint16_t>(sums[x] + row[x]);
 }
 
+void exchangeInColumns(const std::uint8_t* added, const std::uint8_t* taken, std::size_t width,
+                       std::uint16_t* sums) {
+    const SumTag tag;
+    std::size_t x = forEachVector(width, [&](std::size_t i) HWY_ATTR {
+        const auto more = hn::PromoteTo(tag, hn::LoadU(ByteTag(), added + i));
+        const auto less = hn::PromoteTo(tag, hn::LoadU(ByteTag(), taken + i));
+        hn::StoreU(hn::Add(hn::LoadU(tag, sums + i), hn::Sub(more, less)), tag, sums + i);
+    });
+    for (; x < width; ++x) sums[x] = static_cast<std::uint16_t>(sums[x] + added[x] - taken[x]);
+}
+
 void takeFromColumns(const std::uint8_t* row, std::size_t width, std::uint16_t* sums) {
     const SumTag tag;
     std::size_t x = forEachVector(width, [&](std::size_t i) HWY_ATTR {
@@ -109,11 +120,16 @@ HWY_AFTER_NAMESPACE();
 namespace keladjust {
 
 HWY_EXPORT(addToColumns);
+HWY_EXPORT(exchangeInColumns);
 HWY_EXPORT(takeFromColumns);
 HWY_EXPORT(meansInside);
 
 void rows::addToColumns(const std::uint8_t* row, std::size_t width, std::uint16_t* sums) {
     HWY_DYNAMIC_DISPATCH(addToColumns)(row, width, sums);
+}
+void rows::exchangeInColumns(const std::uint8_t* added, const std::uint8_t* taken,
+                             std::size_t width, std::uint16_t* sums) {
+    HWY_DYNAMIC_DISPATCH(exchangeInColumns)(added, taken, width, sums);
 }
 void rows::takeFromColumns(const std::uint8_t* row, std::size_t width, std::uint16_t* sums) {
     HWY_DYNAMIC_DISPATCH(takeFromColumns)(row, width, sums);

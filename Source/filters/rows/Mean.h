@@ -16,6 +16,8 @@ constexpr std::size_t meanSide = 15;
 constexpr std::size_t columnSlack = 32;
 
 void addToColumns(const std::uint8_t* row, std::size_t width, std::uint16_t* sums);
+void exchangeInColumns(const std::uint8_t* added, const std::uint8_t* taken, std::size_t width,
+                       std::uint16_t* sums);
 void takeFromColumns(const std::uint8_t* row, std::size_t width, std::uint16_t* sums);
 
 /// The means of `count` windows, `rows` high; the first begins with the first column and each
