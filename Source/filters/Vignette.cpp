@@ -11,6 +11,7 @@
 
 #include "ImageFormat/Geometry.h"
 #include "filters/StageForms.h"
+#include "platform/Parallel.h"
 
 namespace keladjust {
 
@@ -20,6 +21,8 @@ namespace {
 float exposureFactor(float exposure) {
     return static_cast<float>(std::pow(2.0, static_cast<double>(exposure / 100.0f)));
 }
+
+constexpr std::size_t longestVector = 64;  // floats that may be read behind the last one
 
 float square(float value) {
     return value * value;
@@ -48,40 +51,96 @@ struct Ellipse {
 
 VignetteKernel::VignetteKernel(unsigned width, unsigned height, float amount, float feather,
                                float highlights, float size, float roundness, float exposure)
-    : active_(amount != 0.0f || exposure != 0.0f) {
+    : active_(amount != 0.0f || exposure != 0.0f), centreX_(width / 2), centreY_(height / 2) {
     if (!active_) return;
     const float border = amount / 100.0f;
     shade_ = {border + 1.0f, exposureFactor(exposure),
               std::fabs(border) * (highlights / 100.0f * 2.0f - 1.0f)};
 
-    const auto centreX = static_cast<float>(width / 2);
-    centreY_ = static_cast<float>(height / 2);
-    const Ellipse inner(centreX, centreY_, size / 100.0f, roundness / 100.0f);
-    innerHeight_ = inner.height;
-    band_.width = std::max(inner.width, inner.height) * 0.5f * (feather / 100.0f) + 3.0f;
-    band_.outerWidth = inner.width + band_.width;
-    band_.outerHeight = inner.height + band_.width;
+    const Ellipse inner(static_cast<float>(centreX_), static_cast<float>(centreY_), size / 100.0f,
+                        roundness / 100.0f);
+    spans::VignetteBand band{};
+    band.width = std::max(inner.width, inner.height) * 0.5f * (feather / 100.0f) + 3.0f;
+    band.outerWidth = inner.width + band.width;
+    band.outerHeight = inner.height + band.width;
 
-    constexpr std::size_t longestVector = 64;  // floats that may be read behind the last column
     for (std::vector<float>* columns : {&distances_, &inner_, &outer_}) {
         columns->resize(width + longestVector);
     }
     for (unsigned x = 0; x < width; ++x) {
-        const float dx = std::fabs(static_cast<float>(x) - centreX);
+        const float dx = std::fabs(static_cast<float>(x) - static_cast<float>(centreX_));
         distances_[x] = dx;
         inner_[x] = square(dx / inner.width);
-        outer_[x] = square(dx / band_.outerWidth);
+        outer_[x] = square(dx / band.outerWidth);
     }
+    for (unsigned distance = 0; distance <= centreY_; ++distance) {
+        const auto dy = static_cast<float>(distance);
+        innerOfRow_.push_back(square(dy / inner.height));
+        outerOfRow_.push_back(square(dy / band.outerHeight));
+    }
+    fillMasks(band);
+}
+
+// The band lies between the columns that are outside and those that are inside: towards the centre
+// neither test, rounding included, turns back.
+VignetteKernel::BandRow VignetteKernel::bandRow(unsigned distance) const {
+    const auto beginOfRest = [&](const auto& isBefore) {
+        unsigned begin = 0;
+        for (unsigned count = centreX_ + 1; count > 0;) {
+            const unsigned half = count / 2;
+            if (isBefore(begin + half)) {
+                begin += half + 1;
+                count -= half + 1;
+            } else {
+                count = half;
+            }
+        }
+        return begin;
+    };
+    BandRow row;
+    row.begin =
+        beginOfRest([&](unsigned x) { return outer_[x] + outerOfRow_[distance] - 1.0f >= 0.0f; });
+    row.end = beginOfRest(
+        [&](unsigned x) { return !(inner_[x] + innerOfRow_[distance] - 1.0f <= 0.0f); });
+    row.end = std::max(row.begin, row.end);
+    return row;
+}
+
+// A quarter of the picture has all masks there are.
+void VignetteKernel::fillMasks(const spans::VignetteBand& band) {
+    std::size_t size = longestVector;
+    for (unsigned distance = 0; distance <= centreY_; ++distance) {
+        BandRow& row = bandRows_.emplace_back(bandRow(distance));
+        row.firstMask = size;
+        size += row.end - row.begin;
+    }
+    masks_.resize(size + longestVector);
+    constexpr std::size_t masksPerThread = 1 << 13;
+    platform::parallelBands(bandRows_.size(), platform::bandCount(size, masksPerThread),
+                            [&](std::size_t, std::size_t begin, std::size_t end) {
+                                for (std::size_t distance = begin; distance < end; ++distance) {
+                                    const BandRow& row = bandRows_[distance];
+                                    spans::vignetteMasks(band, distances_.data() + row.begin,
+                                                         static_cast<float>(distance),
+                                                         row.end - row.begin,
+                                                         masks_.data() + row.firstMask);
+                                }
+                            });
 }
 
 void VignetteKernel::run(PackedSpan& span) const {
-    const float dy = std::fabs(static_cast<float>(span.y) - centreY_);
-    const spans::VignetteRow row{
-        {distances_.data() + span.x, inner_.data() + span.x, outer_.data() + span.x},
-        dy,
-        square(dy / innerHeight_),
-        square(dy / band_.outerHeight)};
-    spans::applyVignette(span, row, band_, shade_);
+    const unsigned distance = span.y > centreY_ ? span.y - centreY_ : centreY_ - span.y;
+    const BandRow& band = bandRows_[distance];
+    const auto fromSpan = [&](unsigned column) {
+        return static_cast<std::ptrdiff_t>(column) - static_cast<std::ptrdiff_t>(span.x);
+    };
+    const spans::VignetteRow row{{inner_.data() + span.x, outer_.data() + span.x},
+                                 innerOfRow_[distance],
+                                 outerOfRow_[distance],
+                                 masks_.data() + band.firstMask,
+                                 fromSpan(band.begin),
+                                 fromSpan(centreX_)};
+    spans::applyVignette(span, row, shade_);
 }
 
 }  // namespace keladjust

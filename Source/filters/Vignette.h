@@ -20,15 +20,29 @@ public:
     void run(PackedSpan& span) const override;
 
 private:
+    /// Where a row crosses the band in the picture's left half.
+    struct BandRow {
+        std::size_t firstMask = 0;  ///< place in masks_
+        unsigned begin = 0;         ///< columns
+        unsigned end = 0;
+    };
+
+    BandRow bandRow(unsigned distance) const;
+    void fillMasks(const spans::VignetteBand& band);
+
     bool active_;
     spans::VignetteShade shade_{1.0f, 1.0f, 0.0f};
-    spans::VignetteBand band_{};
-    float centreY_ = 0.0f;
-    float innerHeight_ = 0.0f;  ///< vertical semi-axis of the inner ellipse
+    unsigned centreX_ = 0;
+    unsigned centreY_ = 0;
     // One number a column; see spans::VignetteColumns.
     std::vector<float> distances_;
     std::vector<float> inner_;
     std::vector<float> outer_;
+    // The same for rows by their distance from the middle one, on both sides alike.
+    std::vector<float> innerOfRow_;
+    std::vector<float> outerOfRow_;
+    std::vector<BandRow> bandRows_;
+    std::vector<float> masks_;
 };
 
 }  // namespace keladjust

@@ -87,17 +87,8 @@ void blendKeepingLightness(PackedSpan& span, const ColourBlend& colour);
 /// What the columns of a picture add to the vignette's tests of their pixels, from the span's first
 /// column on; whole vectors of them may be read.
 struct VignetteColumns {
-    const float* distance;  ///< from the centre
-    const float* inner;     ///< squared, in semi-axes of the inner ellipse
-    const float* outer;     ///< squared, in semi-axes of the outer ellipse
-};
-
-/// The same of a row, beside its columns.
-struct VignetteRow {
-    VignetteColumns columns;
-    float distance;
-    float inner;
-    float outer;
+    const float* inner;  ///< squared, in semi-axes of the inner ellipse
+    const float* outer;  ///< squared, in semi-axes of the outer ellipse
 };
 
 /// The band between the two ellipses.
@@ -105,6 +96,22 @@ struct VignetteBand {
     float width;       ///< in pixels
     float outerWidth;  ///< semi-axes of the outer ellipse
     float outerHeight;
+};
+
+/// The masks of `count` pixels in the band whose distances from the centre along the row begin at
+/// `distances`; whole vectors of these may be read.
+void vignetteMasks(const VignetteBand& band, const float* distances, float rowDistance,
+                   std::size_t count, float* masks);
+
+/// The same of a row as of its columns, and the masks of the band where it crosses the left half.
+/// The right half is its mirror image. Around the masks whole vectors may be read.
+struct VignetteRow {
+    VignetteColumns columns;
+    float inner;
+    float outer;
+    const float* masks;
+    std::ptrdiff_t firstMask;  ///< column, counted from the span's first
+    std::ptrdiff_t centre;     ///< column, counted from the span's first
 };
 
 /// What it does outside the ellipses, inside, and to highlights.
@@ -115,8 +122,7 @@ struct VignetteShade {
 };
 
 /// Shades the pixels by a mask of 1 inside the inner ellipse and 0 outside the outer one.
-void applyVignette(PackedSpan& span, const VignetteRow& row, const VignetteBand& band,
-                   const VignetteShade& shade);
+void applyVignette(PackedSpan& span, const VignetteRow& row, const VignetteShade& shade);
 
 /// The hue, saturation and lightness steps of a colour range.
 void changeColourRange(PackedSpan& span, const HueBand& band, const RangeChange& change);

@@ -5,6 +5,7 @@
 #include <hwy/foreach_target.h>
 
 #include <cmath>
+#include <cstring>
 
 #include "filters/spans/SpanVectors-inl.h"
 #include "filters/spans/Spans.h"
@@ -77,52 +78,116 @@ HWY_INLINE Floats maskInBand(const spans::VignetteBand& band, Floats dx, Floats 
     return hn::Mul(hn::Add(cosine(hn::IfThenElseZero(inBand, angle)), one), constant(0.5f));
 }
 
-// Channels between border and inside, and highlights protected where the border has a share. Not a
-// number, from absurd settings, ends as black.
-HWY_INLINE Channels<Ints> shade(const spans::VignetteShade& shade, const Channels<Floats>& c,
-                                Floats mask) {
-    const Floats one = constant(1.0f);
+void vignetteMasks(const spans::VignetteBand& band, const float* distances, float rowDistance,
+                   std::size_t count, float* masks) {
+    const FloatTag tag;
+    const std::size_t lanes = hn::Lanes(tag);
+    const Floats dy = constant(rowDistance);
+    for (std::size_t i = 0; i < count; i += lanes) {
+        const std::size_t part = HWY_MIN(lanes, count - i);
+        const Floats dx = hn::LoadU(tag, distances + i);
+        HWY_ALIGN float values[HWY_LANES(float)];
+        hn::Store(maskInBand(band, dx, dy, hn::FirstN(tag, part)), tag, values);
+        std::memcpy(masks + i, values, part * sizeof(float));
+    }
+}
+
+// The masks of the vector that begins at column i, in the lanes that are in the band.
+HWY_INLINE Floats loadMasks(const spans::VignetteRow& row, std::ptrdiff_t i) {
+    const FloatTag tag;
+    const auto lanes = static_cast<std::ptrdiff_t>(hn::Lanes(tag));
+    if (i + lanes <= row.centre + 1) return hn::LoadU(tag, row.masks + (i - row.firstMask));
+    const std::ptrdiff_t mirrored = 2 * row.centre - i;
+    if (i >= row.centre) {
+        return hn::Reverse(tag, hn::LoadU(tag, row.masks + (mirrored - lanes + 1 - row.firstMask)));
+    }
+    HWY_ALIGN float values[HWY_LANES(float)];
+    for (std::ptrdiff_t k = 0; k < lanes; ++k) {
+        values[k] = row.masks[HWY_MIN(i + k, mirrored - k) - row.firstMask];
+    }
+    return hn::Load(tag, values);
+}
+
+// Protects highlights where the border has a share. Not a number, from absurd settings, ends as
+// black.
+HWY_INLINE Channels<Floats> screened(const Channels<Floats>& c, Floats lift) {
     const Floats white = constant(255.0f);
-    const Floats border =
-        hn::Mul(hn::Sub(one, hn::Sub(hn::Mul(constant(2.0f), mask), one)), constant(0.5f));
-    const Floats inside = hn::Mul(mask, constant(shade.innerFactor));
-    const Channels<Floats> blended = mapChannels(c, [&](Floats channel) HWY_ATTR {
-        return hn::Add(hn::Mul(hn::Mul(constant(shade.outerFactor), channel), border),
-                       hn::Mul(inside, channel));
-    });
-    const FloatMask isInside = hn::Eq(mask, one);
-    if (hn::AllTrue(FloatTag(), isInside)) return mapChannels(blended, clampToBytes);
-    const Floats sum = hn::Add(hn::Add(blended.red, blended.green), blended.blue);
-    const Floats grey = hn::Div(hn::Div(sum, constant(3.0f)), white);
-    const Floats rest = hn::Sub(one, mask);
-    const Floats lift =
-        hn::Mul(hn::Mul(hn::Mul(rest, rest), constant(shade.highlights)), hn::Sub(one, grey));
-    return mapChannels(blended, [&](Floats channel) HWY_ATTR {
+    return mapChannels(c, [&](Floats channel) HWY_ATTR {
         const Floats product =
             hn::Mul(hn::Sub(white, hn::Mul(lift, channel)), hn::Sub(white, channel));
-        const Floats screened = hn::Sub(white, hn::Div(product, white));
-        return clampToBytes(hn::IfThenElse(isInside, channel, screened));
+        return hn::Sub(white, hn::Div(product, white));
     });
 }
 
-void applyVignette(PackedSpan& span, const spans::VignetteRow& row, const spans::VignetteBand& band,
+// How dark the three channels are together.
+HWY_INLINE Floats darknessOf(const Channels<Floats>& c) {
+    const Floats sum = hn::Add(hn::Add(c.red, c.green), c.blue);
+    const Floats grey = hn::Div(hn::Div(sum, constant(3.0f)), constant(255.0f));
+    return hn::Sub(constant(1.0f), grey);
+}
+
+// Channels between border and inside.
+HWY_INLINE Channels<Ints> shade(const spans::VignetteShade& look, const Channels<Floats>& c,
+                                Floats mask) {
+    const Floats one = constant(1.0f);
+    const Floats border =
+        hn::Mul(hn::Sub(one, hn::Sub(hn::Mul(constant(2.0f), mask), one)), constant(0.5f));
+    const Floats inside = hn::Mul(mask, constant(look.innerFactor));
+    const Channels<Floats> blended = mapChannels(c, [&](Floats channel) HWY_ATTR {
+        return hn::Add(hn::Mul(hn::Mul(constant(look.outerFactor), channel), border),
+                       hn::Mul(inside, channel));
+    });
+    const Floats rest = hn::Sub(one, mask);
+    const Floats lift =
+        hn::Mul(hn::Mul(hn::Mul(rest, rest), constant(look.highlights)), darknessOf(blended));
+    const Channels<Floats> lifted = screened(blended, lift);
+    const FloatMask isInside = hn::Eq(mask, one);
+    return {clampToBytes(hn::IfThenElse(isInside, blended.red, lifted.red)),
+            clampToBytes(hn::IfThenElse(isInside, blended.green, lifted.green)),
+            clampToBytes(hn::IfThenElse(isInside, blended.blue, lifted.blue))};
+}
+
+// The same for a mask of 1 and of 0, where factors are finite: what they are multiplied by 0 for,
+// and added, changes nothing.
+HWY_INLINE Channels<Ints> shadeInside(const spans::VignetteShade& look, const Channels<Floats>& c) {
+    return mapChannels(c, [&](Floats channel) HWY_ATTR {
+        return clampToBytes(hn::Mul(constant(look.innerFactor), channel));
+    });
+}
+HWY_INLINE Channels<Ints> shadeOutside(const spans::VignetteShade& look,
+                                       const Channels<Floats>& c) {
+    const Channels<Floats> border = mapChannels(
+        c, [&](Floats channel) HWY_ATTR { return hn::Mul(constant(look.outerFactor), channel); });
+    const Floats lift = hn::Mul(constant(look.highlights), darknessOf(border));
+    return mapChannels(screened(border, lift), clampToBytes);
+}
+
+void applyVignette(PackedSpan& span, const spans::VignetteRow& row,
                    const spans::VignetteShade& look) {
     const FloatTag tag;
     const Floats zero = constant(0.0f);
     const Floats one = constant(1.0f);
-    const Floats dy = constant(row.distance);
+    const bool finite = std::isfinite(look.innerFactor) && std::isfinite(look.outerFactor * 255.0f);
     forEachVector(span, [&](std::size_t i) HWY_ATTR {
+        const Channels<Floats> c = loadFloatChannels(span, i);
         const Floats inner = hn::Add(hn::LoadU(tag, row.columns.inner + i), constant(row.inner));
-        const Floats outer = hn::Add(hn::LoadU(tag, row.columns.outer + i), constant(row.outer));
         const FloatMask isInside = hn::Le(hn::Sub(inner, one), zero);
-        const FloatMask isOutside = hn::Ge(hn::Sub(outer, one), zero);
+        if (finite && hn::AllTrue(tag, isInside)) {
+            storeClamped(shadeInside(look, c), span, i);
+            return;
+        }
+        const Floats outer = hn::Add(hn::LoadU(tag, row.columns.outer + i), constant(row.outer));
+        const FloatMask isOutside = hn::AndNot(isInside, hn::Ge(hn::Sub(outer, one), zero));
+        if (finite && hn::AllTrue(tag, isOutside)) {
+            storeClamped(shadeOutside(look, c), span, i);
+            return;
+        }
         const FloatMask inBand = hn::Not(hn::Or(isInside, isOutside));
         Floats mask = hn::IfThenElseZero(isInside, one);
         if (!hn::AllFalse(tag, inBand)) {
-            const Floats dx = hn::LoadU(tag, row.columns.distance + i);
-            mask = hn::IfThenElse(inBand, maskInBand(band, dx, dy, inBand), mask);
+            mask = hn::IfThenElse(inBand, loadMasks(row, static_cast<std::ptrdiff_t>(i)), mask);
         }
-        storeClamped(shade(look, loadFloatChannels(span, i), mask), span, i);
+        storeClamped(shade(look, c, mask), span, i);
     });
 }
 
@@ -134,10 +199,14 @@ HWY_AFTER_NAMESPACE();
 namespace keladjust {
 
 HWY_EXPORT(applyVignette);
+HWY_EXPORT(vignetteMasks);
 
-void spans::applyVignette(PackedSpan& span, const VignetteRow& row, const VignetteBand& band,
-                          const VignetteShade& shade) {
-    HWY_DYNAMIC_DISPATCH(applyVignette)(span, row, band, shade);
+void spans::applyVignette(PackedSpan& span, const VignetteRow& row, const VignetteShade& shade) {
+    HWY_DYNAMIC_DISPATCH(applyVignette)(span, row, shade);
+}
+void spans::vignetteMasks(const VignetteBand& band, const float* distances, float rowDistance,
+                          std::size_t count, float* masks) {
+    HWY_DYNAMIC_DISPATCH(vignetteMasks)(band, distances, rowDistance, count, masks);
 }
 
 }  // namespace keladjust
