@@ -147,19 +147,35 @@ HWY_INLINE Channels<Ints> shade(const spans::VignetteShade& look, const Channels
             clampToBytes(hn::IfThenElse(isInside, blended.blue, lifted.blue))};
 }
 
-// The same for a mask of 1 and of 0, where factors are finite: what they are multiplied by 0 for,
-// and added, changes nothing.
-HWY_INLINE Channels<Ints> shadeInside(const spans::VignetteShade& look, const Channels<Floats>& c) {
-    return mapChannels(c, [&](Floats channel) HWY_ATTR {
-        return clampToBytes(hn::Mul(constant(look.innerFactor), channel));
-    });
+// The same for a mask of 1 and of 0 and factors of the sliders' size: what they are multiplied by 0
+// for, and added, changes nothing, and every number is small enough for stores that saturate.
+bool isModest(const spans::VignetteShade& look) {
+    return std::fabs(look.outerFactor) <= 2.0f && std::fabs(look.innerFactor) <= 2.0f &&
+           std::fabs(look.highlights) <= 1.0f;
 }
-HWY_INLINE Channels<Ints> shadeOutside(const spans::VignetteShade& look,
-                                       const Channels<Floats>& c) {
-    const Channels<Floats> border = mapChannels(
-        c, [&](Floats channel) HWY_ATTR { return hn::Mul(constant(look.outerFactor), channel); });
-    const Floats lift = hn::Mul(constant(look.highlights), darknessOf(border));
-    return mapChannels(screened(border, lift), clampToBytes);
+
+HWY_INLINE void storeSmall(const Channels<Floats>& c, PixelSpan& span, std::size_t i) {
+    const auto storeLane = [&](Floats channel, std::uint8_t* lane) HWY_ATTR {
+        hn::Store(hn::DemoteTo(ByteTag(), truncateInRange(channel)), ByteTag(), lane + i);
+    };
+    storeLane(c.red, span.red);
+    storeLane(c.green, span.green);
+    storeLane(c.blue, span.blue);
+}
+
+HWY_INLINE Channels<Floats> scaled(const Channels<Floats>& c, float factor) {
+    return mapChannels(c,
+                       [&](Floats channel) HWY_ATTR { return hn::Mul(constant(factor), channel); });
+}
+
+HWY_INLINE Channels<Floats> shadeInside(const spans::VignetteShade& look,
+                                        const Channels<Floats>& c) {
+    return scaled(c, look.innerFactor);
+}
+HWY_INLINE Channels<Floats> shadeOutside(const spans::VignetteShade& look,
+                                         const Channels<Floats>& c) {
+    const Channels<Floats> border = scaled(c, look.outerFactor);
+    return screened(border, hn::Mul(constant(look.highlights), darknessOf(border)));
 }
 
 void applyVignette(PackedSpan& span, const spans::VignetteRow& row,
@@ -167,19 +183,19 @@ void applyVignette(PackedSpan& span, const spans::VignetteRow& row,
     const FloatTag tag;
     const Floats zero = constant(0.0f);
     const Floats one = constant(1.0f);
-    const bool finite = std::isfinite(look.innerFactor) && std::isfinite(look.outerFactor * 255.0f);
+    const bool modest = isModest(look);
     forEachVector(span, [&](std::size_t i) HWY_ATTR {
         const Channels<Floats> c = loadFloatChannels(span, i);
         const Floats inner = hn::Add(hn::LoadU(tag, row.columns.inner + i), constant(row.inner));
         const FloatMask isInside = hn::Le(hn::Sub(inner, one), zero);
-        if (finite && hn::AllTrue(tag, isInside)) {
-            storeClamped(shadeInside(look, c), span, i);
+        if (modest && hn::AllTrue(tag, isInside)) {
+            storeSmall(shadeInside(look, c), span, i);
             return;
         }
         const Floats outer = hn::Add(hn::LoadU(tag, row.columns.outer + i), constant(row.outer));
         const FloatMask isOutside = hn::AndNot(isInside, hn::Ge(hn::Sub(outer, one), zero));
-        if (finite && hn::AllTrue(tag, isOutside)) {
-            storeClamped(shadeOutside(look, c), span, i);
+        if (modest && hn::AllTrue(tag, isOutside)) {
+            storeSmall(shadeOutside(look, c), span, i);
             return;
         }
         const FloatMask inBand = hn::Not(hn::Or(isInside, isOutside));
