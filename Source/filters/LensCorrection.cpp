@@ -17,9 +17,9 @@
 #include "ImageFormat/Geometry.h"
 #include "ImageFormat/PixelSpan.h"
 #include "ImageFormat/RawWalk.h"
-#include "filters/Rounding.h"
 #include "filters/RowWindow.h"
 #include "filters/StageForms.h"
+#include "filters/rows/LensMaps.h"
 #include "platform/Parallel.h"
 
 namespace keladjust {
@@ -69,33 +69,13 @@ private:
     std::shared_ptr<const Map> map_;
 };
 
-// Coordinates are kept as the low 16 bits of the whole number.
-std::int16_t coordinate(float value) {
-    return static_cast<std::int16_t>(truncateToInt(value));
-}
-
-/// A place relative to the centre: how far away and in which direction.
-struct Ray {
-    Ray(float x, float y) : length(std::sqrt(y * y + x * x)) {
-        directionX = length == 0.0f ? 0.0f : x / length;
-        directionY = length == 0.0f ? 0.0f : y / length;
-    }
-    float length;
-    float directionX;
-    float directionY;
-};
-
-struct Place {
-    std::int16_t x;
-    std::int16_t y;
-};
-
 /// How far from its destinations a map fetches.
 struct Extent {
-    void add(std::size_t row, std::int32_t sourceRow) {
-        const auto down = static_cast<std::int64_t>(sourceRow) - static_cast<std::int64_t>(row);
-        farthestUp = std::max(farthestUp, -down);
-        farthestDown = std::max(farthestDown, down);
+    void add(std::size_t row, const rows::SourceRows& sources) {
+        const auto at = static_cast<std::int64_t>(row);
+        leavesPicture |= sources.leavesPicture;
+        farthestUp = std::max(farthestUp, at - sources.first);
+        farthestDown = std::max(farthestDown, sources.last - at);
     }
     void add(const Extent& other) {
         leavesPicture |= other.leavesPicture;
@@ -111,14 +91,14 @@ struct Extent {
     std::int64_t farthestDown = 0;
 };
 
-/// Builds a map row by row, `row(y, extent)` each, on several threads.
+/// Builds a map row by row, `row(y)` each, which returns its sources, on several threads.
 template <class Row>
 Extent buildRows(const MapKey& key, Row row) {
     std::mutex mutex;
     Extent extent;
     forEachBand(key.width, key.height, [&](std::size_t begin, std::size_t end) {
         Extent ofBand;
-        for (std::size_t y = begin; y < end; ++y) row(y, ofBand);
+        for (std::size_t y = begin; y < end; ++y) ofBand.add(y, row(y));
         const std::lock_guard lock(mutex);
         extent.add(ofBand);
     });
@@ -148,28 +128,18 @@ bool changeRowByRow(const OriginalRows& rows, std::size_t width, RowReach reach,
     return true;
 }
 
-bool lies(std::int16_t coordinate, unsigned below) {
-    return coordinate >= 0 && static_cast<unsigned>(coordinate) < below;
-}
-
 /// Barrel and pincushion: the source of every pixel.
 struct DistortionMap {
     explicit DistortionMap(const MapKey& mapKey);
 
     MapKey key;
-    std::unique_ptr<Place[]> places;
+    std::unique_ptr<rows::Place[]> places;
     Extent extent;
 };
 
-// Products from left to right. The two kinds of distortion use different powers.
-float distortionPower(float length, bool positive) {
-    const float cubed = length * length * length;
-    return positive ? cubed : cubed * length * length * length;
-}
-
 DistortionMap::DistortionMap(const MapKey& mapKey)
     : key(mapKey),
-      places(std::make_unique_for_overwrite<Place[]>(std::size_t{key.width} * key.height)) {
+      places(std::make_unique_for_overwrite<rows::Place[]>(std::size_t{key.width} * key.height)) {
     const float d = key.setting / 100.0f;
     const auto centreX = static_cast<float>(key.width / 2);
     const auto centreY = static_cast<float>(key.height / 2);
@@ -178,20 +148,22 @@ DistortionMap::DistortionMap(const MapKey& mapKey)
     const float unitX = negative ? static_cast<float>(key.width) : radius;
     const float unitY = negative ? static_cast<float>(key.height) : radius;
     const float scale = negative ? 1.0f : 1.0f / (d + 1.0f);
-    const bool positive = d > 0.0f;
 
-    extent = buildRows(key, [&](std::size_t y, Extent& reached) {
-        Place* const row = places.get() + y * key.width;
-        const float ny = (static_cast<float>(y) - centreY) / unitY;
-        for (unsigned x = 0; x < key.width; ++x) {
-            const Ray ray((static_cast<float>(x) - centreX) / unitX, ny);
-            const float moved = (distortionPower(ray.length, positive) * d + ray.length) * scale;
-            const Place place{coordinate(moved * ray.directionX * unitX + centreX),
-                              coordinate(moved * ray.directionY * unitY + centreY)};
-            row[x] = place;
-            reached.add(y, place.y);
-            reached.leavesPicture |= !lies(place.x, key.width) || !lies(place.y, key.height);
-        }
+    // The two kinds of distortion use different powers.
+    const rows::Distortion distortion{.strength = d,
+                                      .cubic = d > 0.0f,
+                                      .scale = scale,
+                                      .unitX = unitX,
+                                      .unitY = unitY,
+                                      .centreX = centreX,
+                                      .centreY = centreY,
+                                      .width = key.width,
+                                      .height = key.height};
+    const rows::ColumnDistances columns(
+        key.width, [&](unsigned x) { return (static_cast<float>(x) - centreX) / unitX; });
+    extent = buildRows(key, [&](std::size_t y) {
+        return rows::placesOfRow(distortion, columns, (static_cast<float>(y) - centreY) / unitY,
+                                 places.get() + y * key.width);
     });
 }
 
@@ -207,7 +179,7 @@ struct PackedRows {
     std::size_t size;  ///< bytes in the buffer
 
     /// A column counts as so many bytes, whatever the depth.
-    std::int64_t offsetOf(Place place) const {
+    std::int64_t offsetOf(rows::Place place) const {
         return static_cast<std::int64_t>(step * width) * place.y + place.x;
     }
     bool holds(std::int64_t offset, std::size_t bytes) const {
@@ -233,7 +205,7 @@ bool distortInside(const CxImage& image, const RawWalk& walk, const DistortionMa
     const OriginalRows rows{walk.first, rowBytes, width + walk.step - 1, image.height};
     return changeRowByRow(
         rows, width, map.extent.reach(), image.size, [&](std::size_t y, const RowWindow& window) {
-            const Place* const places = map.places.get() + y * width;
+            const rows::Place* const places = map.places.get() + y * width;
             std::uint8_t* const pixels = walk.first + y * rowBytes;
             const std::size_t shift = window.firstRow() * rows.bytes;
             withStep(walk.step, [&, stride = rows.bytes](auto step) {
@@ -284,19 +256,6 @@ struct FringingMap {
     std::unique_ptr<std::uint32_t[]> blue;
 };
 
-// Ten factors, from left to right.
-float tenthPower(float length) {
-    float power = length;
-    for (int i = 1; i < 10; ++i) power *= length;
-    return power;
-}
-
-// Below 0, which NaN counts as, the lower bound, even where the upper one is smaller.
-float clampPlace(float value, float last) {
-    if (!(value >= 0.0f)) value = 0.0f;
-    return value >= last ? last : value;
-}
-
 FringingMap::FringingMap(const MapKey& mapKey)
     : key(mapKey),
       nowhere(std::size_t{key.width} * key.height),
@@ -305,9 +264,6 @@ FringingMap::FringingMap(const MapKey& mapKey)
       blue(std::make_unique_for_overwrite<std::uint32_t[]>(nowhere)) {
     const float f = key.setting / 100.0f;
     const float offset = f * 0.03f;
-    const float scale = 1.0f + offset;
-    const float blueScale = 1.0f - offset;
-    const float redScale = 1.0f + offset;
     const auto width = static_cast<float>(key.width);
     const auto height = static_cast<float>(key.height);
     const auto centreX = static_cast<float>(key.width / 2);
@@ -315,33 +271,24 @@ FringingMap::FringingMap(const MapKey& mapKey)
     // The margin at the right and bottom edges, which in a picture of one column or row leaves
     // nothing inside.
     const float margin = f > 0.0f ? 2.0f : 1.0f;
-    const float lastX = width - margin;
-    const float lastY = height - margin;
-
-    const auto pixelAt = [&](float x, float y, std::size_t row, Extent& reached) {
-        const std::int32_t column = coordinate(clampPlace(x, lastX));
-        const std::int32_t line = coordinate(clampPlace(y, lastY));
-        reached.add(row, line);
-        reached.leavesPicture |= (column | line) < 0;
-        const std::uint32_t inside =
-            static_cast<std::uint32_t>(line) * key.width + static_cast<std::uint32_t>(column);
-        return (column | line) < 0 ? static_cast<std::uint32_t>(nowhere) : inside;
-    };
-
-    extent = buildRows(key, [&](std::size_t y, Extent& reached) {
-        const float ny = (static_cast<float>(y) - centreY) / height;
-        for (unsigned x = 0; x < key.width; ++x) {
-            const Ray ray((static_cast<float>(x) - centreX) / width, ny);
-            const float moved = (tenthPower(ray.length) * f + ray.length) * scale;
-            const auto at = [&](float directionX, float directionY) {
-                return pixelAt(directionX * moved * width + centreX,
-                               directionY * moved * height + centreY, y, reached);
-            };
-            const std::size_t i = y * key.width + x;
-            blue[i] = at(blueScale * ray.directionX, blueScale * ray.directionY);
-            green[i] = at(ray.directionX, ray.directionY);
-            red[i] = at(redScale * ray.directionX, redScale * ray.directionY);
-        }
+    const rows::Fringing fringing{.strength = f,
+                                  .scale = 1.0f + offset,
+                                  .redScale = 1.0f + offset,
+                                  .blueScale = 1.0f - offset,
+                                  .width = width,
+                                  .height = height,
+                                  .centreX = centreX,
+                                  .centreY = centreY,
+                                  .lastX = width - margin,
+                                  .lastY = height - margin,
+                                  .columns = key.width,
+                                  .nowhere = static_cast<std::uint32_t>(nowhere)};
+    const rows::ColumnDistances columns(
+        key.width, [&](unsigned x) { return (static_cast<float>(x) - centreX) / width; });
+    extent = buildRows(key, [&](std::size_t y) {
+        const std::size_t first = y * key.width;
+        return rows::pixelsOfRow(fringing, columns, (static_cast<float>(y) - centreY) / height,
+                                 {red.get() + first, green.get() + first, blue.get() + first});
     });
 }
 
