@@ -154,13 +154,8 @@ bool isModest(const spans::VignetteShade& look) {
            std::fabs(look.highlights) <= 1.0f;
 }
 
-HWY_INLINE void storeSmall(const Channels<Floats>& c, PixelSpan& span, std::size_t i) {
-    const auto storeLane = [&](Floats channel, std::uint8_t* lane) HWY_ATTR {
-        hn::Store(hn::DemoteTo(ByteTag(), truncateInRange(channel)), ByteTag(), lane + i);
-    };
-    storeLane(c.red, span.red);
-    storeLane(c.green, span.green);
-    storeLane(c.blue, span.blue);
+HWY_INLINE void storeSmall(const Channels<Floats>& c, PackedSpan& span, std::size_t i) {
+    storeClamped(mapChannels(c, truncateInRange), span, i);
 }
 
 HWY_INLINE Channels<Floats> scaled(const Channels<Floats>& c, float factor) {
