@@ -11,7 +11,7 @@ namespace {
 using namespace keladjust::test;
 
 TEST(Saturation, FollowsTheFormulaForEveryColour) {
-    for (const float setting : {100.0f, 50.0f, 7.0f, -30.0f, -100.0f, -250.0f}) {
+    for (const float setting : {100.0f, 99.5f, 50.0f, 7.0f, -30.0f, -100.0f, -250.0f}) {
         expectEveryColour([&](CxImage* image) { return saturationAdjustment(image, setting); },
                           [&](Bytes in) { return saturationModel(setting, in); });
     }
