@@ -31,23 +31,11 @@ void lookUpOneByOne(const std::uint8_t* table, bool keepsFourth, std::uint8_t* b
     mapOneByOne([table](std::uint8_t byte) { return table[byte]; }, keepsFourth, bytes, count);
 }
 
-void lookUpChannels(const spans::ChannelTables& tables, std::uint8_t* pixels, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i, pixels += 4) {
-        pixels[0] = tables.blue[pixels[0]];
-        pixels[1] = tables.green[pixels[1]];
-        pixels[2] = tables.red[pixels[2]];
-    }
-}
-
 #if HWY_TARGET == HWY_SSE2 || HWY_TARGET == HWY_SCALAR
 
 // No instruction here looks bytes up.
 void mapBytes(const std::uint8_t* table, bool keepsFourth, std::uint8_t* bytes, std::size_t count) {
     lookUpOneByOne(table, keepsFourth, bytes, count);
-}
-
-void mapChannels(PackedSpan& span, const spans::ChannelTables& tables) {
-    lookUpChannels(tables, span.pixels, span.count);
 }
 
 void rampBytes(const ByteRamp& ramp, bool keepsFourth, std::uint8_t* bytes, std::size_t count) {
@@ -126,26 +114,6 @@ void mapBytes(const std::uint8_t* table, bool keepsFourth, std::uint8_t* bytes, 
     lookUpOneByOne(table, keepsFourth, bytes + i, count - i);
 }
 
-void mapChannels(PackedSpan& span, const spans::ChannelTables& tables) {
-    const ByteTag tag;
-    const std::size_t vector = hn::Lanes(tag);
-    const Rows red(tables.red);
-    const Rows green(tables.green);
-    const Rows blue(tables.blue);
-    std::size_t i = 0;
-    for (; i + vector <= span.count; i += vector) {
-        std::uint8_t* const pixels = span.pixels + 4 * i;
-        Bytes first;
-        Bytes second;
-        Bytes third;
-        Bytes fourth;
-        hn::LoadInterleaved4(tag, pixels, first, second, third, fourth);
-        hn::StoreInterleaved4(blue.map(first), green.map(second), red.map(third), fourth, tag,
-                              pixels);
-    }
-    lookUpChannels(tables, span.pixels + 4 * i, span.count - i);
-}
-
 // The numbers of a ramp for every byte of a vector of pixels. Bytes that stay have a slope of 1.
 class RampVectors {
 public:
@@ -220,15 +188,11 @@ HWY_AFTER_NAMESPACE();
 namespace keladjust {
 
 HWY_EXPORT(mapBytes);
-HWY_EXPORT(mapChannels);
 HWY_EXPORT(rampBytes);
 
 void spans::mapBytes(const std::uint8_t* table, Bytes which, std::uint8_t* bytes,
                      std::size_t count) {
     HWY_DYNAMIC_DISPATCH(mapBytes)(table, which == Bytes::threeOfFour, bytes, count);
-}
-void spans::mapChannels(PackedSpan& span, const ChannelTables& tables) {
-    HWY_DYNAMIC_DISPATCH(mapChannels)(span, tables);
 }
 void spans::rampBytes(const ByteRamp& ramp, Bytes which, std::uint8_t* bytes, std::size_t count) {
     HWY_DYNAMIC_DISPATCH(rampBytes)(ramp, which == Bytes::threeOfFour, bytes, count);

@@ -25,14 +25,6 @@ void mapBytes(const std::uint8_t* table, Bytes which, std::uint8_t* bytes, std::
 /// The same by a ramp.
 void rampBytes(const ByteRamp& ramp, Bytes which, std::uint8_t* bytes, std::size_t count);
 
-/// The same with a table for each channel.
-struct ChannelTables {
-    const std::uint8_t* red;
-    const std::uint8_t* green;
-    const std::uint8_t* blue;
-};
-void mapChannels(PackedSpan& span, const ChannelTables& tables);
-
 /// Where the coefficient of a tonal stage is large.
 enum class Tones { bright, dark };
 
