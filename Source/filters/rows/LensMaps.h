@@ -1,6 +1,7 @@
 #ifndef KELADJUST_FILTERS_ROWS_LENSMAPS_H
 #define KELADJUST_FILTERS_ROWS_LENSMAPS_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -15,10 +16,9 @@ namespace keladjust::rows {
 class ColumnDistances {
 public:
     template <class Distance>
-    ColumnDistances(unsigned width, Distance distance) : count_(width), distances_(width + 64) {
-        for (unsigned x = 0; x < distances_.size(); ++x) {
-            distances_[x] = distance(x < width ? x : width - 1);
-        }
+    ColumnDistances(unsigned width, Distance distance) : count_(width), distances_(count_ + 64) {
+        for (unsigned x = 0; x < width; ++x) distances_[x] = distance(x);
+        std::fill(distances_.begin() + width, distances_.end(), distances_[width - 1]);
     }
     std::size_t count() const { return count_; }
     const float* data() const { return distances_.data(); }

@@ -249,6 +249,7 @@ void blurColumns(std::span<const rows::BlurStep> steps, std::size_t bytes, std::
     static_assert(sizeof(Column) <= rows::blurStateFactor * sizeof(Bytes));
     const StackBlurScale scale = stackBlurScale(static_cast<unsigned>(radius));
     const Floats factors = hn::Set(FloatTag(), factor);
+    const std::size_t vector = hn::Lanes(RowTag());
     forEachVector(bytes, [&](std::size_t i, auto extent) HWY_ATTR {
         foresee(steps, i);
         Column sums;
@@ -257,12 +258,18 @@ void blurColumns(std::span<const rows::BlurStep> steps, std::size_t bytes, std::
             const Bytes middle = load(step.middle + i, extent);
             if (step.target != nullptr) {
                 const auto blurred = sums.blurred(scale, middle);
-                Bytes out = joined(blurred, middle);
-                if (i < step.pushed) {
+                const auto pushed = [&]() HWY_ATTR {
                     const Bytes sharp = load(step.target + i, extent);
-                    const Bytes pushed = joined(pushedAway(sharp, blurred, factors), middle);
-                    const std::size_t count = std::min(step.pushed - i, hn::Lanes(RowTag()));
-                    out = hn::IfThenElse(hn::FirstN(RowTag(), count), pushed, out);
+                    return joined(pushedAway(sharp, blurred, factors), middle);
+                };
+                Bytes out;
+                if (i + vector <= step.pushed) {
+                    out = pushed();
+                } else {
+                    out = joined(blurred, middle);
+                    if (i < step.pushed) {
+                        out = hn::IfThenElse(hn::FirstN(RowTag(), step.pushed - i), pushed(), out);
+                    }
                 }
                 store(out, step.target + i, extent);
             }
