@@ -31,9 +31,9 @@ void lookUpOneByOne(const std::uint8_t* table, bool keepsFourth, std::uint8_t* b
     mapOneByOne([table](std::uint8_t byte) { return table[byte]; }, keepsFourth, bytes, count);
 }
 
-#if HWY_TARGET == HWY_SSE2 || HWY_TARGET == HWY_SCALAR
+#if HWY_TARGET == HWY_SSE2 || HWY_TARGET == HWY_EMU128 || HWY_TARGET == HWY_SCALAR
 
-// No instruction here looks bytes up.
+// No instruction here looks bytes up by the four lowest bits of an index.
 void mapBytes(const std::uint8_t* table, bool keepsFourth, std::uint8_t* bytes, std::size_t count) {
     lookUpOneByOne(table, keepsFourth, bytes, count);
 }
