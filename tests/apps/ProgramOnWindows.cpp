@@ -1,4 +1,4 @@
-// What other systems do differently: names of files, files in use, line ends.
+// What other systems do differently: names of files, files in use, line ends, desktops.
 
 #include "AtomicFile.h"
 #include "InputFile.h"
@@ -179,6 +179,16 @@ TEST_F(ProgramOnWindows, LinesOfTablesEndInOneWay) {
     expectOutput({"lut", "--order", "red-fastest", "-o", "red.cube"}, "");
     EXPECT_EQ(count("red.cube", "\n"), 3 + 32768);
     EXPECT_EQ(count("red.cube", "\r"), 0);
+}
+
+// Where these tests run, no window can be opened.
+TEST_F(ProgramOnWindows, WithoutADesktopTheCpuHasToDo) {
+    picture("a.png");
+    const std::string reason = "(There is no OpenGL Rendering Subsystem)";
+    expectRefusal({"a.png", "--gpu", "--exposure", "20", "-o", "new/"}, 1,
+                  "the GPU cannot be used " + reason + "; use --auto or --cpu");
+    expectOutput({"a.png", "--exposure", "20", "-o", "b.png", "-v"},
+                 "a.png: PNG, 20 x 10, adjusted on the CPU path " + reason + "\na.png -> b.png\n");
 }
 
 }  // namespace
