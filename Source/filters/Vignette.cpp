@@ -65,9 +65,11 @@ VignetteKernel::VignetteKernel(unsigned width, unsigned height, float amount, fl
     band.outerHeight = inner.height + band.width;
 
     for (std::vector<float>* columns : {&distances_, &inner_, &outer_}) {
-        columns->resize(width + longestVector);
+        columns->resize(std::size_t{width} + longestVector);
     }
-    for (unsigned x = 0; x < width; ++x) {
+    // Columns behind the last one go on in the same way, so that a vector that reaches beyond the
+    // picture meets no band that its pixels do not meet.
+    for (std::size_t x = 0; x < distances_.size(); ++x) {
         const float dx = std::fabs(static_cast<float>(x) - static_cast<float>(centreX_));
         distances_[x] = dx;
         inner_[x] = square(dx / inner.width);
