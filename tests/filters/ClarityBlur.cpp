@@ -94,13 +94,14 @@ TEST(StackBlur, DoesNotDependOnTheNumberOfThreads) {
     for (const int radius : {1, 3, 60, 254}) {
         HostPicture picture(640, 1200, 32, IMAGE_FORMAT_BGRA);
         picture.fillRandom(12);
-        HostPicture expected(picture);
-        blurModel(expected.bits(), 640, 1200, 4, radius);
-        for (const int threads : {1, 2, 3, 16}) {
+        setMaxThreads(1);
+        HostPicture alone(picture);
+        stackBlur(alone.bits(), 640, 1200, 4, radius);
+        for (const int threads : {2, 3, 16}) {
             setMaxThreads(threads);
-            HostPicture blurred(picture);
-            stackBlur(blurred.bits(), 640, 1200, 4, radius);
-            EXPECT_TRUE(blurred.bytes() == expected.bytes()) << radius << ", " << threads;
+            HostPicture shared(picture);
+            stackBlur(shared.bits(), 640, 1200, 4, radius);
+            EXPECT_TRUE(shared.bytes() == alone.bytes()) << radius << ", " << threads;
         }
     }
     setMaxThreads(0);
