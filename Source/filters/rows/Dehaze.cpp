@@ -134,19 +134,6 @@ rows::Darkness darkestChannels(const std::uint8_t* pixels, std::size_t count, st
     return darkness;
 }
 
-// Truncated; for the range of 32 bits. The library's own conversion also mends what overflows.
-HWY_INLINE SignedQuads truncated(Floats values) {
-#if HWY_ARCH_X86 && HWY_TARGET != HWY_EMU128
-#if HWY_TARGET <= HWY_AVX2
-    return SignedQuads{_mm256_cvttps_epi32(values.raw)};
-#else
-    return SignedQuads{_mm_cvttps_epi32(values.raw)};
-#endif
-#else
-    return hn::ConvertTo(SignedQuadTag(), values);
-#endif
-}
-
 // The veil on some pixels. It leaves every channel at least a tenth, so nothing here grows large.
 class VeilOnPixels {
 public:

@@ -150,22 +150,29 @@ HWY_INLINE Floats toFloats(SignedQuads values) {
     return hn::ConvertTo(FloatTag(), values);
 }
 
+/// Truncated; for numbers that 32 bits hold. hn::ConvertTo() also mends what overflows.
+HWY_INLINE SignedQuads truncated(Floats values) {
+#if HWY_ARCH_X86 && HWY_TARGET != HWY_EMU128
+#if HWY_TARGET <= HWY_AVX2
+    return SignedQuads{_mm256_cvttps_epi32(values.raw)};
+#else
+    return SignedQuads{_mm_cvttps_epi32(values.raw)};
+#endif
+#else
+    return hn::ConvertTo(SignedQuadTag(), values);
+#endif
+}
+
 /// Clamped to 0..255 and truncated; NaN gives 0.
 HWY_INLINE SignedQuads clampToBytes(Floats values) {
+    const Floats zero = hn::Zero(FloatTag());
 #if HWY_ARCH_X86 && HWY_TARGET != HWY_EMU128
-    // The processor's maximum is its second operand if the first is NaN. Clamped values need none
-    // of the care that the library's own conversion takes of those beyond 32 bits.
-    const Floats clamped =
-        hn::Min(hn::Max(values, hn::Zero(FloatTag())), hn::Set(FloatTag(), 255.0f));
-#if HWY_TARGET <= HWY_AVX2
-    return SignedQuads{_mm256_cvttps_epi32(clamped.raw)};
+    // The processor's maximum is its second operand if the first is NaN.
+    const Floats positive = hn::Max(values, zero);
 #else
-    return SignedQuads{_mm_cvttps_epi32(clamped.raw)};
+    const Floats positive = hn::IfThenElseZero(hn::Gt(values, zero), values);
 #endif
-#else
-    const Floats positive = hn::IfThenElseZero(hn::Gt(values, hn::Zero(FloatTag())), values);
-    return hn::ConvertTo(SignedQuadTag(), hn::Min(positive, hn::Set(FloatTag(), 255.0f)));
-#endif
+    return truncated(hn::Min(positive, hn::Set(FloatTag(), 255.0f)));
 }
 
 }  // namespace HWY_NAMESPACE
