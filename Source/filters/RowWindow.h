@@ -7,6 +7,8 @@
 #include <cstring>
 #include <memory>
 
+#include "filters/rows/LensSources.h"
+
 namespace keladjust {
 
 /// Rows of a picture as they were: the first `bytes` of each, `stride` apart.
@@ -24,8 +26,8 @@ struct RowReach {
 };
 
 /// The rows within reach of a row, as they were before a band of rows began to change from its
-/// first to its last. They travel along with the row, one behind the other in memory that is small
-/// enough for a cache, so that a change in place needs no copy of the picture.
+/// first to its last. They travel along with the row, in a ring that is small enough for a cache,
+/// so that a change in place needs no copy of the picture.
 ///
 /// All windows are to be made before any band begins to change; each keeps what it needs of its
 /// neighbours.
@@ -35,59 +37,71 @@ public:
         : rows_(rows),
           reach_(reach),
           end_(end),
-          base_(begin - std::min(begin, reach.up)),
-          filled_(base_),
-          capacity_(roomFor(reach)),
-          window_(std::make_unique_for_overwrite<std::uint8_t[]>(capacity_ * rows.bytes)) {
+          begin_(begin - std::min(begin, reach.up)),
+          filled_(begin_),
+          capacity_(capacityFor(rows.height, reach, begin, end)),
+          ringFirst_(begin_),
+          ring_(std::make_unique_for_overwrite<std::uint8_t[]>(capacity_ * rows.bytes)) {
         const std::size_t behind = std::min(end + reach.down, rows.height);
         neighbours_ = std::make_unique_for_overwrite<std::uint8_t[]>((behind - end) * rows.bytes);
-        for (std::size_t y = end; y < behind; ++y) copy(y, neighbours_.get(), end);
+        for (std::size_t y = end; y < behind; ++y) copy(y, neighbours_.get(), y - end);
         while (filled_ < std::min(begin + reach.down, rows.height)) take();
     }
 
     /// How many rows' memory a window takes.
-    static std::size_t rowsFor(RowReach reach) { return roomFor(reach) + reach.down; }
+    static std::size_t rowsFor(std::size_t height, RowReach reach, std::size_t begin,
+                               std::size_t end) {
+        return capacityFor(height, reach, begin, end) + std::min(reach.down, height - end);
+    }
 
     /// Moves on to `row`, the next one to change; to be called before that changes.
     void moveTo(std::size_t row) {
         while (filled_ < std::min(row + reach_.down + 1, rows_.height)) take();
+        top_ = std::max(row - std::min(row, reach_.up), begin_);
+        while (top_ >= ringFirst_ + capacity_) ringFirst_ += capacity_;
     }
 
-    /// Where row `firstRow()` begins; the others follow without a gap.
-    const std::uint8_t* begin() const { return window_.get(); }
-    std::size_t firstRow() const { return base_; }
+    const std::uint8_t* bytes() const { return ring_.get(); }
+
+    /// Where the rows lie, in units of which a row has `stride`.
+    rows::RowRing ring(std::size_t stride) const {
+        return {static_cast<std::int32_t>(ringFirst_), static_cast<std::int32_t>(capacity_),
+                static_cast<std::int32_t>(stride), static_cast<std::int32_t>(top_),
+                static_cast<std::int32_t>(filled_ - 1)};
+    }
 
 private:
-    static std::size_t roomFor(RowReach reach) { return 2 * (reach.up + 1 + reach.down); }
+    static std::size_t capacityFor(std::size_t height, RowReach reach, std::size_t begin,
+                                   std::size_t end) {
+        const std::size_t ever =
+            std::min(end + reach.down, height) - (begin - std::min(begin, reach.up));
+        return std::min(reach.up + 1 + reach.down, ever);
+    }
 
     void take() {
-        if (filled_ - base_ == capacity_) {
-            // The older half is out of reach.
-            const std::size_t half = capacity_ / 2;
-            std::memmove(window_.get(), window_.get() + half * rows_.bytes, half * rows_.bytes);
-            base_ += half;
-        }
+        const std::size_t slot = (filled_ - begin_) % capacity_;
         if (filled_ < end_) {
-            copy(filled_, window_.get(), base_);
+            copy(filled_, ring_.get(), slot);
         } else {
-            std::memcpy(window_.get() + (filled_ - base_) * rows_.bytes,
+            std::memcpy(ring_.get() + slot * rows_.bytes,
                         neighbours_.get() + (filled_ - end_) * rows_.bytes, rows_.bytes);
         }
         ++filled_;
     }
 
-    void copy(std::size_t row, std::uint8_t* to, std::size_t firstOfTo) const {
-        std::memcpy(to + (row - firstOfTo) * rows_.bytes, rows_.first + row * rows_.stride,
-                    rows_.bytes);
+    void copy(std::size_t row, std::uint8_t* to, std::size_t slot) const {
+        std::memcpy(to + slot * rows_.bytes, rows_.first + row * rows_.stride, rows_.bytes);
     }
 
     OriginalRows rows_;
     RowReach reach_;
     std::size_t end_;
-    std::size_t base_;      ///< the first row in the window
-    std::size_t filled_;    ///< the row behind its last
-    std::size_t capacity_;  ///< rows that it has room for
-    std::unique_ptr<std::uint8_t[]> window_;
+    std::size_t begin_;      ///< the first row that it ever holds
+    std::size_t filled_;     ///< the row behind its last
+    std::size_t capacity_;   ///< rows that it has room for
+    std::size_t ringFirst_;  ///< the row at the beginning of the ring, now or once
+    std::size_t top_ = 0;    ///< the first row within reach
+    std::unique_ptr<std::uint8_t[]> ring_;
     std::unique_ptr<std::uint8_t[]> neighbours_;  ///< rows below the band
 };
 

@@ -10,7 +10,6 @@
 #include <utility>
 
 #include "engine/KelOgreRenderThread.h"
-#include "filters/LensCorrection.h"
 #include "host/GpuEngine.h"
 #include "host/GpuPipeline.h"
 #include "host/LibraryState.h"
@@ -96,7 +95,6 @@ void releaseOgre() {
     keladjust::destroyLibraryLut();
     state.setBusyEvent(nullptr);
     keladjust::stopGpuEngine(state.gpu);
-    keladjust::releaseLensMaps();
 }
 
 const char* setLogPath(const char* path) {

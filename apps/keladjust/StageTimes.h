@@ -19,7 +19,7 @@ struct StageTime {
 
 /// Measures stage after stage, each with a setting that a user might choose and each run on the
 /// picture as it came; last come several settings in one call. A run before the first is not
-/// counted: it makes the maps that the lens stages keep.
+/// counted: it meets memory that is new.
 ///
 /// @param settings measured in one call, too
 /// @param runs     of each stage, 1 or more

@@ -1,5 +1,5 @@
-// Each stage that looks at neighbours, at positions or at the whole picture. "Map kept" is a call
-// that finds the map of the call before; "new map" one whose setting has changed.
+// Each stage that looks at neighbours, at positions or at the whole picture. "Map kept" is a lens
+// stage whose peer finds the map of the call before; "new map" one whose setting has changed.
 
 #include <keladjust/keladjust.h>
 
@@ -18,7 +18,7 @@ using keladjust::bench::Work;
 constexpr float lens = 20;
 constexpr float otherLens = 21;
 
-/// Takes two settings in turn, so that no map that a stage has kept fits.
+/// Takes two settings in turn, so that nothing fits that a stage may keep from the call before.
 template <auto stage>
 Work inTurn(CxImage&) {
     return {[setting = lens](CxImage& i) mutable {

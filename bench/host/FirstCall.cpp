@@ -29,8 +29,8 @@ constexpr Stage stages[] = {
     {"clarity", [](CxImage* i) { clarity(i, 100); }},
     {"sharpen", [](CxImage* i) { sharpen(i, 80); }},
     {"denoise", [](CxImage* i) { deNoiseRGB(i, 30); }},
-    {"distortion, its map built first", [](CxImage* i) { distortFilter(i, 20); }},
-    {"fringing, its maps built first", [](CxImage* i) { fringingFilter(i, 20); }},
+    {"distortion", [](CxImage* i) { distortFilter(i, 20); }},
+    {"fringing", [](CxImage* i) { fringingFilter(i, 20); }},
 };
 
 double secondsOf(const Stage& stage, CxImage* image) {

@@ -266,9 +266,9 @@ KELADJUST_API CxImage* vignetteAdjustFilter(CxImage* image, float amount, float 
 KELADJUST_API CxImage* clarity(CxImage* image, float amount);
 /** Laplacian sharpening of strength amount / 255; the result lies one pixel to the right. */
 KELADJUST_API CxImage* sharpen(CxImage* image, float amount);
-/** Barrel or pincushion correction in percent; the map is kept for the next call. */
+/** Barrel or pincushion correction in percent. */
 KELADJUST_API CxImage* distortFilter(CxImage* image, float distortion);
-/** Lateral chromatic aberration in percent; the maps are kept for the next call. */
+/** Lateral chromatic aberration in percent. */
 KELADJUST_API CxImage* fringingFilter(CxImage* image, float fringing);
 /** Removes haze; negative settings lay a veil over the picture. */
 KELADJUST_API CxImage* dehaze(CxImage* image, float amount);

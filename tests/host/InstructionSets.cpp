@@ -105,9 +105,7 @@ const std::vector<Work>& everyWork() {
     return all;
 }
 
-// The lens stages keep maps: without them no set would serve another's.
 Bytes resultOf(const Work& work, const HostPicture& original) {
-    releaseOgre();
     HostPicture picture(original);
     work.run(picture.image());
     EXPECT_TRUE(picture.guardsIntact()) << work.name;

@@ -1,0 +1,134 @@
+#ifndef KELADJUST_FILTERS_LENSROWS_H
+#define KELADJUST_FILTERS_LENSROWS_H
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <numeric>
+#include <utility>
+#include <vector>
+
+#include "filters/RowWindow.h"
+#include "filters/rows/LensSources.h"
+#include "platform/Parallel.h"
+
+namespace keladjust {
+
+/// How many bands of rows a lens stage works on side by side.
+inline std::size_t lensBands(std::size_t width, std::size_t height) {
+    constexpr std::size_t pixelsPerThread = 1 << 14;
+    return platform::bandCount(height, pixelsPerThread / width + 1);
+}
+
+/// Coordinates of larger pictures do not fit their 16 bits.
+inline bool lensCoordinatesFit(unsigned width, unsigned height) {
+    constexpr unsigned most = 1u << 15;
+    return width <= most && height <= most;
+}
+
+/// By what a lens multiplies distances from the centre.
+inline double lensRatio(const rows::Lens& lens, double length) {
+    double raised = lens.strength;
+    for (int i = 1; i < lens.power; ++i) raised *= length;
+    return (raised + 1.0) * lens.scale;
+}
+
+/// How far the rows begin..end-1 of a picture fetch, when a lens' rays are drawn by factors from
+/// `smallest` to `largest`. Along a row the ratio grows or falls all the way out, so that sources
+/// lie between those of the nearest and the farthest column; single precision, which the formula
+/// is computed in, misses them by less than a row.
+inline RowReach lensReach(const rows::Lens& lens, float smallest, float largest, std::size_t height,
+                          std::size_t begin, std::size_t end) {
+    RowReach reach;
+    const double farthestX = lens.centreX / lens.unitX;
+    const auto last = static_cast<double>(height - 1);
+    for (std::size_t row = begin; row < end; ++row) {
+        const auto y = static_cast<double>(row);
+        const double fromCentre = y - lens.centreY;
+        const double near = std::fabs(fromCentre) / lens.unitY;
+        const double ratios[] = {lensRatio(lens, near),
+                                 lensRatio(lens, std::sqrt(near * near + farthestX * farthestX))};
+        for (const double ratio : ratios) {
+            for (const double factor : {smallest, largest}) {
+                const double source = lens.centreY + fromCentre * ratio * factor;
+                const double up = y - std::floor(source) + 1.0;
+                const double down = std::floor(source) + 1.0 - y;
+                reach.up = std::max(reach.up, static_cast<std::size_t>(std::clamp(up, 0.0, y)));
+                reach.down =
+                    std::max(reach.down, static_cast<std::size_t>(std::clamp(down, 0.0, last - y)));
+            }
+        }
+    }
+    return reach;
+}
+
+/// Changes a picture row by row, `change(y, window)` each, on several threads; the window holds the
+/// rows as they were that the row fetches from, of those of its band `reachOf(begin, end)`. Windows
+/// take no more memory than a copy of the picture.
+template <class ReachOf, class Change>
+void changeLensRows(const OriginalRows& rows, std::size_t width, ReachOf reachOf, Change change) {
+    const std::size_t bands = lensBands(width, rows.height);
+    std::vector<RowReach> reaches(bands);
+    std::vector<std::size_t> sizes(bands);
+    platform::parallelBands(
+        rows.height, bands, [&](std::size_t band, std::size_t begin, std::size_t end) {
+            reaches[band] = reachOf(begin, end);
+            sizes[band] = RowWindow::rowsFor(rows.height, reaches[band], begin, end);
+        });
+    if (std::accumulate(sizes.begin(), sizes.end(), std::size_t{0}) * rows.bytes >
+        rows.height * rows.stride) {
+        RowWindow all(rows, {rows.height, rows.height}, 0, rows.height);
+        all.moveTo(0);
+        platform::parallelBands(rows.height, bands,
+                                [&](std::size_t, std::size_t begin, std::size_t end) {
+                                    for (std::size_t y = begin; y < end; ++y) change(y, all);
+                                });
+        return;
+    }
+    std::vector<std::unique_ptr<RowWindow>> windows(bands);
+    platform::parallelBands(
+        rows.height, bands, [&](std::size_t band, std::size_t begin, std::size_t end) {
+            windows[band] = std::make_unique<RowWindow>(rows, reaches[band], begin, end);
+        });
+    platform::parallelBands(rows.height, bands,
+                            [&](std::size_t band, std::size_t begin, std::size_t end) {
+                                RowWindow& window = *windows[band];
+                                for (std::size_t y = begin; y < end; ++y) {
+                                    window.moveTo(y);
+                                    change(y, std::as_const(window));
+                                }
+                            });
+}
+
+/// Columns of a row on one side of the centre.
+struct RunColumns {
+    std::size_t first;
+    std::size_t count;
+    bool left;
+
+    /// Where they come from, from left to right.
+    const std::uint32_t* of(const rows::MirroredRun& run) const {
+        return left ? run.left + rows::MirroredRun::capacity - count : run.right;
+    }
+};
+
+/// From the centre out to both sides of a row, as far as a run goes at a time: calls
+/// `compute(first, count)` for columns `first` and further away from the centre, then
+/// `fetch(columns)` for either side.
+template <class Compute, class Fetch>
+void forEachMirroredRun(std::size_t width, Compute compute, Fetch fetch) {
+    const std::size_t centre = width / 2;
+    for (std::size_t first = 0; first <= centre; first += rows::MirroredRun::capacity) {
+        const std::size_t count = std::min(rows::MirroredRun::capacity, centre + 1 - first);
+        compute(first, count);
+        // At the right a picture of even width lacks the farthest column.
+        fetch(RunColumns{centre + first, std::min(count, width - centre - first), false});
+        fetch(RunColumns{centre + 1 - first - count, count, true});
+    }
+}
+
+}  // namespace keladjust
+
+#endif
