@@ -15,6 +15,7 @@
 #include "filters/Rounding.h"
 #include "filters/StageForms.h"
 #include "filters/rows/Dehaze.h"
+#include "platform/LargePages.h"
 #include "platform/Parallel.h"
 
 namespace keladjust {
@@ -110,7 +111,7 @@ private:
 };
 
 Haze hazeOf(const RawWalk& walk, std::size_t width, std::size_t height) {
-    Haze haze{std::make_unique_for_overwrite<std::uint8_t[]>(walk.count)};
+    Haze haze{platform::makeLargeArray<std::uint8_t>(walk.count)};
     const std::size_t count = platform::bandCount(height, pixelsPerThread / width + 1);
     std::vector<HazeBand> bands(count, HazeBand(width));
     platform::parallelBands(height, count,
