@@ -7,6 +7,7 @@
 
 #include "filters/Rounding.h"
 #include "filters/StageForms.h"
+#include "filters/spans/Spans.h"
 
 namespace keladjust {
 
@@ -27,35 +28,11 @@ float brighten(float channel, float value) {
     return value > 0.0f ? channel * value : channel + value;
 }
 
-class BrightnessFormula {
-public:
-    explicit BrightnessFormula(float setting)
-        : active_(setting != 0.0f),
-          value_(setting > 0.0f ? brightnessGain(setting) : brightnessOffsetUnit(setting)) {}
-    bool active() const { return active_; }
-    Colour operator()(Colour c) const {
-        return mapChannels(c, [this](float channel) { return clamp01(brighten(channel, value_)); });
-    }
-
-private:
-    bool active_;
-    float value_;
-};
-
 // How far the window lies from the ends of the channel range, before rounding.
 float contrastMargin(float setting) {
     return (setting > 0.0f ? 1.0f / (1.0f - setting / 255.0f) - 1.0f : setting / 255.0f) * 100.0f *
            0.5f;
 }
-
-// The window whose inputs are mapped to the whole range; `Number` is int32_t for bytes and float
-// for tables, whose window is not rounded.
-template <class Number>
-struct ContrastWindow {
-    Number low;
-    Number high;
-    Number range;
-};
 
 // Windows turned inside out or too wide are replaced by fixed ones.
 template <class Number>
@@ -91,39 +68,38 @@ ContrastWindow<float> unitWindow(float setting) {
     return {window.low / 255.0f, window.high / 255.0f, window.range / 255.0f};
 }
 
-class ContrastFormula {
-public:
-    explicit ContrastFormula(float setting)
-        : active_(setting != 0.0f), window_(unitWindow(setting)) {}
-    bool active() const { return active_; }
-    Colour operator()(Colour c) const {
-        return mapChannels(c, [this](float channel) { return stretch(channel); });
-    }
-
-private:
-    float stretch(float c) const {
-        if (!(window_.low > 0.0f)) return c * window_.range - window_.low;
-        if (c <= window_.low) return 0.0f;
-        if (c > window_.high) return 1.0f;
-        return (c - window_.low) / window_.range;
-    }
-
-    bool active_;
-    ContrastWindow<float> window_;
-};
-
 }  // namespace
 
-BrightnessKernel::BrightnessKernel(float setting) : active_(setting != 0.0f) {
+BrightnessKernel::BrightnessKernel(float setting)
+    : active_(setting != 0.0f),
+      unitValue_(setting > 0.0f ? brightnessGain(setting) : brightnessOffsetUnit(setting)) {
     const float value = setting > 0.0f ? brightnessGain(setting) : brightnessOffsetByte(setting);
     fill([value](std::uint8_t channel) {
         return clampToByte(brighten(static_cast<float>(channel), value));
     });
 }
 
-ContrastKernel::ContrastKernel(float setting) : active_(setting != 0.0f) {
+void BrightnessKernel::change(ColourRun& run) const {
+    if (unitValue_ > 0.0f) {
+        spans::multiply(run, unitValue_);
+    } else {
+        spans::offset(run, unitValue_);
+    }
+}
+
+ContrastKernel::ContrastKernel(float setting)
+    : active_(setting != 0.0f), unitWindow_(unitWindow(setting)) {
     const ContrastWindow<std::int32_t> window = byteWindow(setting);
     fill([window](std::uint8_t channel) { return stretchByte(channel, window); });
+}
+
+void ContrastKernel::change(ColourRun& run) const {
+    const auto& [low, high, range] = unitWindow_;
+    if (low > 0.0f) {
+        spans::stretch(run, low, high, range);
+    } else {
+        spans::squeeze(run, low, range);
+    }
 }
 
 }  // namespace keladjust
@@ -142,9 +118,10 @@ CxImage* contrastAdjustment(CxImage* image, float contrast) {
 }
 
 float* lut3d_brightnessAdjustment(float* lut, unsigned long count, int stride, float brightness) {
-    return keladjust::applyFormula<keladjust::BrightnessFormula>(lut, count, stride, brightness);
+    return keladjust::applyColourKernel<keladjust::BrightnessKernel>(lut, count, stride,
+                                                                     brightness);
 }
 
 float* lut3d_contrastAdjustment(float* lut, unsigned long count, int stride, float contrast) {
-    return keladjust::applyFormula<keladjust::ContrastFormula>(lut, count, stride, contrast);
+    return keladjust::applyColourKernel<keladjust::ContrastKernel>(lut, count, stride, contrast);
 }

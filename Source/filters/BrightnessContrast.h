@@ -1,28 +1,42 @@
 #ifndef KELADJUST_FILTERS_BRIGHTNESSCONTRAST_H
 #define KELADJUST_FILTERS_BRIGHTNESSCONTRAST_H
 
+#include "filters/ColourKernel.h"
 #include "filters/PixelKernel.h"
 
 namespace keladjust {
 
 /// A gain or an offset for every channel byte.
-class BrightnessKernel final : public TableKernel {
+class BrightnessKernel final : public TableKernel, public ColourKernel {
 public:
     explicit BrightnessKernel(float brightness);
     bool active() const override { return active_; }
+    void change(ColourRun& run) const override;
 
 private:
     bool active_;
+    float unitValue_;  ///< the gain, or the offset on the scale of tables
+};
+
+/// The window whose inputs are mapped to the whole range; `Number` is int32_t for bytes and float
+/// for tables, whose window is not rounded.
+template <class Number>
+struct ContrastWindow {
+    Number low;
+    Number high;
+    Number range;
 };
 
 /// Stretches a window of the channel range over all of it, or squeezes the range.
-class ContrastKernel final : public TableKernel {
+class ContrastKernel final : public TableKernel, public ColourKernel {
 public:
     explicit ContrastKernel(float contrast);
     bool active() const override { return active_; }
+    void change(ColourRun& run) const override;
 
 private:
     bool active_;
+    ContrastWindow<float> unitWindow_;
 };
 
 }  // namespace keladjust

@@ -2,9 +2,6 @@
 
 #include "filters/ColourRanges.h"
 
-#include <cstdint>
-#include <cstdlib>
-
 #include "filters/HslColour.h"
 #include "filters/Rounding.h"
 #include "filters/StageForms.h"
@@ -44,35 +41,6 @@ bool changesAnything(float hue, float saturation, float brightness) {
     return hue != 0.0f || saturation != 0.0f || brightness != 0.0f;
 }
 
-class ColourRangeFormula {
-public:
-    ColourRangeFormula(float minDegree, float maxDegree, float hue, float saturation,
-                       float brightness)
-        : active_(changesAnything(hue, saturation, brightness)),
-          band_(minDegree, maxDegree),
-          change_(hue, saturation, brightness) {}
-    bool active() const { return active_; }
-    // The three changes one after another, each on what the last one stored.
-    Colour operator()(Colour c) const {
-        HslColour hsl = toHsl(c);
-        const float weight = band_.weight(hsl.hue);
-        const auto step = [&](float amount, HslColour (*changed)(HslColour, float)) {
-            if (amount == 0.0f) return;
-            c = mapChannels(blend(hsl, changed(hsl, amount), weight), clamp01);
-            hsl = toHsl(c);
-        };
-        step(change_.shift, shiftHue);
-        step(change_.saturationRatio, scaleSaturation);
-        step(change_.lightnessRatio, scaleLightness);
-        return c;
-    }
-
-private:
-    bool active_;
-    HueBand band_;
-    RangeChange change_;
-};
-
 }  // namespace
 
 float HueBand::weight(float hue) const {
@@ -98,6 +66,28 @@ void ColourRangeKernel::run(PackedSpan& span) const {
     spans::changeColourRange(span, band_, change_);
 }
 
+void ColourRangeKernel::change(ColourRun& run) const {
+    if (spans::isWithinUnit(run)) {
+        spans::changeColourRange(run, band_, change_);
+    } else {
+        mapColours(run, [this](Colour c) { return changed(c); });
+    }
+}
+
+Colour ColourRangeKernel::changed(Colour c) const {
+    HslColour hsl = toHsl(c);
+    const float weight = band_.weight(hsl.hue);
+    const auto step = [&](float amount, HslColour (*changedHsl)(HslColour, float)) {
+        if (amount == 0.0f) return;
+        c = mapChannels(blend(hsl, changedHsl(hsl, amount), weight), clamp01);
+        hsl = toHsl(c);
+    };
+    step(change_.shift, shiftHue);
+    step(change_.saturationRatio, scaleSaturation);
+    step(change_.lightnessRatio, scaleLightness);
+    return c;
+}
+
 }  // namespace keladjust
 
 CxImage* doHSLAdjustFilter(CxImage* image, float minDegree, float maxDegree, float hue,
@@ -119,15 +109,8 @@ CxImage* adjustBrightnessFilter(CxImage* image, float minDegree, float maxDegree
 
 float* lut3d_doHSLAdjustFilter(float* lut, unsigned long count, int stride, float minDegree,
                                float maxDegree, float hue, float saturation, float brightness) {
-    if (lut == nullptr || std::abs(std::int64_t{stride}) < 3) {
-        return keladjust::applyFormula<keladjust::ColourRangeFormula>(
-            lut, count, stride, minDegree, maxDegree, hue, saturation, brightness);
-    }
-    if (!keladjust::changesAnything(hue, saturation, brightness)) return lut;
-    const keladjust::platform::DefaultFloatingPoint scope;
-    keladjust::spans::changeTableRange(lut, count, stride, {minDegree, maxDegree},
-                                       {hue, saturation, brightness});
-    return lut;
+    return keladjust::applyColourKernel<keladjust::ColourRangeKernel>(
+        lut, count, stride, minDegree, maxDegree, hue, saturation, brightness);
 }
 float* lut3d_adjustHueFilter(float* lut, unsigned long count, int stride, float minDegree,
                              float maxDegree, float hue) {

@@ -1,6 +1,7 @@
 #ifndef KELADJUST_FILTERS_COLOURRANGES_H
 #define KELADJUST_FILTERS_COLOURRANGES_H
 
+#include "filters/ColourKernel.h"
 #include "filters/PixelKernel.h"
 
 namespace keladjust {
@@ -43,16 +44,20 @@ struct RangeChange {
 };
 
 /// Hue, saturation and lightness of one band of hues. Pixels of weight 0 change, too: every step is
-/// a round trip through HSL that truncates.
-class ColourRangeKernel final : public PixelKernel {
+/// a round trip through HSL that truncates, in tables only rounds.
+class ColourRangeKernel final : public PixelKernel, public ColourKernel {
 public:
     ColourRangeKernel(float minDegree, float maxDegree, float hue, float saturation,
                       float brightness);
     bool active() const override { return active_; }
     unsigned effort() const override { return 3 * change_.steps(); }
     void run(PackedSpan& span) const override;
+    void change(ColourRun& run) const override;
 
 private:
+    /// Of any colour, inside 0..1 or not.
+    Colour changed(Colour c) const;
+
     bool active_;
     HueBand band_;
     RangeChange change_;

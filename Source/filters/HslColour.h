@@ -1,10 +1,24 @@
 #ifndef KELADJUST_FILTERS_HSLCOLOUR_H
 #define KELADJUST_FILTERS_HSLCOLOUR_H
 
-#include "filters/Rounding.h"
-#include "filters/StageForms.h"
+#include <algorithm>
+
+#include "filters/ColourKernel.h"
 
 namespace keladjust {
+
+/// `map` for each of the three channels.
+template <class Map>
+Colour mapChannels(Colour c, Map map) {
+    return {map(c.red), map(c.green), map(c.blue)};
+}
+
+inline float largestOf(Colour c) {
+    return std::max({c.red, c.green, c.blue});
+}
+inline float smallestOf(Colour c) {
+    return std::min({c.red, c.green, c.blue});
+}
 
 /// Hue, saturation and lightness in single precision (A. R. Smith, "Color Gamut Transform Pairs",
 /// 1978, in its bi-hexcone form).

@@ -1,17 +1,19 @@
 #ifndef KELADJUST_FILTERS_SATURATION_H
 #define KELADJUST_FILTERS_SATURATION_H
 
+#include "filters/ColourKernel.h"
 #include "filters/PixelKernel.h"
 
 namespace keladjust {
 
 /// Moves the channels away from the pixel's lightness or towards it; greys stay exactly as they
 /// are.
-class SaturationKernel final : public PixelKernel {
+class SaturationKernel final : public PixelKernel, public ColourKernel {
 public:
     explicit SaturationKernel(float saturation);
     bool active() const override { return active_; }
     void run(PackedSpan& span) const override;
+    void change(ColourRun& run) const override;
 
 private:
     bool active_;

@@ -1,6 +1,7 @@
 #include "filters/StageForms.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <new>
 #include <optional>
 
@@ -138,6 +139,29 @@ void runKernels(CxImage& image, std::span<const PixelKernel* const> kernels) {
                                     runner.run(static_cast<unsigned>(y));
                                 }
                             });
+}
+
+void runColourKernel(float* lut, std::size_t count, std::ptrdiff_t stride,
+                     const ColourKernel& kernel) {
+    const std::size_t together = std::abs(stride) < 3 ? 1 : ColourRun::capacity;
+    ColourRun run;
+    for (std::size_t first = 0; first < count; first += run.count) {
+        float* const entries = lut + static_cast<std::ptrdiff_t>(first) * stride;
+        run.count = std::min(together, count - first);
+        float* entry = entries;
+        for (std::size_t i = 0; i < run.count; ++i, entry += stride) {
+            run.red[i] = entry[0];
+            run.green[i] = entry[1];
+            run.blue[i] = entry[2];
+        }
+        kernel.change(run);
+        entry = entries;
+        for (std::size_t i = 0; i < run.count; ++i, entry += stride) {
+            entry[0] = run.red[i];
+            entry[1] = run.green[i];
+            entry[2] = run.blue[i];
+        }
+    }
 }
 
 void mapRawWalk(CxImage& image, const ByteTable& table) {

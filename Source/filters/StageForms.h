@@ -3,10 +3,10 @@
 
 #include <keladjust/CxImage.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <span>
 
+#include "filters/ColourKernel.h"
 #include "filters/PixelKernel.h"
 #include "platform/FloatingPoint.h"
 
@@ -45,42 +45,19 @@ CxImage* applyKernel(CxImage* image, Settings... settings) noexcept {
     });
 }
 
-/// One entry of a colour table, scaled 0..1.
-struct Colour {
-    float red;
-    float green;
-    float blue;
-};
+/// Runs the kernel on entries of a colour table, `stride` floats apart. Entries closer than three
+/// floats overlap: each one sees what became of the one before.
+void runColourKernel(float* lut, std::size_t count, std::ptrdiff_t stride,
+                     const ColourKernel& kernel);
 
-/// The look-up-table form of a stage; `Formula` is made from the settings, says whether it is
-/// active() and maps one Colour to another.
-template <class Formula, class... Settings>
-float* applyFormula(float* lut, unsigned long count, int stride, Settings... settings) noexcept {
+/// The look-up-table form of a stage; `Kernel` is made from the settings.
+template <class Kernel, class... Settings>
+float* applyColourKernel(float* lut, unsigned long count, int stride,
+                         Settings... settings) noexcept {
     const platform::DefaultFloatingPoint scope;
-    const Formula formula(settings...);
-    if (lut == nullptr || !formula.active()) return lut;
-    // In order and on one thread: entries closer than three floats overlap.
-    float* entry = lut;
-    for (unsigned long i = 0; i < count; ++i, entry += stride) {
-        const Colour changed = formula(Colour{entry[0], entry[1], entry[2]});
-        entry[0] = changed.red;
-        entry[1] = changed.green;
-        entry[2] = changed.blue;
-    }
+    const Kernel kernel(settings...);
+    if (lut != nullptr && kernel.active()) runColourKernel(lut, count, stride, kernel);
     return lut;
-}
-
-/// `map` for each of the three channels.
-template <class Map>
-Colour mapChannels(Colour c, Map map) {
-    return {map(c.red), map(c.green), map(c.blue)};
-}
-
-inline float largestOf(Colour c) {
-    return std::max({c.red, c.green, c.blue});
-}
-inline float smallestOf(Colour c) {
-    return std::min({c.red, c.green, c.blue});
 }
 
 }  // namespace keladjust

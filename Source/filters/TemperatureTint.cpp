@@ -65,54 +65,10 @@ struct Warmth {
     float strength;  // not limited: 2.14 at a setting of 0
 };
 
-class TemperatureFormula {
-public:
-    explicit TemperatureFormula(long temperature) : active_(temperature != identityTemperature) {
-        const Warmth warmth(temperature);
-        const BlackBody body(warmth.kelvin);
-        strength_ = warmth.strength;
-        colour_ = {static_cast<float>(body.red), static_cast<float>(body.green),
-                   static_cast<float>(body.blue)};
-    }
-    bool active() const { return active_; }
-
-    Colour operator()(Colour c) const {
-        const float t = strength_;
-        // Red's two terms stand the other way round than the others'; addition does not mind.
-        const Colour blended{clamp01((1.0f - t) * c.red + colour_.red * c.red * t),
-                             clamp01(colour_.green * c.green * t + (1.0f - t) * c.green),
-                             clamp01(colour_.blue * c.blue * t + (1.0f - t) * c.blue)};
-        HslColour hsl = toHsl(blended);
-        hsl.lightness = (largestOf(c) + smallestOf(c)) * 0.5f;
-        return mapChannels(toRgb(hsl), clamp01);
-    }
-
-private:
-    bool active_;
-    float strength_;
-    Colour colour_;
-};
-
 // In 256ths; floors, so that small negative tints act and small positive ones do not.
 std::int32_t tintStrength(float tint) {
     return truncateToInt(tint * 100.0f) >> 8;
 }
-
-class TintFormula {
-public:
-    explicit TintFormula(float tint)
-        : active_(tint != 0.0f), factor_(static_cast<float>(tintStrength(tint)) / 255.0f) {}
-    bool active() const { return active_; }
-    Colour operator()(Colour c) const {
-        const float grey = c.red * 0.3f + c.green * 0.59f + c.blue * 0.11f;
-        return {clamp01(c.red + grey * factor_), clamp01(c.green - grey * factor_),
-                clamp01(c.blue + grey * factor_)};
-    }
-
-private:
-    bool active_;
-    float factor_;
-};
 
 }  // namespace
 
@@ -124,16 +80,41 @@ TemperatureKernel::TemperatureKernel(long temperature)
         return static_cast<float>(BlackBody::toByte(channel)) / 255.0f;
     };
     blend_ = {shareOf(body.red), shareOf(body.green), shareOf(body.blue), warmth.strength};
+    exactBlend_ = {static_cast<float>(body.red), static_cast<float>(body.green),
+                   static_cast<float>(body.blue), warmth.strength};
 }
 
 void TemperatureKernel::run(PackedSpan& span) const {
     spans::blendKeepingLightness(span, blend_);
 }
 
+void TemperatureKernel::change(ColourRun& run) const {
+    if (spans::isWithinUnit(run)) {
+        spans::blendKeepingLightness(run, exactBlend_);
+    } else {
+        mapColours(run, [this](Colour c) { return blended(c); });
+    }
+}
+
+Colour TemperatureKernel::blended(Colour c) const {
+    const auto blend = [this](float channel, float share) {
+        const float t = exactBlend_.strength;
+        return clamp01((1.0f - t) * channel + share * channel * t);
+    };
+    HslColour hsl = toHsl({blend(c.red, exactBlend_.red), blend(c.green, exactBlend_.green),
+                           blend(c.blue, exactBlend_.blue)});
+    hsl.lightness = (largestOf(c) + smallestOf(c)) * 0.5f;
+    return mapChannels(toRgb(hsl), clamp01);
+}
+
 TintKernel::TintKernel(float tint) : active_(tint != 0.0f), strength_(tintStrength(tint)) {}
 
 void TintKernel::run(PackedSpan& span) const {
     spans::shiftTint(span, strength_);
+}
+
+void TintKernel::change(ColourRun& run) const {
+    spans::shiftTint(run, static_cast<float>(strength_) / 255.0f);
 }
 
 }  // namespace keladjust
@@ -147,11 +128,12 @@ CxImage* tintAdjustment(CxImage* image, float tint) {
 }
 
 float* lut3d_temperatureAdjustment(float* lut, unsigned long count, int stride, long temperature) {
-    return keladjust::applyFormula<keladjust::TemperatureFormula>(lut, count, stride, temperature);
+    return keladjust::applyColourKernel<keladjust::TemperatureKernel>(lut, count, stride,
+                                                                      temperature);
 }
 
 float* lut3d_tintAdjustment(float* lut, unsigned long count, int stride, float tint) {
-    return keladjust::applyFormula<keladjust::TintFormula>(lut, count, stride, tint);
+    return keladjust::applyColourKernel<keladjust::TintKernel>(lut, count, stride, tint);
 }
 
 CxImage* createTemperateColor(int width, int height) {

@@ -3,30 +3,37 @@
 
 #include <cstdint>
 
+#include "filters/ColourKernel.h"
 #include "filters/PixelKernel.h"
 #include "filters/spans/Spans.h"
 
 namespace keladjust {
 
 /// Blends with the colour of a black body, then restores the lightness the pixel had.
-class TemperatureKernel final : public PixelKernel {
+class TemperatureKernel final : public PixelKernel, public ColourKernel {
 public:
     explicit TemperatureKernel(long temperature);
     bool active() const override { return active_; }
     unsigned effort() const override { return 3; }
     void run(PackedSpan& span) const override;
+    void change(ColourRun& run) const override;
 
 private:
+    /// Of any colour, inside 0..1 or not.
+    Colour blended(Colour c) const;
+
     bool active_;
-    spans::ColourBlend blend_;
+    spans::ColourBlend blend_;       ///< with the colour of pixels, in bytes
+    spans::ColourBlend exactBlend_;  ///< with that of tables
 };
 
 /// Shifts red and blue against green in proportion to the grey level.
-class TintKernel final : public PixelKernel {
+class TintKernel final : public PixelKernel, public ColourKernel {
 public:
     explicit TintKernel(float tint);
     bool active() const override { return active_; }
     void run(PackedSpan& span) const override;
+    void change(ColourRun& run) const override;
 
 private:
     bool active_;

@@ -21,26 +21,6 @@ float vibranceAmount(float vibrance) {
     return vibrance / 100.0f * 0.8f;
 }
 
-class VibranceFormula {
-public:
-    explicit VibranceFormula(float vibrance)
-        : active_(vibrance != 0.0f), amount_(vibranceAmount(vibrance)) {}
-    bool active() const { return active_; }
-    Colour operator()(Colour c) const {
-        const float lightness = (smallestOf(c) + largestOf(c)) * 0.5f;
-        const Colour above =
-            mapChannels(c, [lightness](float channel) { return clamp01(channel - lightness); });
-        const float colourfulness = (smallestOf(above) + largestOf(above)) * 0.5f;
-        const float gain = (1.0f - colourfulness) * amount_ + 1.0f;
-        const float offset = (1.0f - gain) * lightness;
-        return mapChannels(c, [&](float channel) { return clamp01(gain * channel + offset); });
-    }
-
-private:
-    bool active_;
-    float amount_;
-};
-
 // Rotation about the grey axis.
 spans::HueMatrix hueMatrix(float angle) {
     const double radians = static_cast<double>(angle) * 3.141592653589793 / 180.0;
@@ -72,6 +52,10 @@ void VibranceKernel::run(PackedSpan& span) const {
     spans::stretchVibrance(span, amount_);
 }
 
+void VibranceKernel::change(ColourRun& run) const {
+    spans::stretchVibrance(run, amount_);
+}
+
 }  // namespace keladjust
 
 CxImage* vibranceAdjustment(CxImage* image, float vibrance) {
@@ -86,5 +70,5 @@ CxImage* hueAdjustment(CxImage* image, float angle) {
 }
 
 float* lut3d_vibranceAdjustment(float* lut, unsigned long count, int stride, float vibrance) {
-    return keladjust::applyFormula<keladjust::VibranceFormula>(lut, count, stride, vibrance);
+    return keladjust::applyColourKernel<keladjust::VibranceKernel>(lut, count, stride, vibrance);
 }

@@ -1,16 +1,18 @@
 #ifndef KELADJUST_FILTERS_VIBRANCEHUE_H
 #define KELADJUST_FILTERS_VIBRANCEHUE_H
 
+#include "filters/ColourKernel.h"
 #include "filters/PixelKernel.h"
 
 namespace keladjust {
 
 /// Saturation in inverse proportion to how saturated a pixel is already.
-class VibranceKernel final : public PixelKernel {
+class VibranceKernel final : public PixelKernel, public ColourKernel {
 public:
     explicit VibranceKernel(float vibrance);
     bool active() const override { return active_; }
     void run(PackedSpan& span) const override;
+    void change(ColourRun& run) const override;
 
 private:
     bool active_;

@@ -1,9 +1,16 @@
 #include "lut/CubeLut.h"
 
-#include <algorithm>
 #include <cmath>
+#include <type_traits>
 #include <utility>
 
+#include "filters/BrightnessContrast.h"
+#include "filters/ColourKernel.h"
+#include "filters/ColourRanges.h"
+#include "filters/ExposureTonalRanges.h"
+#include "filters/Saturation.h"
+#include "filters/TemperatureTint.h"
+#include "filters/VibranceHue.h"
 #include "lut/CubeFile.h"
 #include "platform/FloatingPoint.h"
 #include "platform/Parallel.h"
@@ -22,28 +29,83 @@ void forEachColour(Body body) {
     }
 }
 
-// NaN differs from 0, too, and counts as a change.
-bool changesColours(const _AdjustColourRange& range) {
-    return range.hue != 0.0f || range.saturation != 0.0f || range.brightness != 0.0f;
-}
+// A lattice coordinate on the scale 0..1.
+constexpr std::array<float, CubeLut::edge> unitLevels = [] {
+    std::array<float, CubeLut::edge> levels{};
+    for (unsigned i = 0; i < levels.size(); ++i) levels[i] = static_cast<float>(i) / 31.0f;
+    return levels;
+}();
 
-void applyStages(float* lut, unsigned long count, const _AdjustParam& p) {
-    constexpr int stride = 3;
-    lut = lut3d_temperatureAdjustment(lut, count, stride, p.temperature);
-    lut = lut3d_tintAdjustment(lut, count, stride, p.tint);
-    lut = lut3d_exposureAdjustment(lut, count, stride, p.exposure);
-    lut = lut3d_brightnessAdjustment(lut, count, stride, p.brightness);
-    lut = lut3d_contrastAdjustment(lut, count, stride, p.contrast);
-    lut = lut3d_vibranceAdjustment(lut, count, stride, p.vibrance);
-    lut = lut3d_saturationAdjustment(lut, count, stride, p.saturation);
-    lut = lut3d_hdrHighlight(lut, count, stride, p.highlights);
-    lut = lut3d_hdrShadow(lut, count, stride, p.shadows);
-    lut = lut3d_hdrWhiteLevel(lut, count, stride, p.whites);
-    lut = lut3d_hdrBlackLevel(lut, count, stride, p.blacks);
-    for (const _AdjustColourRange& range : p.range) {
-        if (!changesColours(range)) continue;
-        lut = lut3d_doHSLAdjustFilter(lut, count, stride, range.minDegree, range.maxDegree,
-                                      range.hue, range.saturation, range.brightness);
+// All stages that a table can hold.
+class TableStages {
+public:
+    explicit TableStages(const _AdjustParam& p)
+        : temperature_(p.temperature),
+          tint_(p.tint),
+          exposure_(p.exposure),
+          brightness_(p.brightness),
+          contrast_(p.contrast),
+          vibrance_(p.vibrance),
+          saturation_(p.saturation),
+          highlights_(p.highlights),
+          shadows_(p.shadows),
+          whites_(p.whites),
+          blacks_(p.blacks),
+          ranges_(rangesOf(p.range)) {}
+
+    void change(ColourRun& run) const {
+        const ColourKernel* const global[] = {&temperature_, &tint_,     &exposure_,   &brightness_,
+                                              &contrast_,    &vibrance_, &saturation_, &highlights_,
+                                              &shadows_,     &whites_,   &blacks_};
+        for (const ColourKernel* kernel : global) changeIfActive(*kernel, run);
+        for (const ColourRangeKernel& range : ranges_) changeIfActive(range, run);
+    }
+
+private:
+    static constexpr std::size_t rangeCount = std::extent_v<decltype(_AdjustParam::range)>;
+    using Ranges = std::array<ColourRangeKernel, rangeCount>;
+
+    static Ranges rangesOf(const _AdjustColourRange (&ranges)[rangeCount]) {
+        return [&]<std::size_t... place>(std::index_sequence<place...>) {
+            return Ranges{rangeOf(ranges[place])...};
+        }
+        (std::make_index_sequence<rangeCount>());
+    }
+    static ColourRangeKernel rangeOf(const _AdjustColourRange& r) {
+        return {r.minDegree, r.maxDegree, r.hue, r.saturation, r.brightness};
+    }
+    static void changeIfActive(const ColourKernel& kernel, ColourRun& run) {
+        if (kernel.active()) kernel.change(run);
+    }
+
+    TemperatureKernel temperature_;
+    TintKernel tint_;
+    ExposureKernel exposure_;
+    BrightnessKernel brightness_;
+    ContrastKernel contrast_;
+    VibranceKernel vibrance_;
+    SaturationKernel saturation_;
+    HighlightKernel highlights_;
+    ShadowKernel shadows_;
+    WhiteLevelKernel whites_;
+    BlackLevelKernel blacks_;
+    Ranges ranges_;
+};
+
+// A row of the texture: of eight tiles the colours with one green.
+constexpr unsigned tilesPerRow = 8;
+constexpr std::size_t coloursPerRow = tilesPerRow * CubeLut::edge;
+constexpr std::size_t rowCount = CubeLut::pointCount / coloursPerRow;
+static_assert(coloursPerRow <= ColourRun::capacity);
+
+// Calls body(place, red, green, blue) for every colour of a row.
+template <class Body>
+void forEachColourOfRow(std::size_t row, Body body) {
+    const auto green = static_cast<unsigned>(row % CubeLut::edge);
+    const auto firstRed = static_cast<unsigned>(row / CubeLut::edge * tilesPerRow);
+    std::size_t place = 0;
+    for (unsigned red = firstRed; red < firstRed + tilesPerRow; ++red) {
+        for (unsigned blue = 0; blue < CubeLut::edge; ++blue) body(place++, red, green, blue);
     }
 }
 
@@ -74,63 +136,45 @@ void CubeLut::build() {
         bytePoints_[entryOf(red, green, blue)] = {truncated(colour[0]), truncated(colour[1]),
                                                   truncated(colour[2])};
     });
-    fillGrid();
-}
-
-void CubeLut::resetToIdentity() {
-    if (bytePoints_ == nullptr || grid_ == nullptr) return;
-    const auto level = [](unsigned index) { return static_cast<std::uint8_t>(index * 255 / 31); };
-    forEachColour([&](unsigned red, unsigned green, unsigned blue) {
-        const BytePoint colour{level(blue), level(green), level(red)};
-        bytePoints_[entryOf(red, green, blue)] = colour;
-        points_[placeOf(red, green, blue)] = {static_cast<float>(colour[0]),
-                                              static_cast<float>(colour[1]),
-                                              static_cast<float>(colour[2])};
-    });
-    fillGrid();
-}
-
-void CubeLut::fillGrid() {
-    std::array<float, edge> unit;
-    for (unsigned i = 0; i < edge; ++i) unit[i] = static_cast<float>(i) / 31.0f;
     forEachColour([&](unsigned red, unsigned green, unsigned blue) {
         float* const entry = grid_.get() + 3 * entryOf(red, green, blue);
-        entry[0] = unit[red];
-        entry[1] = unit[green];
-        entry[2] = unit[blue];
+        entry[0] = unitLevels[red];
+        entry[1] = unitLevels[green];
+        entry[2] = unitLevels[blue];
     });
 }
 
 float* CubeLut::bake(const _AdjustParam& parameters) {
+    if (grid_ == nullptr) return nullptr;
     const platform::DefaultFloatingPoint scope;
-    resetToIdentity();
     state_ = State::baking;
-
-    // Stages see one colour at a time, so a run of colours that fits the first-level cache goes
-    // through all of them before the next one does.
-    constexpr std::size_t run = 1024;
-    constexpr std::size_t colourPerThread = 4 * run;
-    platform::parallelBands(count_, platform::bandCount(count_, colourPerThread),
+    const TableStages stages(parameters);
+    // All stages see one row after another, which fits the first-level cache.
+    const auto bakeRow = [&](std::size_t row, ColourRun& run) {
+        run.count = coloursPerRow;
+        forEachColourOfRow(row, [&](std::size_t i, unsigned red, unsigned green, unsigned blue) {
+            run.red[i] = unitLevels[red];
+            run.green[i] = unitLevels[green];
+            run.blue[i] = unitLevels[blue];
+        });
+        stages.change(run);
+        float* entry = grid_.get() + 3 * coloursPerRow * row;
+        forEachColourOfRow(row, [&](std::size_t i, unsigned red, unsigned green, unsigned blue) {
+            *entry++ = run.red[i];
+            *entry++ = run.green[i];
+            *entry++ = run.blue[i];
+            points_[placeOf(red, green, blue)] = {run.red[i] * 255.0f, run.green[i] * 255.0f,
+                                                  run.blue[i] * 255.0f};
+        });
+    };
+    constexpr std::size_t rowsPerThread = 16;
+    platform::parallelBands(rowCount, platform::bandCount(rowCount, rowsPerThread),
                             [&](std::size_t, std::size_t begin, std::size_t end) {
-                                for (std::size_t i = begin; i < end; i += run) {
-                                    const std::size_t length = std::min(run, end - i);
-                                    applyStages(grid_.get() + 3 * i,
-                                                static_cast<unsigned long>(length), parameters);
-                                }
+                                ColourRun run;
+                                for (std::size_t row = begin; row < end; ++row) bakeRow(row, run);
                             });
-
-    copyGridToPoints();
     state_ = State::idle;
     return grid_.get();
-}
-
-void CubeLut::copyGridToPoints() {
-    if (bytePoints_ == nullptr || grid_ == nullptr) return;
-    forEachColour([&](unsigned red, unsigned green, unsigned blue) {
-        const float* const entry = grid_.get() + 3 * entryOf(red, green, blue);
-        points_[placeOf(red, green, blue)] = {entry[0] * 255.0f, entry[1] * 255.0f,
-                                              entry[2] * 255.0f};
-    });
 }
 
 bool CubeLut::write(const char* path) const {

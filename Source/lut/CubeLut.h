@@ -72,10 +72,6 @@ private:
         return (std::size_t{red} * 64 + green) * 64 + blue;
     }
 
-    void resetToIdentity();
-    void fillGrid();
-    void copyGridToPoints();
-
     unsigned dimension_ = 0;
     unsigned count_ = 0;
     State state_ = State::idle;

@@ -6,12 +6,16 @@
 #include <array>
 #include <atomic>
 #include <bit>
+#include <cmath>
 #include <cstdint>
+#include <random>
+#include <string>
 #include <thread>
 #include <vector>
 
 #include "models/Scalars.h"
 #include "support/HostPicture.h"
+#include "support/InstructionSets.h"
 
 namespace keladjust::test {
 
@@ -77,11 +81,40 @@ inline std::vector<Floats> tableEntries() {
     return entries;
 }
 
-/// Runs `stage(lut, count, stride)` on tableEntries(), for strides of 3 and 5, and compares every
+/// Entries within 0..1 that no lattice has: channels of any magnitude down to the smallest float,
+/// with neighbours of each other and the ends of the scale among them.
+inline std::vector<Floats> entriesOfEveryMagnitude() {
+    std::mt19937 random(5);
+    const auto channel = [&random](float other) {
+        const float any = static_cast<float>(random()) / 4294967296.0f;
+        switch (random() % 8) {
+            case 0:
+                return std::ldexp(any, -static_cast<int>(random() % 160));
+            case 1:
+                return std::nextafter(other, 0.0f);
+            case 2:
+                return std::nextafter(other, 1.0f);
+            case 3:
+                return other;
+            case 4:
+                return random() % 2 == 0 ? 0.0f : 1.0f;
+            default:
+                return any;
+        }
+    };
+    std::vector<Floats> entries;
+    for (int i = 0; i < 20000; ++i) {
+        const float red = channel(0.5f);
+        const float green = channel(red);
+        entries.push_back({red, green, channel(random() % 2 == 0 ? red : green)});
+    }
+    return entries;
+}
+
+/// Runs `stage(lut, count, stride)` on the entries, for strides of 3 and 5, and compares every
 /// float, to the bit, with `model(Floats) -> Floats`; the floats between entries stay as they are.
 template <class Stage, class Model>
-void expectEveryEntry(Stage stage, Model model) {
-    const std::vector<Floats> entries = tableEntries();
+void expectEntries(const std::vector<Floats>& entries, Stage stage, Model model) {
     for (const std::size_t stride : {std::size_t{3}, std::size_t{5}}) {
         constexpr float filler = 42.0f;
         std::vector<float> lut(entries.size() * stride, filler);
@@ -104,6 +137,17 @@ void expectEveryEntry(Stage stage, Model model) {
             }
         }
     }
+}
+
+/// The same for tableEntries() and, on every instruction set, entriesOfEveryMagnitude().
+template <class Stage, class Model>
+void expectEveryEntry(Stage stage, Model model) {
+    expectEntries(tableEntries(), stage, model);
+    const std::vector<Floats> entries = entriesOfEveryMagnitude();
+    forEachInstructionSet([&](const std::string& name) {
+        SCOPED_TRACE(name);
+        expectEntries(entries, stage, model);
+    });
 }
 
 }  // namespace keladjust::test

@@ -1,5 +1,6 @@
-// Pixels of a span as vectors, from the lanes of a PixelSpan or the bytes of a PackedSpan. Included
-// once for every instruction set, like the span kernels that use it; hence the guard that toggles.
+// Pixels of a span as vectors, from the lanes of a PixelSpan or the bytes of a PackedSpan, and
+// table colours of a ColourRun. Included once for every instruction set, like the span kernels that
+// use it; hence the guard that toggles.
 
 #if defined(KELADJUST_FILTERS_SPANS_SPANVECTORS_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef KELADJUST_FILTERS_SPANS_SPANVECTORS_INL_H
@@ -15,6 +16,7 @@
 
 #include "ImageFormat/PackedSpan.h"
 #include "ImageFormat/PixelSpan.h"
+#include "filters/ColourKernel.h"
 #include "filters/spans/Reciprocal.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -240,6 +242,17 @@ HWY_INLINE void storeClamped(const Channels<Ints>& c, PackedSpan& span, std::siz
 }
 
 #endif
+
+HWY_INLINE Channels<Floats> loadChannels(const ColourRun& run, std::size_t i) {
+    const FloatTag tag;
+    return {hn::Load(tag, run.red + i), hn::Load(tag, run.green + i), hn::Load(tag, run.blue + i)};
+}
+HWY_INLINE void storeChannels(const Channels<Floats>& c, ColourRun& run, std::size_t i) {
+    const FloatTag tag;
+    hn::Store(c.red, tag, run.red + i);
+    hn::Store(c.green, tag, run.green + i);
+    hn::Store(c.blue, tag, run.blue + i);
+}
 
 template <class Span>
 HWY_INLINE Channels<Floats> loadFloatChannels(const Span& span, std::size_t i) {

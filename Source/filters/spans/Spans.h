@@ -7,6 +7,7 @@
 #include "ImageFormat/PackedSpan.h"
 #include "ImageFormat/PixelSpan.h"
 #include "filters/ByteRamp.h"
+#include "filters/ColourKernel.h"
 #include "filters/ColourRanges.h"
 
 /// The inner loops of the per-pixel stages, compiled for every instruction set and chosen when they
@@ -119,10 +120,29 @@ void applyVignette(PackedSpan& span, const VignetteRow& row, const VignetteShade
 /// The hue, saturation and lightness steps of a colour range.
 void changeColourRange(PackedSpan& span, const HueBand& band, const RangeChange& change);
 
-/// The same for the entries of a colour table, `stride` floats apart; at least three, so that they
-/// do not overlap.
-void changeTableRange(float* lut, std::size_t count, std::ptrdiff_t stride, const HueBand& band,
-                      const RangeChange& change);
+/// The same of table colours, all within 0..1.
+void changeColourRange(ColourRun& run, const HueBand& band, const RangeChange& change);
+
+/// True only if all channels lie within 0..1.
+bool isWithinUnit(const ColourRun& run);
+
+/// Multiplies the channels, or adds to them, and clamps.
+void multiply(ColourRun& run, float factor);
+void offset(ColourRun& run, float amount);
+
+/// What contrast does to table colours: makes a share of their range out of all of it, unclamped,
+/// or all of it out of the part between `low` and `high`.
+void squeeze(ColourRun& run, float low, float range);
+void stretch(ColourRun& run, float low, float high, float range);
+
+/// The stages above in their look-up-table forms, of table colours. A blend takes only colours
+/// within 0..1.
+void lift(ColourRun& run, Tones tones, float amount);
+void liftTwice(ColourRun& run, float amount);
+void stretchSaturation(ColourRun& run, float amount);
+void shiftTint(ColourRun& run, float factor);
+void stretchVibrance(ColourRun& run, float amount);
+void blendKeepingLightness(ColourRun& run, const ColourBlend& colour);
 
 }  // namespace keladjust::spans
 
