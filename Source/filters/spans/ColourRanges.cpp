@@ -68,8 +68,8 @@ public:
         };
         storeClamped(mapChannels(c, toByte), span_, first_ + i);
     }
-    // What a round trip made of them: never more than a rounding outside 0..1.
-    HWY_INLINE void storeUnclamped(const Channels<Floats>& c, std::size_t i) {
+    // The same of numbers not far outside 0..1.
+    HWY_INLINE void storeTame(const Channels<Floats>& c, std::size_t i) {
         const auto toByte = [](Floats channel) HWY_ATTR {
             return truncateInRange(hn::Mul(channel, constant(255.0f)));
         };
@@ -95,7 +95,7 @@ public:
             mapChannels(c, [](Floats channel) HWY_ATTR { return clampTo(1.0f, channel); }), run_,
             i);
     }
-    HWY_INLINE void storeUnclamped(const Channels<Floats>& c, std::size_t i) { store(c, i); }
+    HWY_INLINE void storeTame(const Channels<Floats>& c, std::size_t i) { store(c, i); }
     static HWY_INLINE Floats sixthOf(Floats sixths) { return hn::Div(sixths, constant(6.0f)); }
     static HWY_INLINE Floats turnOf(Floats degrees) { return hn::Div(degrees, constant(360.0f)); }
 
@@ -122,9 +122,16 @@ HWY_INLINE void convertRun(const Colours& colours, HslRun& run) {
     }
 }
 
+// Settings with which only numbers not far outside 0..1 are mixed, by weights that are numbers.
+HWY_INLINE bool areTame(const HueBand& band, const RangeChange& change) {
+    constexpr float most = 1e6f;
+    const float low = band.minDegree();
+    return std::fabs(change.shift) < most && std::fabs(low) < most && low != 360.0f;
+}
+
 // Mixes the colours with what `changed(hsl, places)` makes of them; both sides make the round trip.
 template <class Colours, class Changed>
-HWY_INLINE void mixRun(const HslRun& run, bool passesOutside, Colours& colours, Changed changed) {
+HWY_INLINE void mixRun(const HslRun& run, bool isTame, Colours& colours, Changed changed) {
     const FloatTag tag;
     for (std::size_t i = 0; i < colours.count(); i += hn::Lanes(tag)) {
         const Hsl hsl{hn::Load(tag, run.hue + i), hn::Load(tag, run.saturation + i),
@@ -133,19 +140,22 @@ HWY_INLINE void mixRun(const HslRun& run, bool passesOutside, Colours& colours, 
         const Channels<ChannelPlace> places = placesOf(Colours::turnOf(hsl.hue));
         const Channels<Floats> unchanged = toRgb(places, hsl.saturation, hsl.lightness);
         const FloatMask outside = hn::Eq(weight, constant(0.0f));
-        if (passesOutside && hn::AllTrue(tag, outside)) {
-            colours.storeUnclamped(unchanged, i);
+        if (isTame && hn::AllTrue(tag, outside)) {
+            colours.storeTame(unchanged, i);
+            continue;
+        }
+        const Channels<Floats> mixed = mix(unchanged, changed(hsl, places), weight);
+        if (isTame) {
+            colours.storeTame(mixed, i);
         } else {
-            colours.store(mix(unchanged, changed(hsl, places), weight), i);
+            colours.store(mixed, i);
         }
     }
 }
 
 template <class Colours>
 HWY_INLINE void changeRun(Colours colours, const HueBand& band, const RangeChange& change) {
-    // Outside the band only the round trip counts, unless a mad shift makes what is mixed in with
-    // weight 0 no number.
-    const bool isFinite = std::isfinite(change.shift);
+    const bool isTame = areTame(band, change);
     HslRun run;
     convertRun(colours, run);
     for (std::size_t i = 0; i < colours.count(); i += hn::Lanes(FloatTag())) {
@@ -158,7 +168,7 @@ HWY_INLINE void changeRun(Colours colours, const HueBand& band, const RangeChang
         if (amount == 0.0f) return;
         if (!isCurrent) convertRun(colours, run);
         isCurrent = false;
-        mixRun(run, isFinite, colours, changed);
+        mixRun(run, isTame, colours, changed);
     };
     step(change.shift, [&](const Hsl& hsl, const Channels<ChannelPlace>&) HWY_ATTR {
         // No number leaves the channels as low as an endless shift does.
@@ -166,7 +176,7 @@ HWY_INLINE void changeRun(Colours colours, const HueBand& band, const RangeChang
             std::isnan(change.shift) ? std::numeric_limits<float>::infinity() : change.shift;
         const Floats turn = hn::Div(shiftHue(hsl.hue, shift), constant(360.0f));
         const Channels<Floats> c = toRgb(placesOf(turn), hsl.saturation, hsl.lightness);
-        if (isFinite) return c;
+        if (isTame) return c;
         const FloatMask grey = hn::Eq(hsl.saturation, constant(0.0f));
         return mapChannels(c, [&](Floats channel) HWY_ATTR {
             return hn::IfThenElse(grey, hsl.lightness, channel);

@@ -26,7 +26,8 @@ struct HueSaturation {
     Floats saturation;
 };
 
-// As CxImage::RGBtoHSL(), less the lightness. Numbers are small enough to be exact. Halves that the
+// As CxImage::RGBtoHSL(), less the lightness. Numbers are small enough to be exact, where steps are
+// fused as well. Halves that the
 // formula truncates keep their fraction here, because less than a whole in a dividend changes no
 // whole quotient; quotients that are not whole lie 1 / 1020 and more from the next that is, far
 // more than they are rounded by.
@@ -41,16 +42,16 @@ HWY_INLINE HueSaturation hueAndSaturation(const Channels<Floats>& c) {
 
     // (sum + 1) * 255 / 510 is above 127 from a sum of 255 on, where the difference is the smaller.
     const Floats span = hn::Min(sum, hn::Sub(constant(510.0f), sum));
-    const Floats dividend = hn::Add(hn::Mul(delta, constant(255.0f)), hn::Mul(span, half));
+    const Floats dividend = hn::MulAdd(delta, constant(255.0f), hn::Mul(span, half));
     const Floats saturation = hn::Trunc(hn::Div(dividend, span));
 
     // One reciprocal serves two quotients. It is not exact, so dividends must not be multiples of
     // the divisor: they get another quarter.
     const Floats perDelta = hn::Div(constant(1.0f), delta);
-    const Floats halfDelta = hn::Add(hn::Mul(delta, half), constant(0.25f));
+    const Floats halfDelta = hn::MulAdd(delta, half, constant(0.25f));
     const auto share = [&](Floats channel) HWY_ATTR {
         const Floats distance = hn::Sub(largest, channel);
-        return hn::Trunc(hn::Mul(hn::Add(hn::Mul(distance, constant(42.0f)), halfDelta), perDelta));
+        return hn::Trunc(hn::Mul(hn::MulAdd(distance, constant(42.0f), halfDelta), perDelta));
     };
     const Largest is{hn::Eq(c.red, largest), hn::Eq(c.green, largest)};
     const Floats ahead = share(is.pick(c.blue, c.red, c.green));
@@ -100,20 +101,50 @@ HWY_INLINE Channels<Ints> toBytes(const HueSaturation& c, Floats lightnessByte) 
     });
 }
 
-// A channel multiplied by a colour's share, as a whole number, and mixed with what it was.
-HWY_INLINE Floats blend(Floats channel, float share, float strength) {
-    const Floats product =
-        hn::Mul(hn::Mul(quotientBy<255>(channel), constant(share)), constant(255.0f));
-    const Floats mixed = hn::Add(hn::Mul(channel, constant(1.0f - strength)),
-                                 hn::Mul(hn::Trunc(product), constant(strength)));
-    return hn::Trunc(hn::Min(hn::Max(mixed, constant(0.0f)), constant(255.0f)));
+// A channel multiplied by a colour's share, as a whole number.
+HWY_INLINE Floats productOf(Floats channel, float share) {
+    const Floats shared = hn::Mul(quotientBy<255>(channel), constant(share));
+    return hn::Trunc(hn::Mul(shared, constant(255.0f)));
 }
+
+HWY_INLINE Floats mix(Floats channel, Floats product, float strength) {
+    return hn::Add(hn::Mul(channel, constant(1.0f - strength)),
+                   hn::Mul(product, constant(strength)));
+}
+
+// Channels mixed with their products, as bytes.
+struct AnyBlend {
+    HWY_INLINE Channels<Floats> operator()(const Channels<Floats>& c,
+                                           const spans::ColourBlend& colour) const {
+        const auto blend = [&](Floats channel, float share) HWY_ATTR {
+            const Floats mixed = mix(channel, productOf(channel, share), colour.strength);
+            return hn::Trunc(hn::Min(hn::Max(mixed, constant(0.0f)), constant(255.0f)));
+        };
+        return {blend(c.red, colour.red), blend(c.green, colour.green), blend(c.blue, colour.blue)};
+    }
+};
+
+// Of strengths up to 1, with which nothing leaves the bytes, and a colour full of red or of blue:
+// the product with that share is each of the 256 channels itself.
+template <bool fullOfRed>
+struct TameBlend {
+    HWY_INLINE Channels<Floats> operator()(const Channels<Floats>& c,
+                                           const spans::ColourBlend& colour) const {
+        const auto blend = [&](Floats channel, Floats product) HWY_ATTR {
+            return hn::Trunc(mix(channel, product, colour.strength));
+        };
+        return {blend(c.red, fullOfRed ? c.red : productOf(c.red, colour.red)),
+                blend(c.green, productOf(c.green, colour.green)),
+                blend(c.blue, fullOfRed ? productOf(c.blue, colour.blue) : c.blue)};
+    }
+};
 
 HWY_INLINE Floats lightnessOf(const Channels<Floats>& c) {
     return hn::Trunc(hn::Mul(hn::Add(largestOf(c), smallestOf(c)), constant(0.5f)));
 }
 
-void blendKeepingLightness(PackedSpan& span, const spans::ColourBlend& colour) {
+template <class Blend>
+HWY_INLINE void blendSpan(PackedSpan& span, const spans::ColourBlend& colour, Blend blend) {
     alignas(64) float hues[runLength];
     alignas(64) float saturations[runLength];
     alignas(64) float lightnesses[runLength];
@@ -121,10 +152,7 @@ void blendKeepingLightness(PackedSpan& span, const spans::ColourBlend& colour) {
     for (std::size_t first = 0; first < span.count; first += runLength) {
         forEachVectorOfRun(span, first, [&](std::size_t i) HWY_ATTR {
             const Channels<Floats> c = loadFloatChannels(span, i);
-            const HueSaturation blended =
-                hueAndSaturation({blend(c.red, colour.red, colour.strength),
-                                  blend(c.green, colour.green, colour.strength),
-                                  blend(c.blue, colour.blue, colour.strength)});
+            const HueSaturation blended = hueAndSaturation(blend(c, colour));
             hn::Store(blended.hue, tag, hues + (i - first));
             hn::Store(blended.saturation, tag, saturations + (i - first));
             hn::Store(lightnessOf(c), tag, lightnesses + (i - first));
@@ -134,6 +162,16 @@ void blendKeepingLightness(PackedSpan& span, const spans::ColourBlend& colour) {
                                   hn::Load(tag, saturations + (i - first))};
             storeClamped(toBytes(c, hn::Load(tag, lightnesses + (i - first))), span, i);
         });
+    }
+}
+
+void blendKeepingLightness(PackedSpan& span, const spans::ColourBlend& colour) {
+    if (colour.strength <= 1.0f && colour.red == 1.0f) {
+        blendSpan(span, colour, TameBlend<true>());
+    } else if (colour.strength <= 1.0f && colour.blue == 1.0f) {
+        blendSpan(span, colour, TameBlend<false>());
+    } else {
+        blendSpan(span, colour, AnyBlend());
     }
 }
 
