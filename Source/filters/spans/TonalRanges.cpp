@@ -66,15 +66,43 @@ HWY_INLINE void clampLifted(PackedSpan& span, spans::Tones tones, float amount, 
              [&](Floats channel, Floats k) HWY_ATTR { return lift.whole(lift(channel, k)); });
 }
 
+// Pixels between the first time and the second.
+struct LiftedRun {
+    alignas(64) float red[runLength];
+    alignas(64) float green[runLength];
+    alignas(64) float blue[runLength];
+    alignas(64) float k[runLength];
+};
+
 template <class Lift>
 HWY_INLINE void clampLiftedTwice(PackedSpan& span, float amount, Lift lift) {
     // Where it brightens; coefficients have the sign of the amount, or are zero, with which a
     // second time changes no whole number.
-    const bool brightens = amount > 0.0f;
-    liftSpan(span, spans::Tones::bright, amount, [&](Floats channel, Floats k) HWY_ATTR {
-        const Floats once = lift(channel, k);
-        return lift.whole(brightens ? lift(once, k) : once);
-    });
+    if (!(amount > 0.0f)) {
+        clampLifted(span, spans::Tones::bright, amount, lift);
+        return;
+    }
+    const FloatTag tag;
+    LiftedRun run;
+    for (std::size_t first = 0; first < span.count; first += runLength) {
+        forEachVectorOfRun(span, first, [&](std::size_t i) HWY_ATTR {
+            const Channels<Floats> c = loadFloatChannels(span, i);
+            const Floats k = coefficient(spans::Tones::bright, c, amount);
+            hn::Store(lift(c.red, k), tag, run.red + (i - first));
+            hn::Store(lift(c.green, k), tag, run.green + (i - first));
+            hn::Store(lift(c.blue, k), tag, run.blue + (i - first));
+            hn::Store(k, tag, run.k + (i - first));
+        });
+        forEachVectorOfRun(span, first, [&](std::size_t i) HWY_ATTR {
+            const Channels<Floats> once{hn::Load(tag, run.red + (i - first)),
+                                        hn::Load(tag, run.green + (i - first)),
+                                        hn::Load(tag, run.blue + (i - first))};
+            const Floats k = hn::Load(tag, run.k + (i - first));
+            const auto again = [&](Floats channel)
+                                   HWY_ATTR { return lift.whole(lift(channel, k)); };
+            storeClamped(mapChannels(once, again), span, i);
+        });
+    }
 }
 
 void liftWrapping(PackedSpan& span, spans::Tones tones, float amount) {
