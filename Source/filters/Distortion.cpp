@@ -55,7 +55,7 @@ void distortInside(const CxImage& image, const RawWalk& walk, const rows::Lens& 
         width / 2 + 1, [&](std::size_t x) { return static_cast<float>(x) / lens.unitX; });
     const OriginalRows rows{walk.first, rowBytes, width + walk.step - 1, image.height};
     const auto reach = [&](std::size_t begin, std::size_t end) {
-        return lensReach(lens, 1.0f, 1.0f, image.height, begin, end);
+        return lensReach(lens, 1.0f, 1.0f, static_cast<float>(image.height - 1), begin, end);
     };
     changeLensRows(rows, width, reach, [&](std::size_t y, const RowWindow& window) {
         const rows::RowRing ring = window.ring(rows.bytes);

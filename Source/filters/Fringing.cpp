@@ -62,19 +62,6 @@ const std::uint8_t* pixelAt(const std::uint8_t* originals, std::uint32_t number)
 }
 
 // Byte by byte of a pixel.
-void fetchFourBytes(const std::uint8_t* originals, const std::uint32_t* firsts,
-                    const std::uint32_t* seconds, const std::uint32_t* thirds, std::size_t count,
-                    std::uint8_t* pixels) {
-    for (std::size_t i = 0; i < count; ++i) {
-        std::uint32_t word;
-        std::memcpy(&word, pixelAt<4>(originals, seconds[i]), sizeof word);
-        const std::uint32_t first = pixelAt<4>(originals, firsts[i])[0];
-        const std::uint32_t third = pixelAt<4>(originals, thirds[i])[2];
-        word = (word & 0xFF00FF00) | third << 16 | first;
-        std::memcpy(pixels + 4 * i, &word, sizeof word);
-    }
-}
-
 void fetchThreeBytes(const std::uint8_t* originals, const std::uint32_t* firsts,
                      const std::uint32_t* seconds, const std::uint32_t* thirds, std::size_t count,
                      std::uint8_t* pixels) {
@@ -122,9 +109,9 @@ void fetchPixels(const std::uint8_t* originals, PixelLayout layout, const Source
         case PixelLayout::bgr24:
             return fetchThreeBytes(originals, blue, green, red, count, pixels);
         case PixelLayout::rgba32:
-            return fetchFourBytes(originals, red, green, blue, count, pixels);
+            return rows::fetchFringed(originals, red, green, blue, count, pixels);
         case PixelLayout::bgra32:
-            return fetchFourBytes(originals, blue, green, red, count, pixels);
+            return rows::fetchFringed(originals, blue, green, red, count, pixels);
         case PixelLayout::rgb16:
         case PixelLayout::bgr16:
             return fetchWords(originals, layout, sources, count, pixels);
@@ -143,10 +130,11 @@ void correctInside(CxImage& image, PixelLayout layout, const rows::Fringing& fri
     const auto reach = [&](std::size_t begin, std::size_t end) {
         const auto [smallest, largest] =
             std::minmax({1.0f, fringing.redFactor, fringing.blueFactor});
-        return lensReach(lens, smallest, largest, image.height, begin, end);
+        return lensReach(lens, smallest, largest, fringing.lastY, begin, end);
     };
     changeLensRows(rows, width, reach, [&](std::size_t y, const RowWindow& window) {
-        const rows::RowRing ring = window.ring(width);
+        rows::RowRing ring = window.ring(width);
+        ring.bottom = std::clamp(static_cast<std::int32_t>(fringing.lastY), ring.top, ring.bottom);
         const float rowDistance = (static_cast<float>(y) - lens.centreY) / lens.unitY;
         std::uint8_t* const pixels = image.pBits + y * image.effWidth;
         rows::FringingRun run;

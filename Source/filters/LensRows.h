@@ -35,15 +35,14 @@ inline double lensRatio(const rows::Lens& lens, double length) {
     return (raised + 1.0) * lens.scale;
 }
 
-/// How far the rows begin..end-1 of a picture fetch, when a lens' rays are drawn by factors from
-/// `smallest` to `largest`. Along a row the ratio grows or falls all the way out, so that sources
-/// lie between those of the nearest and the farthest column; single precision, which the formula
-/// is computed in, misses them by less than a row.
-inline RowReach lensReach(const rows::Lens& lens, float smallest, float largest, std::size_t height,
+/// How far the rows begin..end-1 fetch from those up to `last`, when a lens' rays are drawn by
+/// factors from `smallest` to `largest`. Along a row the ratio grows or falls all the way out, so
+/// that sources lie between those of the nearest and the farthest column; single precision, which
+/// the formula is computed in, misses them by less than a row.
+inline RowReach lensReach(const rows::Lens& lens, float smallest, float largest, float last,
                           std::size_t begin, std::size_t end) {
     RowReach reach;
     const double farthestX = lens.centreX / lens.unitX;
-    const auto last = static_cast<double>(height - 1);
     for (std::size_t row = begin; row < end; ++row) {
         const auto y = static_cast<double>(row);
         const double fromCentre = y - lens.centreY;
@@ -52,12 +51,12 @@ inline RowReach lensReach(const rows::Lens& lens, float smallest, float largest,
                                  lensRatio(lens, std::sqrt(near * near + farthestX * farthestX))};
         for (const double ratio : ratios) {
             for (const double factor : {smallest, largest}) {
-                const double source = lens.centreY + fromCentre * ratio * factor;
-                const double up = y - std::floor(source) + 1.0;
-                const double down = std::floor(source) + 1.0 - y;
-                reach.up = std::max(reach.up, static_cast<std::size_t>(std::clamp(up, 0.0, y)));
-                reach.down =
-                    std::max(reach.down, static_cast<std::size_t>(std::clamp(down, 0.0, last - y)));
+                const double place = lens.centreY + fromCentre * ratio * factor;
+                const double source = std::floor(std::clamp<double>(place, 0.0, last));
+                const double up = std::max(0.0, y - source + 1.0);
+                const double down = std::max(0.0, source + 1.0 - y);
+                reach.up = std::max(reach.up, static_cast<std::size_t>(up));
+                reach.down = std::max(reach.down, static_cast<std::size_t>(down));
             }
         }
     }

@@ -147,6 +147,19 @@ TEST(Fringing, CutsCoordinatesOfHugePicturesTo16Bits) {
     EXPECT_EQ(picture.bytes(), expected.bytes());
 }
 
+// The last rows of a tall picture all fetch from below themselves, but for the very last, which stops
+// at the margin above it; of many bands the last one holds no other rows.
+TEST(Fringing, StaysInsideTheBottomEdgeInTheLastOfManyBands) {
+    setMaxThreads(64);
+    HostPicture picture(64, 32000, 8, IMAGE_FORMAT_GRAY);
+    picture.fillRandom(5);
+    HostPicture expected(picture);
+    fringingFilter(picture.image(), 20.0f);
+    fringingModel(*expected.image(), 20.0f);
+    EXPECT_TRUE(picture.bytes() == expected.bytes());
+    setMaxThreads(0);
+}
+
 // A band of rows fetches from those of others, which change meanwhile; few rows are within reach of
 // a weak setting, and nearly all of a strong one.
 TEST(LensCorrection, FetchesFromOtherBandsAsTheyWere) {

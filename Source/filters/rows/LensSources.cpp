@@ -124,6 +124,8 @@ void pixelsOfRow(const rows::Fringing& fringing, const rows::ColumnDistances& co
     }
 }
 
+using OffsetTag = hn::RebindToUnsigned<IntTag>;
+
 /// Where the rows of a ring begin. What it does not hold, which nobody asks it for, is taken for
 /// the row next to it, so that no offset can ever lead out of it.
 class RowBegins {
@@ -137,9 +139,10 @@ public:
 
     HWY_INLINE Ints of(Ints row) const {
         const Ints held = hn::Min(hn::Max(row, top_), bottom_);
-        const Ints slot = hn::Sub(held, first_);
-        const Ints turned = hn::IfThenElseZero(hn::Lt(slot, count_), count_);
-        return hn::Mul(hn::Add(hn::Sub(slot, count_), turned), stride_);
+        const auto slot = hn::BitCast(OffsetTag(), hn::Sub(held, first_));
+        // Without a turn to take back the difference wraps.
+        const auto turned = hn::Min(slot, hn::Sub(slot, hn::BitCast(OffsetTag(), count_)));
+        return hn::Mul(hn::BitCast(IntTag(), turned), stride_);
     }
 
 private:
@@ -149,8 +152,6 @@ private:
     Ints top_;
     Ints bottom_;
 };
-
-using OffsetTag = hn::RebindToUnsigned<IntTag>;
 
 HWY_INLINE void storeRight(Ints offsets, std::size_t i, rows::MirroredRun& run) {
     hn::StoreU(hn::BitCast(OffsetTag(), offsets), OffsetTag(), run.right + i);
@@ -215,9 +216,8 @@ void fringedRun(const rows::Fringing& fringing, const float* distances, std::siz
     const Floats centreX = constant(lens.centreX);
     const Floats centreY = constant(lens.centreY);
     const Floats lastX = constant(fringing.lastX);
-    const Floats lastY = constant(fringing.lastY);
-    const auto clamped = [](Floats place, Floats last) HWY_ATTR {
-        return truncateInRange(hn::Min(hn::Max(place, hn::Zero(FloatTag())), last));
+    const auto column = [&](Floats x) HWY_ATTR {
+        return truncateInRange(hn::Min(hn::Max(x, hn::Zero(FloatTag())), lastX));
     };
     const auto fetch = [&](float factor, rows::MirroredRun& channel) HWY_ATTR {
         for (std::size_t i = 0; i < count; i += hn::Lanes(tag)) {
@@ -228,14 +228,56 @@ void fringedRun(const rows::Fringing& fringing, const float* distances, std::siz
             };
             const Floats aside = offset(directionsX, lens.unitX);
             const Floats y = hn::Add(offset(directionsY, lens.unitY), centreY);
-            const Ints begin = begins.of(clamped(y, lastY));
-            storeRight(hn::Add(begin, clamped(hn::Add(centreX, aside), lastX)), i, channel);
-            storeLeft(hn::Add(begin, clamped(hn::Sub(centreX, aside), lastX)), i, channel);
+            const Ints begin = begins.of(truncateInRange(y));
+            storeRight(hn::Add(begin, column(hn::Add(centreX, aside))), i, channel);
+            storeLeft(hn::Add(begin, column(hn::Sub(centreX, aside))), i, channel);
         }
     };
     fetch(fringing.blueFactor, run.blue);
     fetch(1.0f, run.green);
     fetch(fringing.redFactor, run.red);
+}
+
+// Sources of neighbours are neighbours, too, but for a few: those come as vectors.
+void fetchFringed(const std::uint8_t* originals, const std::uint32_t* firsts,
+                  const std::uint32_t* seconds, const std::uint32_t* thirds, std::size_t count,
+                  std::uint8_t* pixels) {
+    const auto fetchOne = [&](std::size_t at) HWY_ATTR {
+        std::uint32_t word;
+        std::memcpy(&word, originals + std::size_t{4} * seconds[at], sizeof word);
+        const std::uint32_t first = originals[std::size_t{4} * firsts[at]];
+        const std::uint32_t third = originals[std::size_t{4} * thirds[at] + 2];
+        word = (word & 0xFF00FF00) | third << 16 | first;
+        std::memcpy(pixels + 4 * at, &word, sizeof word);
+    };
+    std::size_t i = 0;
+#if HWY_TARGET != HWY_SCALAR
+    const OffsetTag tag;
+    const hn::Repartition<std::uint8_t, OffsetTag> bytes;
+    const std::size_t vector = hn::Lanes(tag);
+    const auto steps = hn::Iota(tag, 0);
+    const auto firstByte = hn::Set(tag, 0xFFu);
+    const auto thirdByte = hn::Set(tag, 0xFF0000u);
+    for (; i + vector <= count; i += vector) {
+        const auto strays = [&](const std::uint32_t* numbers) HWY_ATTR {
+            const auto expected = hn::Add(hn::Set(tag, numbers[i]), steps);
+            return hn::Xor(hn::LoadU(tag, numbers + i), expected);
+        };
+        const auto from = [&](const std::uint32_t* numbers) HWY_ATTR {
+            return hn::BitCast(tag, hn::LoadU(bytes, originals + std::size_t{4} * numbers[i]));
+        };
+        const auto anyStrays = hn::Or(hn::Or(strays(firsts), strays(seconds)), strays(thirds));
+        if (hn::AllTrue(tag, hn::Eq(anyStrays, hn::Zero(tag)))) {
+            const auto kept = hn::AndNot(hn::Or(firstByte, thirdByte), from(seconds));
+            const auto taken =
+                hn::Or(hn::And(from(firsts), firstByte), hn::And(from(thirds), thirdByte));
+            hn::StoreU(hn::BitCast(bytes, hn::Or(kept, taken)), bytes, pixels + 4 * i);
+        } else {
+            for (std::size_t k = 0; k < vector; ++k) fetchOne(i + k);
+        }
+    }
+#endif
+    for (; i < count; ++i) fetchOne(i);
 }
 
 }  // namespace HWY_NAMESPACE
@@ -249,6 +291,7 @@ HWY_EXPORT(placesOfRow);
 HWY_EXPORT(pixelsOfRow);
 HWY_EXPORT(distortedRun);
 HWY_EXPORT(fringedRun);
+HWY_EXPORT(fetchFringed);
 
 void rows::placesOfRow(const Lens& lens, const ColumnDistances& columns, float rowDistance,
                        Place* places) {
@@ -266,6 +309,11 @@ void rows::distortedRun(const Lens& lens, const float* distances, std::size_t co
 void rows::fringedRun(const Fringing& fringing, const float* distances, std::size_t count,
                       float rowDistance, const RowRing& ring, FringingRun& run) {
     HWY_DYNAMIC_DISPATCH(fringedRun)(fringing, distances, count, rowDistance, ring, run);
+}
+void rows::fetchFringed(const std::uint8_t* originals, const std::uint32_t* firsts,
+                        const std::uint32_t* seconds, const std::uint32_t* thirds,
+                        std::size_t count, std::uint8_t* pixels) {
+    HWY_DYNAMIC_DISPATCH(fetchFringed)(originals, firsts, seconds, thirds, count, pixels);
 }
 
 }  // namespace keladjust

@@ -110,9 +110,15 @@ struct FringingRun {
     MirroredRun blue;
 };
 
-/// For last places of at least 0.
+/// For a last column of at least 0, and a ring whose rows go no further down than the last one.
 void fringedRun(const Fringing& fringing, const float* distances, std::size_t count,
                 float rowDistance, const RowRing& ring, FringingRun& run);
+
+/// Pixels of four bytes of which the first, the second and fourth, and the third come from
+/// `originals` of the given numbers.
+void fetchFringed(const std::uint8_t* originals, const std::uint32_t* firsts,
+                  const std::uint32_t* seconds, const std::uint32_t* thirds, std::size_t count,
+                  std::uint8_t* pixels);
 
 }  // namespace keladjust::rows
 
