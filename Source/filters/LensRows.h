@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <numeric>
 #include <utility>
 #include <vector>
 
@@ -69,15 +68,17 @@ inline RowReach lensReach(const rows::Lens& lens, float smallest, float largest,
 template <class ReachOf, class Change>
 void changeLensRows(const OriginalRows& rows, std::size_t width, ReachOf reachOf, Change change) {
     const std::size_t bands = lensBands(width, rows.height);
-    std::vector<RowReach> reaches(bands);
-    std::vector<std::size_t> sizes(bands);
+    const std::size_t share = rows.height * rows.stride / bands;
+    std::vector<std::unique_ptr<RowWindow>> windows(bands);
     platform::parallelBands(
         rows.height, bands, [&](std::size_t band, std::size_t begin, std::size_t end) {
-            reaches[band] = reachOf(begin, end);
-            sizes[band] = RowWindow::rowsFor(rows.height, reaches[band], begin, end);
+            const RowReach reach = reachOf(begin, end);
+            if (RowWindow::rowsFor(rows.height, reach, begin, end) * rows.bytes <= share) {
+                windows[band] = std::make_unique<RowWindow>(rows, reach, begin, end);
+            }
         });
-    if (std::accumulate(sizes.begin(), sizes.end(), std::size_t{0}) * rows.bytes >
-        rows.height * rows.stride) {
+    if (std::find(windows.begin(), windows.end(), nullptr) != windows.end()) {
+        windows.clear();
         RowWindow all(rows, {rows.height, rows.height}, 0, rows.height);
         all.moveTo(0);
         platform::parallelBands(rows.height, bands,
@@ -86,11 +87,6 @@ void changeLensRows(const OriginalRows& rows, std::size_t width, ReachOf reachOf
                                 });
         return;
     }
-    std::vector<std::unique_ptr<RowWindow>> windows(bands);
-    platform::parallelBands(
-        rows.height, bands, [&](std::size_t band, std::size_t begin, std::size_t end) {
-            windows[band] = std::make_unique<RowWindow>(rows, reaches[band], begin, end);
-        });
     platform::parallelBands(rows.height, bands,
                             [&](std::size_t band, std::size_t begin, std::size_t end) {
                                 RowWindow& window = *windows[band];

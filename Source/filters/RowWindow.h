@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "filters/rows/LensSources.h"
+#include "platform/LargePages.h"
 
 namespace keladjust {
 
@@ -41,7 +42,7 @@ public:
           filled_(begin_),
           capacity_(capacityFor(rows.height, reach, begin, end)),
           ringFirst_(begin_),
-          ring_(std::make_unique_for_overwrite<std::uint8_t[]>(capacity_ * rows.bytes)) {
+          ring_(platform::makeLargeArray<std::uint8_t>(capacity_ * rows.bytes)) {
         const std::size_t behind = std::min(end + reach.down, rows.height);
         neighbours_ = std::make_unique_for_overwrite<std::uint8_t[]>((behind - end) * rows.bytes);
         for (std::size_t y = end; y < behind; ++y) copy(y, neighbours_.get(), y - end);
