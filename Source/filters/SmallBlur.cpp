@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "filters/rows/Rows.h"
 
@@ -21,7 +22,7 @@ SmallBlur::SmallBlur(const ByteRows& rows, std::size_t pixelBytes, std::optional
       bands_(rows, 1, bytesPerThread / rows.bytes + 1),
       spaces_(bands_.count()) {
     for (Workspace& space : spaces_) {
-        space.row.resize(rows.bytes + 2 * pixelBytes);
+        space.row.resize(rows.bytes);
         for (auto& blurred : space.blurred) blurred.resize(rows.bytes);
     }
 }
@@ -30,31 +31,31 @@ void SmallBlur::run() {
     bands_.run([this](const InPlaceBands::Band& band) { blurBand(band, spaces_[band.index()]); });
 }
 
-void SmallBlur::blurAlong(const std::uint8_t* row, Workspace& space, std::uint8_t* blurred) const {
-    std::uint8_t* const first = space.row.data() + pixelBytes_;
+void SmallBlur::blurRow(const std::uint8_t* row, Workspace& space, BlurredRows& blurred,
+                        std::uint8_t* target) const {
+    const std::uint8_t* source = row;
     if (gain_) {
-        rows::complementScaled(row, rows_.bytes, pixelBytes_, *gain_, first);
-    } else {
-        rows::complement(row, rows_.bytes, first);
+        rows::complementScaled(row, rows_.bytes, pixelBytes_, *gain_, space.row.data());
+        source = space.row.data();
+    } else if (target != nullptr && row == target) {
+        // The last one, which goes on below.
+        std::memcpy(space.row.data(), row, rows_.bytes);
+        source = space.row.data();
     }
-    std::memcpy(first - pixelBytes_, first, pixelBytes_);
-    std::memcpy(first + rows_.bytes, first + rows_.bytes - pixelBytes_, pixelBytes_);
-    rows::smallBlurAlong(first, rows_.bytes, pixelBytes_, blurred);
+    rows::smallBlurRow({source, !gain_, blurred.above, blurred.middle, blurred.below, target},
+                       rows_.bytes, pixelBytes_);
+    // The row below becomes the middle one, and the one above makes room.
+    std::swap(blurred.above, blurred.middle);
+    std::swap(blurred.middle, blurred.below);
 }
 
 void SmallBlur::blurBand(const InPlaceBands::Band& band, Workspace& space) const {
     const std::size_t bottom = rows_.height - 1;
-    std::uint8_t* above = space.blurred[0].data();
-    std::uint8_t* middle = space.blurred[1].data();
-    std::uint8_t* below = space.blurred[2].data();
-    blurAlong(band.row(band.begin() > 0 ? band.begin() - 1 : 0), space, above);
-    blurAlong(band.row(band.begin()), space, middle);
+    BlurredRows blurred{space.blurred[0].data(), space.blurred[1].data(), space.blurred[2].data()};
+    blurRow(band.row(band.begin() > 0 ? band.begin() - 1 : 0), space, blurred, nullptr);
+    blurRow(band.row(band.begin()), space, blurred, nullptr);
     for (std::size_t y = band.begin(); y < band.end(); ++y) {
-        blurAlong(band.row(std::min(y + 1, bottom)), space, below);
-        rows::smallBlurAcross(above, middle, below, rows_.bytes, pixelBytes_, rows_[y]);
-        // The row below becomes the middle one, and the one above makes room.
-        std::swap(above, middle);
-        std::swap(middle, below);
+        blurRow(band.row(std::min(y + 1, bottom)), space, blurred, rows_[y]);
     }
 }
 

@@ -25,13 +25,20 @@ public:
     void run();
 
 private:
-    /// Storage of one thread: a row with its end pixels repeated, and three rows blurred along.
+    /// Storage of one thread: a row that does not come from the picture, and three rows blurred
+    /// along.
     struct Workspace {
         std::vector<std::uint8_t> row;
         std::vector<std::uint8_t> blurred[3];
     };
+    struct BlurredRows {
+        std::uint8_t* above;
+        std::uint8_t* middle;
+        std::uint8_t* below;
+    };
 
-    void blurAlong(const std::uint8_t* row, Workspace& space, std::uint8_t* blurred) const;
+    void blurRow(const std::uint8_t* row, Workspace& space, BlurredRows& blurred,
+                 std::uint8_t* target) const;
     void blurBand(const InPlaceBands::Band& band, Workspace& space) const;
 
     ByteRows rows_;
