@@ -143,24 +143,40 @@ HWY_INLINE Floats lightnessOf(const Channels<Floats>& c) {
     return hn::Trunc(hn::Mul(hn::Add(largestOf(c), smallestOf(c)), constant(0.5f)));
 }
 
+// A run of pixels between the rounds.
+struct BlendedRun {
+    alignas(64) float red[runLength];
+    alignas(64) float green[runLength];
+    alignas(64) float blue[runLength];
+    alignas(64) float hue[runLength];
+    alignas(64) float saturation[runLength];
+    alignas(64) float lightness[runLength];  ///< before the blend
+};
+
 template <class Blend>
 HWY_INLINE void blendSpan(PackedSpan& span, const spans::ColourBlend& colour, Blend blend) {
-    alignas(64) float hues[runLength];
-    alignas(64) float saturations[runLength];
-    alignas(64) float lightnesses[runLength];
     const FloatTag tag;
+    BlendedRun run;
     for (std::size_t first = 0; first < span.count; first += runLength) {
         forEachVectorOfRun(span, first, [&](std::size_t i) HWY_ATTR {
             const Channels<Floats> c = loadFloatChannels(span, i);
-            const HueSaturation blended = hueAndSaturation(blend(c, colour));
-            hn::Store(blended.hue, tag, hues + (i - first));
-            hn::Store(blended.saturation, tag, saturations + (i - first));
-            hn::Store(lightnessOf(c), tag, lightnesses + (i - first));
+            const Channels<Floats> blended = blend(c, colour);
+            hn::Store(blended.red, tag, run.red + (i - first));
+            hn::Store(blended.green, tag, run.green + (i - first));
+            hn::Store(blended.blue, tag, run.blue + (i - first));
+            hn::Store(lightnessOf(c), tag, run.lightness + (i - first));
         });
         forEachVectorOfRun(span, first, [&](std::size_t i) HWY_ATTR {
-            const HueSaturation c{hn::Load(tag, hues + (i - first)),
-                                  hn::Load(tag, saturations + (i - first))};
-            storeClamped(toBytes(c, hn::Load(tag, lightnesses + (i - first))), span, i);
+            const HueSaturation c = hueAndSaturation({hn::Load(tag, run.red + (i - first)),
+                                                      hn::Load(tag, run.green + (i - first)),
+                                                      hn::Load(tag, run.blue + (i - first))});
+            hn::Store(c.hue, tag, run.hue + (i - first));
+            hn::Store(c.saturation, tag, run.saturation + (i - first));
+        });
+        forEachVectorOfRun(span, first, [&](std::size_t i) HWY_ATTR {
+            const HueSaturation c{hn::Load(tag, run.hue + (i - first)),
+                                  hn::Load(tag, run.saturation + (i - first))};
+            storeClamped(toBytes(c, hn::Load(tag, run.lightness + (i - first))), span, i);
         });
     }
 }
