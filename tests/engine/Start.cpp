@@ -29,6 +29,7 @@
 #include "host/LibraryState.h"
 #include "support/Holdings.h"
 #include "support/HostPicture.h"
+#include "support/StageSettings.h"
 
 namespace {
 
@@ -39,18 +40,13 @@ using keladjust::test::Holdings;
 using keladjust::test::HookEffect;
 using keladjust::test::HookFactory;
 using keladjust::test::HostPicture;
+using keladjust::test::identity;
 using keladjust::test::LogCapture;
 
 constexpr const char* config = KELADJUST_ENGINE_CONFIG;
 
-_AdjustParam identity() {
-    _AdjustParam p{};
-    p.temperature = 11500;
-    return p;
-}
-
 _AdjustParam someSettings() {
-    _AdjustParam p = identity();
+    _AdjustParam p = identity;
     p.exposure = 30;
     p.saturation = 20;
     p.range[KELADJUST_RANGE_RED] = {330, 30, 10, 20, -10};
@@ -90,12 +86,12 @@ protected:
     static void expectWholeLibrary() {
         HostPicture picture(61, 47, 32, IMAGE_FORMAT_BGRA);
         const auto original = picture.fillRandom(1).bytes();
-        EXPECT_EQ(doAdjust(picture.image(), identity()), picture.image());
+        EXPECT_EQ(doAdjust(picture.image(), identity), picture.image());
         EXPECT_EQ(picture.bytes(), original);
         EXPECT_EQ(doAdjust(picture.image(), someSettings()), picture.image());
         EXPECT_NE(picture.bytes(), original);
         EXPECT_TRUE(picture.guardsIntact());
-        EXPECT_NE(getLut3dData(identity()), nullptr);
+        EXPECT_NE(getLut3dData(identity), nullptr);
         releaseOgre();
         EXPECT_EQ(doAdjust(picture.image(), someSettings()), picture.image());
     }
@@ -332,7 +328,7 @@ TEST_F(Start, FallsBackToTheCpuOnceTheWindowIsClosed) {
         hook->onProcess = [thread](auto...) { thread->engine()->renderWindow()->destroy(); };
         EXPECT_EQ(thread->render(hook, nullptr, nullptr, 4, nullptr, 20), 1);
     }
-    _AdjustParam settings = identity();
+    _AdjustParam settings = identity;
     settings.exposure = 30;
     doAdjust(picture.image(), settings);
     EXPECT_EQ(picture.bytes(), original);

@@ -1,17 +1,14 @@
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <vector>
 
 #include "models/BrightnessContrast.h"
 #include "support/ColourSweep.h"
+#include "support/OddNumbers.h"
 
 namespace {
 
 using namespace keladjust::test;
-
-constexpr float infinity = std::numeric_limits<float>::infinity();
-constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 
 // What a stage that treats all three channels alike makes of every byte.
 std::vector<int> curveOf(CxImage* (*stage)(CxImage*, float), float setting) {
@@ -28,7 +25,7 @@ std::vector<int> curveOf(CxImage* (*stage)(CxImage*, float), float setting) {
 
 TEST(Brightness, FollowsItsCurveForEveryByte) {
     for (const float b : {50.0f, 100.0f, 0.5f, -0.001f, -1.0f, -50.0f, -100.0f, -250.0f, -251.0f,
-                          -300.0f, 1e30f, -1e30f, infinity, -infinity, nan}) {
+                          -300.0f, 1e30f, -1e30f, infinity, -infinity, quietNan}) {
         const std::vector<int> curve = curveOf(brightnessAdjustment, b);
         for (int c = 0; c < 256; ++c) {
             EXPECT_EQ(curve[static_cast<std::size_t>(c)], brightnessModel(b, c))
@@ -38,7 +35,7 @@ TEST(Brightness, FollowsItsCurveForEveryByte) {
 }
 
 TEST(Brightness, FollowsItsCurveInTables) {
-    for (const float b : {50.0f, -0.001f, -50.0f, -100.0f, -251.0f, nan}) {
+    for (const float b : {50.0f, -0.001f, -50.0f, -100.0f, -251.0f, quietNan}) {
         const float value = b > 0 ? b / 100.0f + 1.0f : (1.0f - 1.0f / (b / 253.0f + 0.99f)) * 0.6f;
         expectEveryEntry(
             [&](float* lut, unsigned long count, int stride) {
@@ -113,7 +110,7 @@ TEST(Contrast, FollowsItsWindowForEveryByte) {
     for (const float setting :
          {1.0f,     5.0f,   50.0f,  85.0f,    100.0f,    170.0f,  183.0f,  184.0f,
           254.9f,   255.0f, 256.0f, 300.0f,   -1.0f,     -100.0f, -640.0f, -650.0f,
-          -1000.0f, 1e30f,  -1e30f, infinity, -infinity, nan}) {
+          -1000.0f, 1e30f,  -1e30f, infinity, -infinity, quietNan}) {
         const std::vector<int> curve = curveOf(contrastAdjustment, setting);
         for (int c = 0; c < 256; ++c) {
             EXPECT_EQ(curve[static_cast<std::size_t>(c)], contrastModel(setting, c))

@@ -2,20 +2,17 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "filters/ColourRanges.h"
 #include "models/ColourRanges.h"
 #include "support/ColourSweep.h"
+#include "support/OddNumbers.h"
 
 namespace {
 
 using namespace keladjust::test;
 
 using keladjust::HueBand;
-
-constexpr float nan = std::numeric_limits<float>::quiet_NaN();
-constexpr float infinity = std::numeric_limits<float>::infinity();
 
 class ColourRange : public testing::TestWithParam<Range> {};
 
@@ -65,8 +62,8 @@ TEST(HueBand, WrapsThroughZero) {
 }
 
 TEST(HueBand, WithoutBoundsWeighsNothing) {
-    EXPECT_EQ(HueBand(nan, 100.0f).weight(50.0f), 0.0f);
-    EXPECT_EQ(HueBand(0.0f, nan).weight(50.0f), 0.0f);
+    EXPECT_EQ(HueBand(quietNan, 100.0f).weight(50.0f), 0.0f);
+    EXPECT_EQ(HueBand(0.0f, quietNan).weight(50.0f), 0.0f);
 }
 
 TEST(ColourRanges, LeaveGreysAloneButForBrightnessAtBlue) {
@@ -147,7 +144,7 @@ TEST(ColourRanges, AtZeroChangeNothingWhateverTheirBounds) {
     HostPicture picture(61, 7, 32, IMAGE_FORMAT_BGRA);
     const auto before = picture.fillRandom(1).bytes();
     EXPECT_EQ(doHSLAdjustFilter(picture.image(), 0, 360, 0, 0, 0), picture.image());
-    EXPECT_EQ(adjustHueFilter(picture.image(), nan, nan, 0), picture.image());
+    EXPECT_EQ(adjustHueFilter(picture.image(), quietNan, quietNan, 0), picture.image());
     EXPECT_EQ(picture.bytes(), before);
 }
 
@@ -166,7 +163,7 @@ TEST(ColourRanges, PixelsOfWeightZeroMakeTheRoundTripThroughHsl) {
 }
 
 TEST(ColourRanges, GiveADefinedResultForAnySetting) {
-    for (const float setting : {nan, infinity, -infinity, 1e30f, -1e30f}) {
+    for (const float setting : {quietNan, infinity, -infinity, 1e30f, -1e30f}) {
         HostPicture picture(16, 16, 32, IMAGE_FORMAT_BGRA);
         picture.fillRandom(3);
         const HostPicture before(picture);
@@ -182,7 +179,7 @@ TEST(ColourRanges, GiveADefinedResultForAnySetting) {
     // A saturation of NaN clamps to 0 there: grey at full weight.
     HostPicture red(1, 1, 24, IMAGE_FORMAT_RGB);
     red.setPixel(0, 0, {0, 0, 255, 0});
-    adjustSaturationFilter(red.image(), 330, 30, nan);
+    adjustSaturationFilter(red.image(), 330, 30, quietNan);
     EXPECT_EQ(red.pixel(0, 0), (_tagMyRGBQUAD{127, 127, 127, 0}));
 }
 

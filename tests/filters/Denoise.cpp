@@ -5,7 +5,6 @@
 #include <cfenv>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
 #include <random>
 #include <string>
 #include <vector>
@@ -13,6 +12,7 @@
 #include "models/Denoise.h"
 #include "support/HostPicture.h"
 #include "support/InstructionSets.h"
+#include "support/OddNumbers.h"
 #include "support/Photograph.h"
 
 namespace {
@@ -20,11 +20,8 @@ namespace {
 using namespace keladjust::test;
 using Bytes8 = std::vector<std::uint8_t>;
 
-constexpr float nan = std::numeric_limits<float>::quiet_NaN();
-constexpr float infinity = std::numeric_limits<float>::infinity();
-
-using Stage = CxImage* (*)(CxImage*, float);
-constexpr Stage stages[] = {deNoiseRGB, deNoiseLumiance};
+using Denoiser = CxImage* (*)(CxImage*, float);
+constexpr Denoiser denoisers[] = {deNoiseRGB, deNoiseLumiance};
 
 std::size_t strideOf(std::size_t width) {
     return (width + 3) / 4 * 4;
@@ -88,7 +85,7 @@ Difference difference(const Bytes8& a, const Bytes8& b) {
 }
 
 TEST(Denoise, SettingZeroLeavesThePictureAlone) {
-    for (const Stage stage : stages) {
+    for (const Denoiser stage : denoisers) {
         HostPicture picture = noisyPicture(30, 20, 24, IMAGE_FORMAT_BGR);
         const Bytes8 before = picture.bytes();
         EXPECT_EQ(stage(picture.image(), 0.0f), picture.image());
@@ -99,7 +96,7 @@ TEST(Denoise, SettingZeroLeavesThePictureAlone) {
 
 TEST(Denoise, PicturesWithoutPixelsComeBack) {
     CxImage empty;
-    for (const Stage stage : stages) {
+    for (const Denoiser stage : denoisers) {
         EXPECT_EQ(stage(nullptr, 30.0f), nullptr);
         EXPECT_EQ(stage(&empty, 30.0f), &empty);
     }
@@ -109,7 +106,7 @@ TEST(Denoise, PicturesWithoutColourPlanesAreLeftAlone) {
     constexpr PixelFormat formats[] = {{8, IMAGE_FORMAT_GRAY},  {32, IMAGE_FORMAT_UNKNOWN},
                                        {32, IMAGE_FORMAT_RGB},  {24, IMAGE_FORMAT_BGRA},
                                        {16, IMAGE_FORMAT_RGBA}, {24, IMAGE_FORMAT_GRAY}};
-    for (const Stage stage : stages) {
+    for (const Denoiser stage : denoisers) {
         for (const PixelFormat& f : formats) {
             HostPicture picture = noisyPicture(40, 30, f.bpp, f.format);
             const Bytes8 before = picture.bytes();
@@ -305,7 +302,7 @@ TEST(Denoise, PlaneIgnoresWhatMakesNoSense) {
 TEST(Denoise, AnySettingHasAResult) {
     const Bytes8 plane = noisyScene(48, 48, 48, 2);
     const auto filtered = [&](float sigma) { return inPlace(plane, 48, 48, 48, sigma); };
-    for (const float none : {nan, -infinity, -5.0f, -1e30f, 1e-40f}) {
+    for (const float none : {quietNan, -infinity, -5.0f, -1e30f, 1e-40f}) {
         EXPECT_LE(difference(filtered(none), plane).largest, 1) << none;
     }
     for (const float all : {infinity, 1e30f, 3e38f, 1e5f}) {
@@ -314,8 +311,8 @@ TEST(Denoise, AnySettingHasAResult) {
             std::fill_n(black.data() + y * 48, 40, std::uint8_t{0});
         EXPECT_EQ(filtered(all), black) << all;
     }
-    for (const Stage stage : stages) {
-        for (const float setting : {nan, infinity, -infinity, 1e30f, -1e30f}) {
+    for (const Denoiser stage : denoisers) {
+        for (const float setting : {quietNan, infinity, -infinity, 1e30f, -1e30f}) {
             HostPicture picture = noisyPicture(33, 21, 24, IMAGE_FORMAT_BGR);
             EXPECT_EQ(stage(picture.image(), setting), picture.image());
             EXPECT_TRUE(picture.guardsIntact());
@@ -349,7 +346,7 @@ TEST(Denoise, EveryFormatAndSizeIsItsPlanesFiltered) {
             for (const bool hsl : {false, true}) {
                 HostPicture picture = noisyPicture(width, height, f.bpp, f.format);
                 HostPicture expected(picture);
-                const Stage stage = hsl ? deNoiseLumiance : deNoiseRGB;
+                const Denoiser stage = hsl ? deNoiseLumiance : deNoiseRGB;
                 EXPECT_EQ(stage(picture.image(), 30.0f), picture.image());
                 denoiseByPlanes(*expected.image(), 30.0f, hsl);
                 EXPECT_EQ(picture.bytes(), expected.bytes())
@@ -361,7 +358,7 @@ TEST(Denoise, EveryFormatAndSizeIsItsPlanesFiltered) {
 }
 
 TEST(Denoise, AlphaStays) {
-    for (const Stage stage : stages) {
+    for (const Denoiser stage : denoisers) {
         HostPicture picture(50, 40, 32, IMAGE_FORMAT_RGBA);
         picture.fillRandom(4);
         HostPicture before(picture);
@@ -428,7 +425,7 @@ TEST(Denoise, PhotographIsWithinALevelOfTheDirectTransform) {
 }
 
 TEST(Denoise, ThreadsDoNotShow) {
-    for (const Stage stage : stages) {
+    for (const Denoiser stage : denoisers) {
         setMaxThreads(1);
         HostPicture expected = noisyPicture(301, 203, 24, IMAGE_FORMAT_RGB);
         HostPicture original(expected);

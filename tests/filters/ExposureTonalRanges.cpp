@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "models/ExposureTonalRanges.h"
 #include "support/ColourSweep.h"
+#include "support/OddNumbers.h"
 
 namespace {
 
@@ -143,12 +143,10 @@ TEST(ShadowsAndBlacks, AreLopsidedTheOppositeWay) {
 }
 
 TEST(TonalStages, GiveADefinedResultForAnySetting) {
-    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
-    constexpr float infinity = std::numeric_limits<float>::infinity();
     for (const ImageStage stage : imageStages) {
         HostPicture picture(2, 1, 32, IMAGE_FORMAT_RGBA);
         picture.setPixel(0, 0, {10, 20, 200, 77});
-        stage(picture.image(), nan);
+        stage(picture.image(), quietNan);
         EXPECT_EQ(picture.pixel(0, 0), (_tagMyRGBQUAD{0, 0, 0, 77})) << "NaN clamps to the bottom";
     }
     for (const float setting : {infinity, -infinity, 1e30f, -1e30f}) {

@@ -5,6 +5,7 @@
 
 #include "models/Saturation.h"
 #include "support/ColourSweep.h"
+#include "support/OddNumbers.h"
 
 namespace {
 
@@ -32,8 +33,7 @@ TEST(Saturation, FollowsTheFormulaInTables) {
 }
 
 TEST(Saturation, NeverChangesGreys) {
-    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
-    for (const float setting : {100.0f, -100.0f, 1e30f, nan}) {
+    for (const float setting : {100.0f, -100.0f, 1e30f, quietNan}) {
         HostPicture picture = keladjust::test::everyByte();
         const auto before = picture.bytes();
         saturationAdjustment(picture.image(), setting);

@@ -8,16 +8,9 @@
 namespace {
 
 using keladjust::test::everyFormat;
+using keladjust::test::greyPicture;
 using keladjust::test::HostPicture;
 using keladjust::test::PixelFormat;
-
-HostPicture greyPicture(unsigned width, unsigned height, std::uint8_t value) {
-    HostPicture picture(width, height, 32, IMAGE_FORMAT_BGRA);
-    for (unsigned y = 0; y < height; ++y) {
-        for (unsigned x = 0; x < width; ++x) picture.setPixel(x, y, {value, value, value, 77});
-    }
-    return picture;
-}
 
 TEST(Sharpen, MovesAPeakOnePixelToTheRight) {
     HostPicture picture = greyPicture(11, 11, 100);

@@ -6,7 +6,6 @@
 
 #include <cfenv>
 #include <functional>
-#include <limits>
 #include <string>
 #include <vector>
 
@@ -14,13 +13,11 @@
 
 #include "models/SpatialStages.h"
 #include "support/HostPicture.h"
+#include "support/OddNumbers.h"
 
 namespace {
 
 using namespace keladjust::test;
-
-constexpr float infinity = std::numeric_limits<float>::infinity();
-constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 
 struct Stage {
     std::string name;
@@ -125,7 +122,7 @@ TEST(SpatialStages, StayInsideTheBufferAtDepthsWithoutAMeaning) {
 TEST(SpatialStages, TakeEverySetting) {
     for (const Stage& stage : stages()) {
         for (const PixelFormat format : everyFormat) {
-            for (const float setting : {nan, infinity, -infinity, 1e30f, -1e30f, 1e-42f}) {
+            for (const float setting : {quietNan, infinity, -infinity, 1e30f, -1e30f, 1e-42f}) {
                 HostPicture picture(21, 12, format.bpp, format.format);
                 picture.fillRandom(5);
                 ASSERT_NO_FATAL_FAILURE(expectAsModel(stage, setting, picture));

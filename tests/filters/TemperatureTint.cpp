@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
-#include <limits>
 
 #include "models/TemperatureTint.h"
 #include "support/ColourSweep.h"
+#include "support/OddNumbers.h"
 
 namespace {
 
@@ -133,10 +133,9 @@ TEST(Tint, OfSmallPositiveSettingsChangesNothingAndOfSmallNegativeOnesDoes) {
 }
 
 TEST(Tint, GivesADefinedResultForAnySetting) {
-    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
     HostPicture picture(4, 4, 32, IMAGE_FORMAT_BGRA);
     const auto before = picture.fillRandom(6).bytes();
-    tintAdjustment(picture.image(), nan);  // a strength of 0
+    tintAdjustment(picture.image(), quietNan);  // a strength of 0
     EXPECT_EQ(picture.bytes(), before);
 
     // 1e30 saturates: k = (2^31 - 1) >> 8 = 8388607. For grey 200 the product 1677721400 >> 8 is

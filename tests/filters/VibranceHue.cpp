@@ -2,17 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "models/VibranceHue.h"
 #include "support/ColourSweep.h"
+#include "support/OddNumbers.h"
 
 namespace {
 
 using namespace keladjust::test;
-
-constexpr float infinity = std::numeric_limits<float>::infinity();
-constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 
 TEST(Vibrance, FollowsTheFormulaForEveryColour) {
     for (const float vibrance : {100.0f, 33.0f, -100.0f, 5000.0f}) {
@@ -132,10 +129,10 @@ TEST(VibranceAndHue, GiveADefinedResultForAnySetting) {
     // NaN: the truncated gain is 0, so k stays 256 and nothing moves.
     HostPicture picture(4, 4, 32, IMAGE_FORMAT_BGRA);
     const auto before = picture.fillRandom(6).bytes();
-    vibranceAdjustment(picture.image(), nan);
+    vibranceAdjustment(picture.image(), quietNan);
     EXPECT_EQ(picture.bytes(), before);
     // A hue of NaN or infinity has no cosine: all three channels clamp to the bottom.
-    for (const float angle : {nan, infinity}) {
+    for (const float angle : {quietNan, infinity}) {
         HostPicture hue(picture);
         hueAdjustment(hue.image(), angle);
         for (std::size_t i = 0; i < hue.size(); ++i) {

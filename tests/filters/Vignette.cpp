@@ -8,17 +8,10 @@
 
 namespace {
 
+using keladjust::test::greyPicture;
 using keladjust::test::HostPicture;
 using keladjust::test::vignetteMaskModel;
 using keladjust::test::VignetteSettings;
-
-HostPicture greyPicture(unsigned width, unsigned height, std::uint8_t value) {
-    HostPicture picture(width, height, 32, IMAGE_FORMAT_BGRA);
-    for (unsigned y = 0; y < height; ++y) {
-        for (unsigned x = 0; x < width; ++x) picture.setPixel(x, y, {value, value, value, 77});
-    }
-    return picture;
-}
 
 CxImage* apply(HostPicture& picture, const VignetteSettings& s) {
     return vignetteAdjustFilter(picture.image(), s.amount, s.feather, s.highlights, s.size,

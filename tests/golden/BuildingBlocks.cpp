@@ -6,7 +6,6 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <limits>
 #include <memory>
 #include <span>
 #include <string>
@@ -14,13 +13,11 @@
 
 #include "golden/DigestByDepth.h"
 #include "golden/Results.h"
+#include "support/OddNumbers.h"
 
 namespace keladjust::test {
 
 namespace {
-
-constexpr float infinity = std::numeric_limits<float>::infinity();
-constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 
 struct Geometry {
     int width;
@@ -93,7 +90,7 @@ void addMaps(Results& results) {
     results.add("meanFilter15", mean.value());
     results.add("mapMaximum", maximum.value());
 
-    for (const float factor : {0.5f, 0.9f, 1.0f, 2.5f, 0.0f, -1.0f, 1e30f, infinity, nan}) {
+    for (const float factor : {0.5f, 0.9f, 1.0f, 2.5f, 0.0f, -1.0f, 1e30f, infinity, quietNan}) {
         Digest digest;
         for (std::size_t i = 0; i < reds.size(); ++i) {
             const auto& [width, height, red] = reds[i];
@@ -107,7 +104,8 @@ void addMaps(Results& results) {
 }
 
 void addDenoisedPlanes(Results& results) {
-    for (const float sigma : {0.1f, 1.0f, 5.0f, 20.0f, 100.0f, 0.0f, -1.0f, 1e30f, infinity, nan}) {
+    for (const float sigma :
+         {0.1f, 1.0f, 5.0f, 20.0f, 100.0f, 0.0f, -1.0f, 1e30f, infinity, quietNan}) {
         results.add(callText("dctDenoisePlane", sigma), digestOfPictures(8, [sigma](CxImage* i) {
                         const auto [width, height, bytesPerPixel] = geometryOf(*i);
                         dctDenoisePlane(i->pBits, i->pBits, width, height,

@@ -1,10 +1,10 @@
 #include "golden/Records.h"
 
-#include <limits>
 #include <random>
 #include <string>
 
 #include "golden/Results.h"
+#include "support/OddNumbers.h"
 
 namespace keladjust::test {
 
@@ -23,8 +23,6 @@ _AdjustParam filled(int temperature, auto nextSetting) {
 }  // namespace
 
 std::vector<NamedSettings> goldenRecords() {
-    constexpr float infinity = std::numeric_limits<float>::infinity();
-    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
     std::vector<NamedSettings> records{only("identity", [](_AdjustParam&) {}), everyGpuStage(),
                                        everyStage()};
 
@@ -37,7 +35,8 @@ std::vector<NamedSettings> goldenRecords() {
         setRangeBounds(settings);
         records.push_back({"settings at random " + std::to_string(i), settings});
     }
-    for (const float value : {nan, infinity, -infinity, 1e30f, -1e30f, 1e-42f, -300.0f, 300.0f}) {
+    for (const float value :
+         {quietNan, infinity, -infinity, 1e30f, -1e30f, 1e-42f, -300.0f, 300.0f}) {
         const _AdjustParam settings = filled(11500, [value] { return value; });
         records.push_back({callText("every slot", value), settings});
     }

@@ -11,13 +11,11 @@
 
 #include "golden/DigestByDepth.h"
 #include "golden/Results.h"
+#include "support/OddNumbers.h"
 
 namespace keladjust::test {
 
 namespace {
-
-constexpr float infinity = std::numeric_limits<float>::infinity();
-constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 
 template <class Stage, class... Settings>
 void addCall(Results& results, const char* name, Stage stage, Settings... settings) {
@@ -28,7 +26,7 @@ void addCall(Results& results, const char* name, Stage stage, Settings... settin
 void addStage(Results& results, const char* name, CxImage* (*stage)(CxImage*, float),
               std::initializer_list<float> settings) {
     for (const float setting : settings) addCall(results, name, stage, setting);
-    for (const float setting : {1e30f, -1e30f, 1e-42f, infinity, -infinity, nan}) {
+    for (const float setting : {1e30f, -1e30f, 1e-42f, infinity, -infinity, quietNan}) {
         addCall(results, name, stage, setting);
     }
 }
@@ -39,7 +37,7 @@ void addColourRangeStages(Results& results) {
         float maxDegree;
     };
     for (const auto& [low, high] : {Band{330, 30}, {60, 180}, {210, 270}, {0, 360}, {300, 0}}) {
-        for (const float value : {60.0f, -100.0f, nan}) {
+        for (const float value : {60.0f, -100.0f, quietNan}) {
             addCall(results, "adjustHueFilter", adjustHueFilter, low, high, value);
             addCall(results, "adjustSaturationFilter", adjustSaturationFilter, low, high, value);
             addCall(results, "adjustBrightnessFilter", adjustBrightnessFilter, low, high, value);
@@ -47,7 +45,7 @@ void addColourRangeStages(Results& results) {
         addCall(results, "doHSLAdjustFilter", doHSLAdjustFilter, low, high, 20.0f, 30.0f, -40.0f);
         addCall(results, "doHSLAdjustFilter", doHSLAdjustFilter, low, high, -650.0f, 1e30f, 300.0f);
     }
-    for (const float bound : {nan, infinity, -90.0f, 1e30f}) {
+    for (const float bound : {quietNan, infinity, -90.0f, 1e30f}) {
         addCall(results, "doHSLAdjustFilter", doHSLAdjustFilter, bound, 90.0f, 20.0f, 30.0f, 40.0f);
         addCall(results, "doHSLAdjustFilter", doHSLAdjustFilter, 90.0f, bound, 20.0f, 30.0f, 40.0f);
     }
@@ -65,7 +63,7 @@ void addVignettes(Results& results) {
     vignette(-60, 50, 90, 30, 100, -50);
     vignette(-100, 0, 0, 100, 100, 100);
     vignette(100, 0, 100, 0, 0, -100);
-    for (const float odd : {1e30f, -infinity, nan}) {
+    for (const float odd : {1e30f, -infinity, quietNan}) {
         vignette(odd, 60, 50, 40, 30, 0);
         vignette(-80, odd, 50, 40, 30, 0);
         vignette(-80, 60, odd, 40, 30, 0);
@@ -122,12 +120,12 @@ Results stageResults() {
     addStage(results, "diffuse", diffuse, {100, 20, 720, -50, -720});
     addStage(results, "deNoiseRGB", deNoiseRGB, {1, 20, 50, 100, -10});
     addStage(results, "deNoiseLumiance", deNoiseLumiance, {1, 20, 50, 100, -10});
-    for (const float amount : {100.0f, 10.0f, -40.0f, 1e30f, infinity, nan}) {
+    for (const float amount : {100.0f, 10.0f, -40.0f, 1e30f, infinity, quietNan}) {
         for (const float size : {60.0f, 0.0f, 100.0f}) {
             addCall(results, "addNoiseFilter", addNoiseFilter, amount, size);
         }
     }
-    for (const float size : {1e30f, -infinity, nan}) {
+    for (const float size : {1e30f, -infinity, quietNan}) {
         addCall(results, "addNoiseFilter", addNoiseFilter, 50.0f, size);
     }
     addStage(results, "whiteBalanceAdjustment", whiteBalanceAdjustment, {100, 5, 450, 600, -1});

@@ -18,6 +18,7 @@
 #include "golden/Records.h"
 #include "golden/Results.h"
 #include "support/ColourSweep.h"
+#include "support/OddNumbers.h"
 #include "support/StageSettings.h"
 #include "support/TemporaryFolder.h"
 
@@ -25,12 +26,9 @@ namespace keladjust::test {
 
 namespace {
 
-constexpr float infinity = std::numeric_limits<float>::infinity();
-constexpr float nan = std::numeric_limits<float>::quiet_NaN();
-
 std::vector<float> tableWithStride(std::size_t stride) {
     std::vector<Floats> entries = tableEntries();
-    entries.push_back({nan, 0.5f, 0.25f});
+    entries.push_back({quietNan, 0.5f, 0.25f});
     entries.push_back({infinity, 0.5f, -infinity});
     std::vector<float> table(entries.size() * stride, 42.0f);
     for (std::size_t i = 0; i < entries.size(); ++i) {
@@ -41,7 +39,7 @@ std::vector<float> tableWithStride(std::size_t stride) {
 }
 
 template <class Stage, class... Settings>
-void addCall(Results& results, const char* name, Stage stage, Settings... settings) {
+void addTableCall(Results& results, const char* name, Stage stage, Settings... settings) {
     std::vector<std::uint64_t> digests;
     for (const std::size_t stride : {3u, 5u}) {
         std::vector<float> table = tableWithStride(stride);
@@ -54,9 +52,9 @@ void addCall(Results& results, const char* name, Stage stage, Settings... settin
 
 void addStage(Results& results, const char* name,
               float* (*stage)(float*, unsigned long, int, float)) {
-    for (const float setting :
-         {100.0f, 30.0f, 5.0f, -60.0f, -100.0f, 300.0f, 1e30f, 1e-42f, infinity, -infinity, nan}) {
-        addCall(results, name, stage, setting);
+    for (const float setting : {100.0f, 30.0f, 5.0f, -60.0f, -100.0f, 300.0f, 1e30f, 1e-42f,
+                                infinity, -infinity, quietNan}) {
+        addTableCall(results, name, stage, setting);
     }
 }
 
@@ -64,7 +62,7 @@ void addStages(Results& results) {
     constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
     constexpr std::int32_t most = std::numeric_limits<std::int32_t>::max();
     for (const std::int32_t kelvin : {1700, 9000, 11501, 14000, 24400, 0, -1, least, most}) {
-        addCall(results, "lut3d_temperatureAdjustment", lut3d_temperatureAdjustment, kelvin);
+        addTableCall(results, "lut3d_temperatureAdjustment", lut3d_temperatureAdjustment, kelvin);
     }
     addStage(results, "lut3d_tintAdjustment", lut3d_tintAdjustment);
     addStage(results, "lut3d_exposureAdjustment", lut3d_exposureAdjustment);
@@ -81,18 +79,18 @@ void addStages(Results& results) {
         float minDegree;
         float maxDegree;
     };
-    for (const auto& [low, high] : {Band{330, 30}, {60, 180}, {0, 360}, {300, 0}, {nan, 90}}) {
-        for (const float value : {60.0f, -100.0f, nan}) {
-            addCall(results, "lut3d_adjustHueFilter", lut3d_adjustHueFilter, low, high, value);
-            addCall(results, "lut3d_adjustSaturationFilter", lut3d_adjustSaturationFilter, low,
-                    high, value);
-            addCall(results, "lut3d_adjustBrightnessFilter", lut3d_adjustBrightnessFilter, low,
-                    high, value);
+    for (const auto& [low, high] : {Band{330, 30}, {60, 180}, {0, 360}, {300, 0}, {quietNan, 90}}) {
+        for (const float value : {60.0f, -100.0f, quietNan}) {
+            addTableCall(results, "lut3d_adjustHueFilter", lut3d_adjustHueFilter, low, high, value);
+            addTableCall(results, "lut3d_adjustSaturationFilter", lut3d_adjustSaturationFilter, low,
+                         high, value);
+            addTableCall(results, "lut3d_adjustBrightnessFilter", lut3d_adjustBrightnessFilter, low,
+                         high, value);
         }
-        addCall(results, "lut3d_doHSLAdjustFilter", lut3d_doHSLAdjustFilter, low, high, 20.0f,
-                30.0f, -40.0f);
-        addCall(results, "lut3d_doHSLAdjustFilter", lut3d_doHSLAdjustFilter, low, high, -650.0f,
-                1e30f, 300.0f);
+        addTableCall(results, "lut3d_doHSLAdjustFilter", lut3d_doHSLAdjustFilter, low, high, 20.0f,
+                     30.0f, -40.0f);
+        addTableCall(results, "lut3d_doHSLAdjustFilter", lut3d_doHSLAdjustFilter, low, high,
+                     -650.0f, 1e30f, 300.0f);
     }
 }
 

@@ -11,17 +11,13 @@
 
 #include "host/LibraryState.h"
 #include "support/HostPicture.h"
+#include "support/StageSettings.h"
 
 namespace {
 
 using keladjust::libraryState;
 using keladjust::test::HostPicture;
-
-_AdjustParam identity() {
-    _AdjustParam p{};
-    p.temperature = 11500;
-    return p;
-}
+using keladjust::test::identity;
 
 TEST(AdjustParam, Is65SlotsOfFourBytes) {
     EXPECT_EQ(sizeof(_AdjustParam), 260u);
@@ -60,7 +56,7 @@ TEST(CreateCxImage, OfANullPointerHasNoPixels) {
     CxImage* image = createCxImage(nullptr, 5, 4, 32, IMAGE_FORMAT_BGRA);
     ASSERT_NE(image, nullptr);
     EXPECT_EQ(image->GetBits(), nullptr);
-    _AdjustParam settings = identity();
+    _AdjustParam settings = identity;
     settings.exposure = 30.0f;
     EXPECT_EQ(doAdjust(image, settings), image);
     releaseCxImage(image);
@@ -105,9 +101,9 @@ TEST(SetLogPath, LeavesNoTraceOfALongerOne) {
 TEST(DoAdjust, WorksBeforeInitialisationAndWithNull) {
     HostPicture picture(4, 4, 32, IMAGE_FORMAT_BGRA);
     const auto before = picture.fillRandom(1).bytes();
-    EXPECT_EQ(doAdjust(picture.image(), identity()), picture.image());
+    EXPECT_EQ(doAdjust(picture.image(), identity), picture.image());
     EXPECT_EQ(picture.bytes(), before);
-    EXPECT_EQ(doAdjust(nullptr, identity()), nullptr);
+    EXPECT_EQ(doAdjust(nullptr, identity), nullptr);
 }
 
 TEST(LifeOfTheLibrary, AnyOrderOfCallsIsHarmless) {
@@ -117,9 +113,9 @@ TEST(LifeOfTheLibrary, AnyOrderOfCallsIsHarmless) {
         initOgreRunTime(nullptr, nullptr);
         initOgreRunTime("nowhere/", "nowhere/");
         HostPicture picture(2, 2, 32, IMAGE_FORMAT_BGRA);
-        EXPECT_EQ(doAdjust(picture.image(), identity()), picture.image());
+        EXPECT_EQ(doAdjust(picture.image(), identity), picture.image());
         releaseOgre();
-        EXPECT_EQ(doAdjust(picture.image(), identity()), picture.image());
+        EXPECT_EQ(doAdjust(picture.image(), identity), picture.image());
         releaseOgre();
     }
     EXPECT_EQ(libraryState().busyEvent(), nullptr);
@@ -135,7 +131,7 @@ TEST(DoAdjust, CallsExcludeOneAnotherOnceTheBusyEventExists) {
     picture.setPixel(0, 0, {100, 100, 100, 0});
     std::atomic<bool> done{false};
     std::thread caller([&] {
-        _AdjustParam settings = identity();
+        _AdjustParam settings = identity;
         settings.brightness = 50.0f;
         doAdjust(picture.image(), settings);
         done = true;
@@ -147,13 +143,13 @@ TEST(DoAdjust, CallsExcludeOneAnotherOnceTheBusyEventExists) {
     EXPECT_EQ(picture.pixel(0, 0).red, 150);
 
     // The event is signalled again at the end of a call, so the next one does not wait.
-    doAdjust(picture.image(), identity());
+    doAdjust(picture.image(), identity);
     releaseOgre();
 }
 
 TEST(DoAdjust, ManyThreadsAtOnceGiveWhatOneGives) {
     initOgreRunTime(nullptr, nullptr);
-    _AdjustParam settings = identity();
+    _AdjustParam settings = identity;
     settings.temperature = 9000;
     settings.exposure = 20.0f;
     settings.saturation = 30.0f;

@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <memory>
 #include <string>
 #include <utility>
@@ -17,11 +16,15 @@
 #include "engine/LogCapture.h"
 #include "engine/StubEngine.h"
 #include "support/HostPicture.h"
+#include "support/OddNumbers.h"
+#include "support/StageSettings.h"
 
 namespace {
 
 using keladjust::GpuEngine;
 using keladjust::test::HostPicture;
+using keladjust::test::identity;
+using keladjust::test::quietNan;
 using keladjust::test::StubEngine;
 
 /// Notes settings and renders; a render adds one to every byte of the picture.
@@ -56,12 +59,6 @@ public:
     int renders = 0;
     bool stops = false;
 };
-
-_AdjustParam identity() {
-    _AdjustParam p{};
-    p.temperature = 11500;
-    return p;
-}
 
 float& slot(_AdjustParam& p, int number) {
     return reinterpret_cast<float*>(&p)[number];
@@ -98,22 +95,21 @@ protected:
 TEST_F(GpuPipeline, RendersNothingAtIdentity) {
     HostPicture picture(31, 17, 24, IMAGE_FORMAT_RGB);
     const auto before = picture.fillRandom(1).bytes();
-    EXPECT_EQ(run(picture, identity()), picture.image());
+    EXPECT_EQ(run(picture, identity), picture.image());
     EXPECT_EQ(basic->renders + range->renders + lens->renders, 0);
     EXPECT_TRUE(basic->floats.empty());
     EXPECT_EQ(picture.bytes(), before);
 }
 
 TEST_F(GpuPipeline, EverySlotStartsTheEffectItBelongsTo) {
-    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
     for (int number = 1; number <= 64; ++number) {
         const bool inRange = number >= 13 && number <= 52;
         const bool bound = inRange && (number - 13) % 5 < 2;
         const bool startsBasic = number <= 10;
         const bool startsRange = (inRange && !bound) || number == 53 || number == 57;
-        for (const float value : {0.25f, nan}) {
+        for (const float value : {0.25f, quietNan}) {
             basic->renders = range->renders = 0;
-            _AdjustParam p = identity();
+            _AdjustParam p = identity;
             slot(p, number) = value;
             HostPicture picture(2, 2, 32, IMAGE_FORMAT_BGRA);
             run(picture, p);
@@ -121,7 +117,7 @@ TEST_F(GpuPipeline, EverySlotStartsTheEffectItBelongsTo) {
             EXPECT_EQ(range->renders, startsRange ? 1 : 0) << "slot " << number;
         }
     }
-    _AdjustParam p = identity();
+    _AdjustParam p = identity;
     p.temperature = 11501;
     basic->renders = 0;
     HostPicture picture(2, 2, 32, IMAGE_FORMAT_BGRA);
@@ -131,7 +127,7 @@ TEST_F(GpuPipeline, EverySlotStartsTheEffectItBelongsTo) {
 }
 
 TEST_F(GpuPipeline, NegativeZeroIsIdentity) {
-    _AdjustParam p = identity();
+    _AdjustParam p = identity;
     for (int number = 1; number <= 64; ++number) slot(p, number) = -0.0f;
     HostPicture picture(2, 2, 32, IMAGE_FORMAT_BGRA);
     run(picture, p);
@@ -139,7 +135,7 @@ TEST_F(GpuPipeline, NegativeZeroIsIdentity) {
 }
 
 TEST_F(GpuPipeline, SetsEveryUniformByNameAndInOrder) {
-    _AdjustParam p = identity();
+    _AdjustParam p = identity;
     p.temperature = 9000;
     for (int number = 1; number <= 64; ++number) slot(p, number) = static_cast<float>(number);
     p.clarity = p.sharpen = 0;
@@ -175,7 +171,7 @@ TEST_F(GpuPipeline, SetsEveryUniformByNameAndInOrder) {
 }
 
 TEST_F(GpuPipeline, HandsThePictureOverInItsOwnFormat) {
-    _AdjustParam p = identity();
+    _AdjustParam p = identity;
     p.tint = 1;
     struct Case {
         unsigned bpp;
@@ -204,7 +200,7 @@ TEST_F(GpuPipeline, HandsThePictureOverInItsOwnFormat) {
 }
 
 TEST_F(GpuPipeline, RunsClarityOnBothSidesOfTheRanges) {
-    _AdjustParam p = identity();
+    _AdjustParam p = identity;
     p.clarity = 40;
     HostPicture picture(40, 30, 32, IMAGE_FORMAT_BGRA);
     picture.fillRandom(2);
@@ -215,7 +211,7 @@ TEST_F(GpuPipeline, RunsClarityOnBothSidesOfTheRanges) {
 }
 
 TEST_F(GpuPipeline, RunsTheSpatialStagesAfterTheRenders) {
-    _AdjustParam p = identity();
+    _AdjustParam p = identity;
     p.exposure = 1;
     p.range[KELADJUST_RANGE_BLUE].hue = 1;
     p.vignetteSize = 30;
@@ -250,7 +246,7 @@ TEST_F(GpuPipeline, RunsTheSpatialStagesAfterTheRenders) {
 }
 
 TEST_F(GpuPipeline, GoesOnWithoutTheEngineThatStoppedInTheMiddle) {
-    _AdjustParam p = identity();
+    _AdjustParam p = identity;
     p.exposure = 1;
     p.range[KELADJUST_RANGE_BLUE].hue = 1;
     p.clarity = 30;
@@ -267,7 +263,7 @@ TEST_F(GpuPipeline, GoesOnWithoutTheEngineThatStoppedInTheMiddle) {
 }
 
 TEST_F(GpuPipeline, TakesNothingAndPicturesWithoutPixels) {
-    _AdjustParam p = identity();
+    _AdjustParam p = identity;
     p.clarity = 10;
     EXPECT_EQ(keladjust::runGpuPipeline(nullptr, p, engine), nullptr);
     CxImage empty;

@@ -5,18 +5,14 @@
 #include <vector>
 
 #include "support/HostPicture.h"
+#include "support/StageSettings.h"
 
 namespace {
 
 using keladjust::test::everyFormat;
 using keladjust::test::HostPicture;
+using keladjust::test::identity;
 using keladjust::test::PixelFormat;
-
-_AdjustParam identity() {
-    _AdjustParam p{};
-    p.temperature = 11500;
-    return p;
-}
 
 // The stages one by one, as a host would call them: what the pipeline must come to, in order and in
 // every byte.
@@ -144,7 +140,7 @@ _AdjustParam randomRecord(std::mt19937& generator) {
         if (kind < 6) return wild[pick(std::size(wild))];
         return (static_cast<float>(pick(20001)) / 10000.0f - 1.0f) * range;
     };
-    _AdjustParam p = identity();
+    _AdjustParam p = identity;
     constexpr std::int32_t temperatures[] = {0, 9000, 11499, 11501, 16000, INT32_MAX, INT32_MIN};
     if (pick(2) == 0) p.temperature = temperatures[pick(std::size(temperatures))];
     for (float* value : {&p.tint,
@@ -197,13 +193,13 @@ TEST(Pipeline, AtIdentityReturnsThePictureAsItIs) {
     for (const PixelFormat format : everyFormat) {
         HostPicture picture(61, 7, format.bpp, format.format);
         const auto before = picture.fillRandom(4).bytes();
-        EXPECT_EQ(doAdjust(picture.image(), identity()), picture.image());
+        EXPECT_EQ(doAdjust(picture.image(), identity), picture.image());
         EXPECT_EQ(picture.bytes(), before);
     }
 }
 
 TEST(Pipeline, DegreeBoundsAloneRunNoColourRange) {
-    _AdjustParam settings = identity();
+    _AdjustParam settings = identity;
     settings.range[KELADJUST_RANGE_RED].maxDegree = 200;
     settings.range[KELADJUST_RANGE_AQUA].minDegree = 20;
     HostPicture picture(61, 7, 24, IMAGE_FORMAT_RGB);
@@ -214,7 +210,7 @@ TEST(Pipeline, DegreeBoundsAloneRunNoColourRange) {
 
 TEST(Pipeline, ANaNInAColourRangeRunsIt) {
     // Hue NaN at weight 0 still makes the round trip through HSL, which shows.
-    _AdjustParam settings = identity();
+    _AdjustParam settings = identity;
     settings.range[KELADJUST_RANGE_GREEN].saturation = std::numeric_limits<float>::quiet_NaN();
     HostPicture picture(61, 7, 24, IMAGE_FORMAT_RGB);
     const auto before = picture.fillRandom(4).bytes();
@@ -228,7 +224,7 @@ TEST(Pipeline, ANaNInAColourRangeRunsIt) {
 TEST(Pipeline, RunsTonesBeforeColourRanges) {
     // Exposure drives this orange to a yellowish tone whose hue lies in the band; asked the other
     // way round the band would not meet it.
-    _AdjustParam settings = identity();
+    _AdjustParam settings = identity;
     settings.exposure = 100;
     settings.range[KELADJUST_RANGE_ORANGE] = {40, 80, 0, -100, 0};
     HostPicture picture(1, 1, 24, IMAGE_FORMAT_RGB);

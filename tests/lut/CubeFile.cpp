@@ -17,9 +17,13 @@
 #include <string>
 #include <vector>
 
+#include "support/OddNumbers.h"
+
 namespace {
 
 using keladjust::CubeFile;
+using keladjust::test::infinity;
+using keladjust::test::quietNan;
 namespace fs = std::filesystem;
 
 class CubeFileText : public testing::Test {
@@ -85,9 +89,7 @@ TEST_F(CubeFileText, ValuesOutsideTheUnitRangeStayAsTheyAre) {
 }
 
 TEST_F(CubeFileText, OddValuesHaveOneSpelling) {
-    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
-    constexpr float infinity = std::numeric_limits<float>::infinity();
-    write({-0.0f, nan, std::copysign(nan, -1.0f), infinity, -infinity, -1e-20f});
+    write({-0.0f, quietNan, std::copysign(quietNan, -1.0f), infinity, -infinity, -1e-20f});
     EXPECT_EQ(dataLines(), (std::vector<std::string>{"-0.00000000 nan nan",  //
                                                      "inf -inf -0.00000000"}));
 }

@@ -1,6 +1,7 @@
 // The lattice object by itself.
 
 #include "lut/CubeLut.h"
+#include "support/StageSettings.h"
 
 #include <gtest/gtest.h>
 
@@ -10,12 +11,7 @@
 namespace {
 
 using keladjust::CubeLut;
-
-constexpr _AdjustParam identity = [] {
-    _AdjustParam settings{};
-    settings.temperature = 11500;
-    return settings;
-}();
+using keladjust::test::identity;
 
 std::unique_ptr<CubeLut> builtLut() {
     auto lut = std::make_unique<CubeLut>();

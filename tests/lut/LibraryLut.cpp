@@ -10,22 +10,22 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <limits>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "support/OddNumbers.h"
+#include "support/StageSettings.h"
+
 namespace {
+
+using keladjust::test::identity;
+using keladjust::test::infinity;
+using keladjust::test::quietNan;
 
 namespace fs = std::filesystem;
 
 constexpr std::size_t floats = 32768 * 3;
-constexpr _AdjustParam identity = [] {
-    _AdjustParam settings{};
-    settings.temperature = 11500;
-    return settings;
-}();
-
 class LibraryLut : public testing::Test {
 protected:
     LibraryLut() { initOgreRunTime(nullptr, nullptr); }
@@ -204,9 +204,7 @@ TEST_F(LibraryLut, RangesWithoutChangesAreLeftOut) {
 }
 
 TEST_F(LibraryLut, AnySettingHasAResult) {
-    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
-    constexpr float infinity = std::numeric_limits<float>::infinity();
-    for (const float value : {nan, infinity, -infinity, 1e30f, -1e30f}) {
+    for (const float value : {quietNan, infinity, -infinity, 1e30f, -1e30f}) {
         _AdjustParam p = identity;
         p.tint = p.exposure = p.brightness = p.contrast = p.vibrance = value;
         p.saturation = p.highlights = p.shadows = p.whites = p.blacks = value;

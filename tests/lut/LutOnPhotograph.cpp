@@ -16,21 +16,17 @@
 
 #include "support/HostPicture.h"
 #include "support/Photograph.h"
+#include "support/StageSettings.h"
 
 namespace {
 
 using keladjust::test::HostPicture;
+using keladjust::test::identity;
 using keladjust::test::photographCrop;
 namespace fs = std::filesystem;
 
 constexpr unsigned width = 640;
 constexpr unsigned height = 480;
-
-constexpr _AdjustParam identity = [] {
-    _AdjustParam settings{};
-    settings.temperature = 11500;
-    return settings;
-}();
 
 void runFfmpeg(const std::string& arguments) {
     const std::string command = "ffmpeg -nostdin -v error -y " + arguments;

@@ -55,6 +55,14 @@ void HostPicture::setPixel(unsigned x, unsigned y, _tagMyRGBQUAD colour) {
     image_.SetPixelColor(static_cast<int>(x), static_cast<int>(y), colour);
 }
 
+HostPicture greyPicture(unsigned width, unsigned height, std::uint8_t value) {
+    HostPicture picture(width, height, 32, IMAGE_FORMAT_BGRA);
+    for (unsigned y = 0; y < height; ++y) {
+        for (unsigned x = 0; x < width; ++x) picture.setPixel(x, y, {value, value, value, 77});
+    }
+    return picture;
+}
+
 HostPicture everyColour() {
     HostPicture picture(4096, 4096, 32, IMAGE_FORMAT_BGRA);
     std::uint8_t* p = picture.bits();

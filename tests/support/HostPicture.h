@@ -41,6 +41,9 @@ private:
     CxImage image_;
 };
 
+/// BGRA, every pixel of one grey with an alpha of 77.
+HostPicture greyPicture(unsigned width, unsigned height, std::uint8_t value);
+
 /// 4096 x 4096 BGRA with every colour once: pixel i (in row order) has red i >> 16, green i >> 8,
 /// blue i; alpha is a mix of the three.
 HostPicture everyColour();

@@ -9,6 +9,13 @@
 
 namespace keladjust::test {
 
+/// The record that changes nothing.
+inline constexpr _AdjustParam identity = [] {
+    _AdjustParam settings{};
+    settings.temperature = 11500;
+    return settings;
+}();
+
 /// A record of settings with a name to report it by.
 struct NamedSettings {
     std::string name;
@@ -22,8 +29,7 @@ inline std::ostream& operator<<(std::ostream& out, const NamedSettings& named) {
 /// Everything at identity but what `change(settings)` sets.
 template <class Change>
 NamedSettings only(std::string name, Change change) {
-    _AdjustParam settings{};
-    settings.temperature = 11500;
+    _AdjustParam settings = identity;
     change(settings);
     return {std::move(name), settings};
 }
