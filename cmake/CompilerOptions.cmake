@@ -11,6 +11,10 @@ else()
         -Wall -Wextra -Wconversion -Wshadow -Werror
         # Results are the same on every machine: no fused multiply-add where the source has two steps.
         -ffp-contract=off)
+    if(CMAKE_UNITY_BUILD)
+        # A name local to one file is none to the others that it is compiled with.
+        target_compile_options(keladjust_options INTERFACE -Wno-shadow)
+    endif()
 endif()
 if(MINGW AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # GCC takes the stack of a Windows program for aligned to whatever its vectors need, but it is

@@ -24,12 +24,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* DESCRIPTION =
+constexpr const char* BENCH_DESCRIPTION =
     "Prints how long each stage takes on a picture, on the CPU of this machine. Settings, where "
     "some\n"
     "are given, get a line of their own: all of them at once, as a host runs them.";
 
-constexpr const char* EXAMPLES =
+constexpr const char* BENCH_EXAMPLES =
     "Examples:\n"
     "  keladjust bench photo.jpg\n"
     "  keladjust bench photo.jpg --runs 9 --threads 1 -o chart.svg\n"
@@ -45,10 +45,10 @@ struct BenchOptions {
 
 std::optional<BenchOptions> parseBenchOptions(const std::vector<std::string>& arguments) {
     BenchOptions options;
-    CommandLine line(DESCRIPTION);
+    CommandLine line(BENCH_DESCRIPTION);
     CLI::App& app = line.app();
     app.name("keladjust bench");
-    app.footer(EXAMPLES);
+    app.footer(BENCH_EXAMPLES);
     std::string picture;
     app.add_option("PICTURE", picture, "The picture to measure with")->required();
     app.add_option_function<std::string>(

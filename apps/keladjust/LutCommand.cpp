@@ -20,11 +20,11 @@
 namespace keladjust::app {
 namespace {
 
-constexpr const char* DESCRIPTION =
+constexpr const char* LUT_DESCRIPTION =
     "Writes settings as a 3D colour table of 32 x 32 x 32 entries in a cube file.\n"
     "Clarity, sharpening, the vignette and all after it have no part in a colour table.";
 
-constexpr const char* EXAMPLES =
+constexpr const char* LUT_EXAMPLES =
     "Examples:\n"
     "  keladjust lut --preset warm.json -o warm.cube\n"
     "  keladjust lut --exposure 20 --vibrance 30 --order red-fastest -o look.cube";
@@ -69,10 +69,10 @@ void writeRedFastest(const _AdjustParam& record, const std::filesystem::path& ou
 }  // namespace
 
 int runLutCommand(const std::vector<std::string>& arguments) {
-    CommandLine line(DESCRIPTION);
+    CommandLine line(LUT_DESCRIPTION);
     CLI::App& app = line.app();
     app.name("keladjust lut");
-    app.footer(EXAMPLES);
+    app.footer(LUT_EXAMPLES);
     std::string output;
     app.add_option("-o,--output", output, "The cube file to write")->type_name("FILE")->required();
     std::string order = "blue-fastest";

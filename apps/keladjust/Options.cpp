@@ -11,11 +11,11 @@
 namespace keladjust::app {
 namespace {
 
-constexpr const char* DESCRIPTION =
+constexpr const char* ADJUST_DESCRIPTION =
     "Adjusts pictures: JPEG, PNG, TIFF and WebP.\n"
     "See also: keladjust lut --help, for colour tables; keladjust bench --help, for speed.";
 
-constexpr const char* EXAMPLES =
+constexpr const char* ADJUST_EXAMPLES =
     "Examples:\n"
     "  keladjust photo.jpg --exposure 20 --temperature 13000 -o brighter.jpg\n"
     "  keladjust *.jpg --preset warm.json --shadows 30 -o out/ --jobs 4\n"
@@ -65,9 +65,9 @@ void refuseContradictions(const Options& options) {
 
 std::optional<Options> parseOptions(const std::vector<std::string>& arguments) {
     Options options;
-    CommandLine line(DESCRIPTION);
+    CommandLine line(ADJUST_DESCRIPTION);
     CLI::App& app = line.app();
-    app.footer(EXAMPLES);
+    app.footer(ADJUST_EXAMPLES);
 
     std::vector<std::string> inputs;
     app.add_option("PICTURE", inputs, "Pictures to adjust");
