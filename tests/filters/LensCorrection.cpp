@@ -147,8 +147,8 @@ TEST(Fringing, CutsCoordinatesOfHugePicturesTo16Bits) {
     EXPECT_EQ(picture.bytes(), expected.bytes());
 }
 
-// The last rows of a tall picture all fetch from below themselves, but for the very last, which stops
-// at the margin above it; of many bands the last one holds no other rows.
+// The last rows of a tall picture all fetch from below themselves, but for the very last, which
+// stops at the margin above it; of many bands the last one holds no other rows.
 TEST(Fringing, StaysInsideTheBottomEdgeInTheLastOfManyBands) {
     setMaxThreads(64);
     HostPicture picture(64, 32000, 8, IMAGE_FORMAT_GRAY);
