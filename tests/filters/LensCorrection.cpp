@@ -160,6 +160,27 @@ TEST(Fringing, StaysInsideTheBottomEdgeInTheLastOfManyBands) {
     setMaxThreads(0);
 }
 
+// Whatever a call takes over from the one before: another size or setting bends a picture otherwise.
+TEST(LensCorrection, FollowsSizeAndSettingOfEveryCall) {
+    struct Call {
+        unsigned width, height;
+        float setting;
+    };
+    constexpr Call calls[] = {{40, 30, 50}, {40, 30, 50}, {30, 40, 50}, {40, 30, 50},
+                              {40, 30, 51}, {40, 31, 51}, {41, 31, 51}, {41, 31, -51}};
+    for (const auto& [stage, model] :
+         {std::pair{&distortFilter, &distortionModel}, {&fringingFilter, &fringingModel}}) {
+        for (const Call& call : calls) {
+            HostPicture picture(call.width, call.height, 32, IMAGE_FORMAT_RGBA);
+            picture.fillRandom(8);
+            HostPicture expected(picture);
+            stage(picture.image(), call.setting);
+            model(*expected.image(), call.setting);
+            EXPECT_EQ(picture.bytes(), expected.bytes()) << call.width << ", " << call.setting;
+        }
+    }
+}
+
 // A band of rows fetches from those of others, which change meanwhile; few rows are within reach of
 // a weak setting, and nearly all of a strong one.
 TEST(LensCorrection, FetchesFromOtherBandsAsTheyWere) {
