@@ -160,7 +160,7 @@ TEST(Fringing, StaysInsideTheBottomEdgeInTheLastOfManyBands) {
     setMaxThreads(0);
 }
 
-// Whatever a call takes over from the one before: another size or setting bends a picture otherwise.
+// Nothing of a call is in the next: each bends its picture by its own size and setting.
 TEST(LensCorrection, FollowsSizeAndSettingOfEveryCall) {
     struct Call {
         unsigned width, height;
