@@ -27,10 +27,9 @@ struct HueSaturation {
 };
 
 // As CxImage::RGBtoHSL(), less the lightness. Numbers are small enough to be exact, where steps are
-// fused as well. Halves that the
-// formula truncates keep their fraction here, because less than a whole in a dividend changes no
-// whole quotient; quotients that are not whole lie 1 / 1020 and more from the next that is, far
-// more than they are rounded by.
+// fused as well. Halves that the formula truncates keep their fraction here, because less than a
+// whole in a dividend changes no whole quotient; quotients that are not whole lie 1 / 1020 and more
+// from the next that is, far more than they are rounded by.
 HWY_INLINE HueSaturation hueAndSaturation(const Channels<Floats>& c) {
     const Floats zero = constant(0.0f);
     const Floats half = constant(0.5f);
