@@ -51,19 +51,18 @@ bool staysInside(const rows::Lens& lens) {
 void distortInside(const CxImage& image, const RawWalk& walk, const rows::Lens& lens) {
     const std::size_t width = image.width;
     const std::size_t rowBytes = width * walk.step;
-    const rows::ColumnDistances columns(
-        width / 2 + 1, [&](std::size_t x) { return static_cast<float>(x) / lens.unitX; });
+    const rows::ColumnDistances columns = mirroredDistances(lens, width);
     const OriginalRows rows{walk.first, rowBytes, width + walk.step - 1, image.height};
     const auto reach = [&](std::size_t begin, std::size_t end) {
         return lensReach(lens, 1.0f, 1.0f, static_cast<float>(image.height - 1), begin, end);
     };
     changeLensRows(rows, width, reach, [&](std::size_t y, const RowWindow& window) {
         const rows::RowRing ring = window.ring(rows.bytes);
-        const float rowDistance = (static_cast<float>(y) - lens.centreY) / lens.unitY;
+        const float distance = rowDistance(lens, y);
         std::uint8_t* const pixels = walk.first + y * rowBytes;
         rows::MirroredRun run;
         const auto compute = [&](std::size_t first, std::size_t count) {
-            rows::distortedRun(lens, columns.data() + first, count, rowDistance,
+            rows::distortedRun(lens, columns.data() + first, count, distance,
                                static_cast<std::int32_t>(width - 1), ring, run);
         };
         withStep(walk.step, [&](auto step) {
@@ -105,9 +104,7 @@ void fetchPartly(const PackedRows& rows, const std::uint8_t* source, std::int64_
 // Any setting and size: what is fetched from outside the buffer leaves a byte as it was.
 void distortPartly(CxImage& image, const RawWalk& walk, const rows::Lens& lens) {
     const PackedRows rows{walk.step, image.width, image.size};
-    const rows::ColumnDistances columns(image.width, [&](std::size_t x) {
-        return (static_cast<float>(x) - lens.centreX) / lens.unitX;
-    });
+    const rows::ColumnDistances columns = columnDistances(lens, image.width);
     const auto copy = std::make_unique_for_overwrite<std::uint8_t[]>(image.size);
     std::memcpy(copy.get(), image.pBits, image.size);
     const std::size_t bands = lensBands(image.width, image.height);
@@ -115,8 +112,7 @@ void distortPartly(CxImage& image, const RawWalk& walk, const rows::Lens& lens) 
     platform::parallelBands(
         image.height, bands, [&](std::size_t band, std::size_t begin, std::size_t end) {
             for (std::size_t y = begin; y < end; ++y) {
-                const float rowDistance = (static_cast<float>(y) - lens.centreY) / lens.unitY;
-                rows::placesOfRow(lens, columns, rowDistance, places[band].data());
+                rows::placesOfRow(lens, columns, rowDistance(lens, y), places[band].data());
                 std::uint8_t* pixel = walk.first + y * rows.width * walk.step;
                 for (const rows::Place place : places[band]) {
                     const std::int64_t offset = rows.offsetOf(place);

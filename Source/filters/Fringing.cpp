@@ -124,8 +124,7 @@ void correctInside(CxImage& image, PixelLayout layout, const rows::Fringing& fri
     const std::size_t width = image.width;
     const std::size_t pixelBytes = bytesPerPixelOf(layout);
     const rows::Lens& lens = fringing.lens;
-    const rows::ColumnDistances columns(
-        width / 2 + 1, [&](std::size_t x) { return static_cast<float>(x) / lens.unitX; });
+    const rows::ColumnDistances columns = mirroredDistances(lens, width);
     const OriginalRows rows{image.pBits, image.effWidth, width * pixelBytes, image.height};
     const auto reach = [&](std::size_t begin, std::size_t end) {
         const auto [smallest, largest] =
@@ -135,11 +134,11 @@ void correctInside(CxImage& image, PixelLayout layout, const rows::Fringing& fri
     changeLensRows(rows, width, reach, [&](std::size_t y, const RowWindow& window) {
         rows::RowRing ring = window.ring(width);
         ring.bottom = std::clamp(static_cast<std::int32_t>(fringing.lastY), ring.top, ring.bottom);
-        const float rowDistance = (static_cast<float>(y) - lens.centreY) / lens.unitY;
+        const float distance = rowDistance(lens, y);
         std::uint8_t* const pixels = image.pBits + y * image.effWidth;
         rows::FringingRun run;
         const auto compute = [&](std::size_t first, std::size_t count) {
-            rows::fringedRun(fringing, columns.data() + first, count, rowDistance, ring, run);
+            rows::fringedRun(fringing, columns.data() + first, count, distance, ring, run);
         };
         forEachMirroredRun(width, compute, [&](const RunColumns& side) {
             fetchPixels(window.bytes(), layout,
@@ -166,24 +165,22 @@ void correctPartly(CxImage& image, PixelLayout layout, const rows::Fringing& fri
     const std::size_t width = image.width;
     const rows::Lens& lens = fringing.lens;
     const auto nowhere = static_cast<std::uint32_t>(width * image.height);
-    const rows::ColumnDistances columns(
-        width, [&](std::size_t x) { return (static_cast<float>(x) - lens.centreX) / lens.unitX; });
+    const rows::ColumnDistances columns = columnDistances(lens, width);
     const auto copy = packedCopy(image, bytesPerPixelOf(layout));
     const std::size_t bands = lensBands(width, image.height);
     std::vector<std::vector<std::uint32_t>> numbers(bands, std::vector<std::uint32_t>(3 * width));
-    platform::parallelBands(
-        image.height, bands, [&](std::size_t band, std::size_t begin, std::size_t end) {
-            std::uint32_t* const red = numbers[band].data();
-            std::uint32_t* const green = red + width;
-            std::uint32_t* const blue = green + width;
-            for (std::size_t y = begin; y < end; ++y) {
-                rows::pixelsOfRow(fringing, columns,
-                                  (static_cast<float>(y) - lens.centreY) / lens.unitY, image.width,
-                                  nowhere, {red, green, blue});
-                fetchPixels(copy.get(), layout, {red, green, blue}, width,
-                            image.pBits + y * image.effWidth);
-            }
-        });
+    platform::parallelBands(image.height, bands,
+                            [&](std::size_t band, std::size_t begin, std::size_t end) {
+                                std::uint32_t* const red = numbers[band].data();
+                                std::uint32_t* const green = red + width;
+                                std::uint32_t* const blue = green + width;
+                                for (std::size_t y = begin; y < end; ++y) {
+                                    rows::pixelsOfRow(fringing, columns, rowDistance(lens, y),
+                                                      image.width, nowhere, {red, green, blue});
+                                    fetchPixels(copy.get(), layout, {red, green, blue}, width,
+                                                image.pBits + y * image.effWidth);
+                                }
+                            });
 }
 
 void correctFringing(CxImage& image, float setting) {

@@ -27,6 +27,22 @@ inline bool lensCoordinatesFit(unsigned width, unsigned height) {
     return width <= most && height <= most;
 }
 
+/// How far a row lies below the centre, in the lens' unit.
+inline float rowDistance(const rows::Lens& lens, std::size_t y) {
+    return (static_cast<float>(y) - lens.centreY) / lens.unitY;
+}
+
+/// How far each column of a picture lies to the right of the centre.
+inline rows::ColumnDistances columnDistances(const rows::Lens& lens, std::size_t width) {
+    return {width,
+            [&](std::size_t x) { return (static_cast<float>(x) - lens.centreX) / lens.unitX; }};
+}
+
+/// How far columns lie from the centre, from there out to the left edge.
+inline rows::ColumnDistances mirroredDistances(const rows::Lens& lens, std::size_t width) {
+    return {width / 2 + 1, [&](std::size_t x) { return static_cast<float>(x) / lens.unitX; }};
+}
+
 /// By what a lens multiplies distances from the centre.
 inline double lensRatio(const rows::Lens& lens, double length) {
     double raised = lens.strength;
