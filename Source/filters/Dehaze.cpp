@@ -14,6 +14,7 @@
 #include "filters/MeanWindow.h"
 #include "filters/Rounding.h"
 #include "filters/StageForms.h"
+#include "filters/ThreadShare.h"
 #include "filters/rows/Dehaze.h"
 #include "platform/LargePages.h"
 #include "platform/Parallel.h"
@@ -21,10 +22,6 @@
 namespace keladjust {
 
 namespace {
-
-constexpr std::size_t pixelsPerThread = 1 << 15;
-
-using ByteMap = std::unique_ptr<std::uint8_t[]>;
 
 void mean15(const std::uint8_t* source, std::uint8_t* destination, std::size_t width,
             std::size_t height) {
@@ -63,10 +60,10 @@ std::uint8_t largestByte(const std::uint8_t* bytes, std::size_t count) {
 
 /// What the haze of a picture is judged by.
 struct Haze {
-    ByteMap means;               ///< of the darkest channels about every pixel
-    std::uint64_t sum = 0;       ///< of the darkest channels
-    std::uint8_t deepest = 0;    ///< of the means
-    std::uint8_t brightest = 0;  ///< of all channels
+    std::unique_ptr<std::uint8_t[]> means;  ///< of the darkest channels about every pixel
+    std::uint64_t sum = 0;                  ///< of the darkest channels
+    std::uint8_t deepest = 0;               ///< of the means
+    std::uint8_t brightest = 0;             ///< of all channels
 };
 
 /// Judges the rows of one band. The darkest channels are kept only as long as the window of the

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "filters/RowWindow.h"
+#include "filters/ThreadShare.h"
 #include "filters/rows/LensSources.h"
 #include "platform/Parallel.h"
 
@@ -17,8 +18,7 @@ namespace keladjust {
 
 /// How many bands of rows a lens stage works on side by side.
 inline std::size_t lensBands(std::size_t width, std::size_t height) {
-    constexpr std::size_t pixelsPerThread = 1 << 14;
-    return platform::bandCount(height, pixelsPerThread / width + 1);
+    return platform::bandCount(height, pixelsPerThread / 2 / width + 1);
 }
 
 /// Coordinates of larger pictures do not fit their 16 bits.

@@ -13,14 +13,13 @@
 #include "filters/SmallBlur.h"
 #include "filters/StackBlur.h"
 #include "filters/StageForms.h"
+#include "filters/ThreadShare.h"
 #include "filters/spans/Spans.h"
 #include "platform/Parallel.h"
 
 namespace keladjust {
 
 namespace {
-
-constexpr std::size_t pixelsPerThread = 1 << 15;
 
 void addGrain(CxImage& image, float amount, float size) {
     const float scale = size / 100.0f * (amount / 100.0f);

@@ -12,14 +12,12 @@
 #include "ImageFormat/Geometry.h"
 #include "filters/InPlaceBands.h"
 #include "filters/StageForms.h"
+#include "filters/ThreadShare.h"
 #include "filters/rows/Rows.h"
 
 namespace keladjust {
 
 namespace {
-
-// Below this many bytes a thread costs more than it saves.
-constexpr std::size_t bytesPerThread = 1 << 17;
 
 /// Sharpens in place: a thread keeps the row it is about to write and the one above it.
 class Sharpener {

@@ -4,22 +4,18 @@
 #include <cstring>
 #include <utility>
 
+#include "filters/ThreadShare.h"
 #include "filters/rows/Rows.h"
 
 namespace keladjust {
 
-namespace {
-
-// Below this many bytes a thread costs more than it saves.
-constexpr std::size_t bytesPerThread = 1 << 18;
-
-}  // namespace
+namespace {}  // namespace
 
 SmallBlur::SmallBlur(const ByteRows& rows, std::size_t pixelBytes, std::optional<ByteScale> gain)
     : rows_(rows),
       pixelBytes_(pixelBytes),
       gain_(gain),
-      bands_(rows, 1, bytesPerThread / rows.bytes + 1),
+      bands_(rows, 1, 2 * bytesPerThread / rows.bytes + 1),
       spaces_(bands_.count()) {
     for (Workspace& space : spaces_) {
         space.row.resize(rows.bytes);

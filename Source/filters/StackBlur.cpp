@@ -10,14 +10,12 @@
 #include <cstring>
 
 #include "filters/SmallBlur.h"
+#include "filters/ThreadShare.h"
 #include "filters/rows/StackBlur.h"
 
 namespace keladjust {
 
 namespace {
-
-// Below this many bytes a thread costs more than it saves.
-constexpr std::size_t bytesPerThread = 1 << 17;
 
 // Rows that the blur across takes in one go, during which its sums stay in registers.
 constexpr std::size_t stepsPerCall = 8;

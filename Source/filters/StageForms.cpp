@@ -8,15 +8,13 @@
 #include "ImageFormat/Geometry.h"
 #include "ImageFormat/RawWalk.h"
 #include "filters/ColourMemory.h"
+#include "filters/ThreadShare.h"
 #include "filters/spans/Spans.h"
 #include "platform/Parallel.h"
 
 namespace keladjust {
 
 namespace {
-
-// Below this many pixels a thread costs more than it saves.
-constexpr std::size_t pixelsPerThread = 1 << 15;
 
 // Runs kernels on the rows of a band, one span after another.
 class SpanRunner {

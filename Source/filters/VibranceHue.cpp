@@ -10,6 +10,7 @@
 #include "filters/Angle.h"
 #include "filters/Rounding.h"
 #include "filters/StageForms.h"
+#include "filters/ThreadShare.h"
 #include "filters/spans/Spans.h"
 #include "platform/Parallel.h"
 
@@ -32,7 +33,6 @@ spans::HueMatrix hueMatrix(float angle) {
 }
 
 void rotateRawWalk(CxImage& image, const spans::HueMatrix& matrix) {
-    constexpr std::size_t pixelsPerThread = 1 << 15;
     const RawWalk walk = rawWalkOf(image);
     if (walk.channels < 3) return;
     platform::parallelBands(walk.count, platform::bandCount(walk.count, pixelsPerThread),

@@ -18,7 +18,7 @@ namespace keladjust {
 namespace {
 
 // Taken in double and narrowed once, so that C libraries agree on it.
-float exposureFactor(float exposure) {
+float borderFactor(float exposure) {
     return static_cast<float>(std::pow(2.0, static_cast<double>(exposure / 100.0f)));
 }
 
@@ -54,7 +54,7 @@ VignetteKernel::VignetteKernel(unsigned width, unsigned height, float amount, fl
     : active_(amount != 0.0f || exposure != 0.0f), centreX_(width / 2), centreY_(height / 2) {
     if (!active_) return;
     const float border = amount / 100.0f;
-    shade_ = {border + 1.0f, exposureFactor(exposure),
+    shade_ = {border + 1.0f, borderFactor(exposure),
               std::fabs(border) * (highlights / 100.0f * 2.0f - 1.0f)};
 
     const Ellipse inner(static_cast<float>(centreX_), static_cast<float>(centreY_), size / 100.0f,

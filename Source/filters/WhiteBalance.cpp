@@ -12,6 +12,7 @@
 #include "filters/ByteScale.h"
 #include "filters/PixelKernel.h"
 #include "filters/StageForms.h"
+#include "filters/ThreadShare.h"
 #include "filters/rows/Rows.h"
 #include "filters/spans/Spans.h"
 #include "platform/Parallel.h"
@@ -19,9 +20,6 @@
 namespace keladjust {
 
 namespace {
-
-// Below this many pixels a thread costs more than it saves.
-constexpr std::size_t pixelsPerThread = 1 << 15;
 
 // Pixels of one brightness together.
 struct Bin {

@@ -115,9 +115,9 @@ constexpr Stage stages[] = {
 };
 
 /// Neighbouring per-pixel stages that wait for their common pass.
-class Pass {
+class CommonPass {
 public:
-    explicit Pass(CxImage& image) : image_(image), layout_(layoutOf(image)) {}
+    explicit CommonPass(CxImage& image) : image_(image), layout_(layoutOf(image)) {}
 
     void add(KernelPointer kernel) {
         // Two tables are one where nothing happens to a lane between them: it is stored whole, or
@@ -153,7 +153,7 @@ bool canShareAPass(const Stage& stage, const CxImage& image) {
 
 /// Puts the stage into the pass, if it can be there; false if it runs by itself.
 bool joinPass(const Stage& stage, const CxImage& image, const _AdjustParam& parameters,
-              Pass& pass) {
+              CommonPass& pass) {
     if (!canShareAPass(stage, image)) return false;
     try {
         KernelPointer kernel = stage.kernel(image, parameters);
@@ -165,7 +165,7 @@ bool joinPass(const Stage& stage, const CxImage& image, const _AdjustParam& para
 }
 
 void runStages(CxImage& image, const _AdjustParam& parameters) {
-    Pass pass(image);
+    CommonPass pass(image);
     for (const Stage& stage : stages) {
         if (joinPass(stage, image, parameters, pass)) continue;
         pass.run();

@@ -4,9 +4,11 @@
 #define HWY_TARGET_INCLUDE "filters/spans/Grain.cpp"
 #include <hwy/foreach_target.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 
 #include "filters/GrainGenerator.h"
 #include "filters/Rounding.h"
@@ -116,6 +118,7 @@ void addGrain(PixelSpan& span, std::size_t channels, std::size_t firstPixel, flo
     const Grain grain(scale);
     Sums sumsOfPixels(firstPixel);
     std::uint8_t* const channelLanes[] = {span.blue, span.green, span.red};
+    channels = std::min(channels, std::size(channelLanes));
     forEachVector(span, [&](std::size_t i) HWY_ATTR {
         const Words sums = sumsOfPixels.next();
         const Change change = grain.changeBy(sums);
