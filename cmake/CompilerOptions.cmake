@@ -10,11 +10,9 @@ else()
     target_compile_options(keladjust_options INTERFACE
         -Wall -Wextra -Wconversion -Wshadow -Werror
         # Results are the same on every machine: no fused multiply-add where the source has two steps.
-        -ffp-contract=off)
-    if(CMAKE_UNITY_BUILD)
+        -ffp-contract=off
         # A name local to one file is none to the others that it is compiled with.
-        target_compile_options(keladjust_options INTERFACE -Wno-shadow)
-    endif()
+        $<$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>:-Wno-shadow>)
 endif()
 if(MINGW AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # GCC takes the stack of a Windows program for aligned to whatever its vectors need, but it is
@@ -26,4 +24,20 @@ if(KELADJUST_SANITIZE)
     target_compile_options(keladjust_options INTERFACE
         -fsanitize=${KELADJUST_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(keladjust_options INTERFACE -fsanitize=${KELADJUST_SANITIZE})
+
+    # They take minutes over vector code. One instruction set a width of vectors is enough for them, and
+    # for what runs on several threads the best; what this machine cannot run need not be there.
+    set(unwatched HWY_SSSE3)
+    if(KELADJUST_SANITIZE STREQUAL "thread")
+        list(APPEND unwatched HWY_SSE4)
+    endif()
+    set(avx512 "")
+    if(EXISTS /proc/cpuinfo)
+        file(STRINGS /proc/cpuinfo avx512 REGEX avx512bw LIMIT_COUNT 1)
+    endif()
+    if(NOT avx512)
+        list(APPEND unwatched HWY_AVX3)
+    endif()
+    list(JOIN unwatched "|" unwatched)
+    target_compile_definitions(keladjust_options INTERFACE "HWY_DISABLED_TARGETS=(${unwatched})")
 endif()
