@@ -12,10 +12,6 @@ struct Holdings {
 
 Holdings holdingsNow();
 
-/// Handles that a start and stop of the engine leaves behind and nobody can close: for Windows each
-/// of its two plugins carries GCC's thread library, which keeps one for the render thread.
-extern const long handlesLeftByPlugins;
-
 }  // namespace keladjust::test
 
 #endif

@@ -7,8 +7,6 @@
 
 namespace keladjust::test {
 
-const long handlesLeftByPlugins = 0;
-
 Holdings holdingsNow() {
     Holdings held;
     std::ifstream status("/proc/self/status");

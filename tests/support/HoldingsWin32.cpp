@@ -24,8 +24,6 @@ long openHandles() {
 
 }  // namespace
 
-const long handlesLeftByPlugins = 2;
-
 Holdings holdingsNow() {
     Holdings held;
     PROCESS_MEMORY_COUNTERS memory{};
