@@ -9,8 +9,6 @@
 
 namespace keladjust {
 
-namespace {}  // namespace
-
 SmallBlur::SmallBlur(const ByteRows& rows, std::size_t pixelBytes, std::optional<ByteScale> gain)
     : rows_(rows),
       pixelBytes_(pixelBytes),
