@@ -9,7 +9,7 @@
 
 #include "engine/KelOgreEffectBase.h"
 #include "engine/KelOgreRenderThread.h"
-#include "filters/StageForms.h"
+#include "walks/StageForms.h"
 
 namespace keladjust {
 

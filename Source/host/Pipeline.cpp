@@ -9,15 +9,18 @@
 
 #include "ImageFormat/Geometry.h"
 #include "ImageFormat/PixelSpan.h"
-#include "ImageFormat/RawWalk.h"
-#include "filters/BrightnessContrast.h"
-#include "filters/ColourRanges.h"
-#include "filters/ExposureTonalRanges.h"
-#include "filters/Saturation.h"
-#include "filters/StageForms.h"
-#include "filters/TemperatureTint.h"
-#include "filters/VibranceHue.h"
-#include "filters/Vignette.h"
+#include "filters/colour-ranges/ColourRanges.h"
+#include "filters/contrast/Contrast.h"
+#include "filters/exposure/Brightness.h"
+#include "filters/exposure/Exposure.h"
+#include "filters/saturation/Saturation.h"
+#include "filters/temperature/Temperature.h"
+#include "filters/temperature/Tint.h"
+#include "filters/tonal/TonalRanges.h"
+#include "filters/vibrance/Vibrance.h"
+#include "filters/vignette/Vignette.h"
+#include "walks/RawWalk.h"
+#include "walks/StageForms.h"
 
 namespace keladjust {
 

@@ -4,16 +4,19 @@
 #include <type_traits>
 #include <utility>
 
-#include "filters/BrightnessContrast.h"
-#include "filters/ColourKernel.h"
-#include "filters/ColourRanges.h"
-#include "filters/ExposureTonalRanges.h"
-#include "filters/Saturation.h"
-#include "filters/TemperatureTint.h"
-#include "filters/VibranceHue.h"
+#include "filters/colour-ranges/ColourRanges.h"
+#include "filters/contrast/Contrast.h"
+#include "filters/exposure/Brightness.h"
+#include "filters/exposure/Exposure.h"
+#include "filters/saturation/Saturation.h"
+#include "filters/temperature/Temperature.h"
+#include "filters/temperature/Tint.h"
+#include "filters/tonal/TonalRanges.h"
+#include "filters/vibrance/Vibrance.h"
 #include "lut/CubeFile.h"
 #include "platform/FloatingPoint.h"
 #include "platform/Parallel.h"
+#include "walks/ColourKernel.h"
 
 namespace keladjust {
 

@@ -1,4 +1,4 @@
-#include "ImageFormat/RawWalk.h"
+#include "walks/RawWalk.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "filters/Angle.h"
+#include "arithmetic/Angle.h"
 
 #include <gtest/gtest.h>
 

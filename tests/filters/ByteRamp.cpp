@@ -1,6 +1,6 @@
 // Tables that rise with one slope between two flat ends, computed instead of looked up.
 
-#include "filters/ByteRamp.h"
+#include "walks/ByteRamp.h"
 
 #include <gtest/gtest.h>
 
@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "filters/BrightnessContrast.h"
-#include "filters/ExposureTonalRanges.h"
+#include "filters/contrast/Contrast.h"
 #include "filters/spans/Spans.h"
+#include "filters/tonal/TonalRanges.h"
 #include "support/InstructionSets.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "filters/ByteScale.h"
+#include "walks/ByteScale.h"
 
 #include <gtest/gtest.h>
 

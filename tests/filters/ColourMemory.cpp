@@ -1,6 +1,6 @@
 // A memory of what long rows of kernels make of colours: never more than a way to be faster.
 
-#include "filters/ColourMemory.h"
+#include "walks/ColourMemory.h"
 
 #include <gtest/gtest.h>
 
@@ -8,12 +8,12 @@
 #include <cstring>
 #include <random>
 
-#include "filters/ColourRanges.h"
-#include "filters/Saturation.h"
-#include "filters/StageForms.h"
-#include "filters/TemperatureTint.h"
-#include "filters/Vignette.h"
+#include "filters/colour-ranges/ColourRanges.h"
+#include "filters/saturation/Saturation.h"
+#include "filters/temperature/Temperature.h"
+#include "filters/vignette/Vignette.h"
 #include "support/HostPicture.h"
+#include "walks/StageForms.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "filters/ColourRanges.h"
+#include "filters/colour-ranges/ColourRanges.h"
 #include "models/ColourRanges.h"
 #include "support/ColourSweep.h"
 #include "support/OddNumbers.h"

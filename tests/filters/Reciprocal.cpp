@@ -1,6 +1,6 @@
 // Quotients by constants as two multiplications: the same floats as divisions.
 
-#include "filters/spans/Reciprocal.h"
+#include "arithmetic/Reciprocal.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "filters/ByteScale.h"
+#include "walks/ByteScale.h"
 
 /// The inner loops of the stages that look at neighbours, over rows of bytes, compiled for every
 /// instruction set and chosen when they run. All of them give the same bytes. The fourth byte of

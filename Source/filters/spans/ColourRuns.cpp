@@ -5,9 +5,9 @@
 #define HWY_TARGET_INCLUDE "filters/spans/ColourRuns.cpp"
 #include <hwy/foreach_target.h>
 
-#include "filters/spans/HslVectors-inl.h"
-#include "filters/spans/SpanVectors-inl.h"
 #include "filters/spans/Spans.h"
+#include "walks/HslVectors-inl.h"
+#include "walks/PixelVectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {

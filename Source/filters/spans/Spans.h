@@ -6,9 +6,9 @@
 
 #include "ImageFormat/PackedSpan.h"
 #include "ImageFormat/PixelSpan.h"
-#include "filters/ByteRamp.h"
-#include "filters/ColourKernel.h"
-#include "filters/ColourRanges.h"
+#include "filters/colour-ranges/ColourRanges.h"
+#include "walks/ByteRamp.h"
+#include "walks/ColourKernel.h"
 
 /// The inner loops of the per-pixel stages, compiled for every instruction set and chosen when they
 /// run. All of them give the same bytes; the stages' own files say what the numbers mean.
