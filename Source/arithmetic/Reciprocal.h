@@ -9,7 +9,7 @@ namespace keladjust {
 /// quotient for nearly every divisor (N. Brisebarre and J.-M. Muller, "Correctly Rounded
 /// Multiplication by Arbitrary Precision Constants", 2008). Which numbers it holds for depends on
 /// their mantissas alone, as long as nothing leaves the normal range; for the divisors in use it
-/// has been tested with every one (tests/filters/Reciprocal.cpp).
+/// has been tested with every one (tests/arithmetic/Reciprocal.cpp).
 template <int divisor>
 struct Reciprocal {
     static constexpr float high = 1.0f / static_cast<float>(divisor);

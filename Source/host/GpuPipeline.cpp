@@ -155,7 +155,8 @@ void runStages(CxImage* image, const P& p, const GpuEngine& engine) {
 
 CxImage* runGpuPipeline(CxImage* image, const _AdjustParam& parameters,
                         const GpuEngine& engine) noexcept {
-    return exportedForm(image, [&] { runStages(image, parameters, engine); });
+    guarded([&] { runStages(image, parameters, engine); });
+    return image;
 }
 
 }  // namespace keladjust

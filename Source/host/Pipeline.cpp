@@ -7,7 +7,6 @@
 #include <new>
 #include <utility>
 
-#include "ImageFormat/Geometry.h"
 #include "ImageFormat/PixelSpan.h"
 #include "filters/colour-ranges/ColourRanges.h"
 #include "filters/contrast/Contrast.h"
@@ -37,7 +36,7 @@ enum class Addressing {
 /// One row of the pipeline. A stage with a kernel can share a pass with its neighbours.
 struct Stage {
     CxImage* (*run)(CxImage*, const _AdjustParam&);
-    KernelPointer (*kernel)(const CxImage&, const _AdjustParam&) = nullptr;
+    KernelPointer (*kernel)(const Picture&, const _AdjustParam&) = nullptr;
     Addressing addressing = Addressing::pixels;
 };
 
@@ -45,7 +44,7 @@ struct Stage {
 template <auto form, class Kernel, auto setting>
 constexpr Stage perPixel(Addressing addressing = Addressing::pixels) {
     return {[](CxImage* image, const _AdjustParam& p) { return form(image, p.*setting); },
-            [](const CxImage&, const _AdjustParam& p) -> KernelPointer {
+            [](const Picture&, const _AdjustParam& p) -> KernelPointer {
                 return std::make_unique<Kernel>(p.*setting);
             },
             addressing};
@@ -64,7 +63,7 @@ constexpr Stage colourRange() {
                 return doHSLAdjustFilter(image, r.minDegree, r.maxDegree, r.hue, r.saturation,
                                          r.brightness);
             },
-            [](const CxImage&, const _AdjustParam& p) -> KernelPointer {
+            [](const Picture&, const _AdjustParam& p) -> KernelPointer {
                 const _AdjustColourRange& r = p.range[place];
                 return std::make_unique<ColourRangeKernel>(r.minDegree, r.maxDegree, r.hue,
                                                            r.saturation, r.brightness);
@@ -77,10 +76,11 @@ constexpr Stage vignette() {
                                             p.vignetteHighlights, p.vignetteSize,
                                             p.vignetteRoundness, p.vignetteExposure);
             },
-            [](const CxImage& image, const _AdjustParam& p) -> KernelPointer {
+            [](const Picture& picture, const _AdjustParam& p) -> KernelPointer {
                 return std::make_unique<VignetteKernel>(
-                    image.width, image.height, p.vignetteAmount, p.vignetteFeather,
-                    p.vignetteHighlights, p.vignetteSize, p.vignetteRoundness, p.vignetteExposure);
+                    static_cast<unsigned>(picture.width), static_cast<unsigned>(picture.height),
+                    p.vignetteAmount, p.vignetteFeather, p.vignetteHighlights, p.vignetteSize,
+                    p.vignetteRoundness, p.vignetteExposure);
             }};
 }
 
@@ -120,13 +120,14 @@ constexpr Stage stages[] = {
 /// Neighbouring per-pixel stages that wait for their common pass.
 class CommonPass {
 public:
-    explicit CommonPass(CxImage& image) : image_(image), layout_(layoutOf(image)) {}
+    explicit CommonPass(const Picture& picture) : picture_(picture) {}
 
     void add(KernelPointer kernel) {
         // Two tables are one where nothing happens to a lane between them: it is stored whole, or
         // it is one of three alike.
         const bool followsTable = count_ > 0 && kernels_[count_ - 1]->table() != nullptr;
-        const bool lanesPass = storesLanesWhole(layout_) || layout_ == PixelLayout::gray8;
+        const PixelLayout layout = picture_.layout;
+        const bool lanesPass = storesLanesWhole(layout) || layout == PixelLayout::gray8;
         if (lanesPass && followsTable && kernel->table() != nullptr) {
             KernelPointer& last = kernels_[count_ - 1];
             last = std::make_unique<ComposedTable>(*last->table(), *kernel->table());
@@ -138,28 +139,27 @@ public:
     void run() {
         std::array<const PixelKernel*, std::size(stages)> kernels;
         for (std::size_t i = 0; i < count_; ++i) kernels[i] = kernels_[i].get();
-        runKernels(image_, {kernels.data(), count_});
+        runKernels(picture_, {kernels.data(), count_});
         count_ = 0;
     }
 
 private:
-    CxImage& image_;
-    PixelLayout layout_;
+    const Picture& picture_;
     std::array<KernelPointer, std::size(stages)> kernels_;
     std::size_t count_ = 0;
 };
 
-bool canShareAPass(const Stage& stage, const CxImage& image) {
-    if (stage.kernel == nullptr || !hasPixels(&image)) return false;
-    return stage.addressing == Addressing::pixels || rawWalkMeetsPixels(image);
+bool canShareAPass(const Stage& stage, const Picture& picture) {
+    if (stage.kernel == nullptr) return false;
+    return stage.addressing == Addressing::pixels || rawWalkMeetsPixels(picture);
 }
 
 /// Puts the stage into the pass, if it can be there; false if it runs by itself.
-bool joinPass(const Stage& stage, const CxImage& image, const _AdjustParam& parameters,
+bool joinPass(const Stage& stage, const Picture& picture, const _AdjustParam& parameters,
               CommonPass& pass) {
-    if (!canShareAPass(stage, image)) return false;
+    if (!canShareAPass(stage, picture)) return false;
     try {
-        KernelPointer kernel = stage.kernel(image, parameters);
+        KernelPointer kernel = stage.kernel(picture, parameters);
         if (kernel->active()) pass.add(std::move(kernel));
         return true;
     } catch (const std::bad_alloc&) {
@@ -167,12 +167,12 @@ bool joinPass(const Stage& stage, const CxImage& image, const _AdjustParam& para
     }
 }
 
-void runStages(CxImage& image, const _AdjustParam& parameters) {
-    CommonPass pass(image);
+void runStages(CxImage* image, const Picture& picture, const _AdjustParam& parameters) {
+    CommonPass pass(picture);
     for (const Stage& stage : stages) {
-        if (joinPass(stage, image, parameters, pass)) continue;
+        if (joinPass(stage, picture, parameters, pass)) continue;
         pass.run();
-        stage.run(&image, parameters);
+        stage.run(image, parameters);
     }
     pass.run();
 }
@@ -180,9 +180,8 @@ void runStages(CxImage& image, const _AdjustParam& parameters) {
 }  // namespace
 
 CxImage* runCpuPipeline(CxImage* image, const _AdjustParam& parameters) noexcept {
-    return exportedForm(image, [&] {
-        if (image != nullptr) runStages(*image, parameters);
-    });
+    return exportedForm(image,
+                        [&](const Picture& picture) { runStages(image, picture, parameters); });
 }
 
 }  // namespace keladjust

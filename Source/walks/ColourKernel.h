@@ -5,13 +5,6 @@
 
 namespace keladjust {
 
-/// One entry of a colour table, scaled 0..1.
-struct Colour {
-    float red;
-    float green;
-    float blue;
-};
-
 /// Some entries of a colour table, each channel by itself, in the first-level cache. Kernels may
 /// run on past the entries that count, to the end of a vector.
 struct ColourRun {
@@ -22,17 +15,6 @@ struct ColourRun {
     alignas(64) float green[capacity] = {};
     alignas(64) float blue[capacity] = {};
 };
-
-/// Replaces each colour of the run by what `map` makes of it.
-template <class Map>
-void mapColours(ColourRun& run, Map map) {
-    for (std::size_t i = 0; i < run.count; ++i) {
-        const Colour mapped = map(Colour{run.red[i], run.green[i], run.blue[i]});
-        run.red[i] = mapped.red;
-        run.green[i] = mapped.green;
-        run.blue[i] = mapped.blue;
-    }
-}
 
 /// The look-up-table form of a stage at one setting: constants computed once, then applied to run
 /// after run, from several threads at a time.

@@ -1,6 +1,6 @@
-// Hue, saturation and lightness of keladjust::HslColour in vectors, to the bit, for colours in
-// 0..1. Included once for every instruction set, like the span kernels that use it; hence the guard
-// that toggles.
+// Hue, saturation and lightness in single precision (A. R. Smith, "Color Gamut Transform Pairs",
+// 1978, in its bi-hexcone form), in vectors. Included once for every instruction set, like the
+// kernels that use it; hence the guard that toggles.
 
 #if defined(KELADJUST_WALKS_HSLVECTORS_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef KELADJUST_WALKS_HSLVECTORS_INL_H
@@ -15,21 +15,43 @@ HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
 
+/// What numbers colours are made of. Those within 0..1 take fewer steps.
+struct UnitNumbers {
+    static constexpr bool any = false;
+};
+struct AnyNumbers {
+    static constexpr bool any = true;
+};
+
+/// True only if all channels lie within 0..1.
+HWY_INLINE bool isWithinUnit(const ColourRun& run) {
+    for (std::size_t i = 0; i < run.count; i += hn::Lanes(FloatTag())) {
+        const Channels<Floats> c = loadChannels(run, i);
+        const auto isWithin = [](Floats channel) HWY_ATTR {
+            return hn::And(hn::Ge(channel, constant(0.0f)), hn::Le(channel, constant(1.0f)));
+        };
+        const FloatMask within =
+            hn::And(isWithin(c.red), hn::And(isWithin(c.green), isWithin(c.blue)));
+        if (!hn::AllTrue(FloatTag(), within)) return false;
+    }
+    return true;
+}
+
 struct Hsl {
-    Floats hue;
-    Floats saturation;
+    Floats hue;         ///< degrees, 0..360
+    Floats saturation;  ///< 0..1 of colours in 0..1
     Floats lightness;
 };
 
-/// The vector form of keladjust::toHsl(); `sixthOf` divides by 6. Only zeros may lose their signs,
-/// which shows in no sum and no clamped channel.
-template <class Quotient>
+/// To HSL; `sixthOf` divides by 6. Zeros may lose their signs, which shows in no sum and no clamped
+/// channel.
+template <class Numbers, class Quotient>
 HWY_INLINE Hsl toHsl(const Channels<Floats>& c, Quotient sixthOf) {
-    const Floats largest = largestOf(c);
-    const Floats smallest = smallestOf(c);
+    const Floats largest = Numbers::any ? UnitColours::largestOf(c) : largestOf(c);
+    const Floats smallest = Numbers::any ? UnitColours::smallestOf(c) : smallestOf(c);
     const Floats delta = hn::Sub(largest, smallest);
     const Floats sum = hn::Add(largest, smallest);
-    const Floats lightness = hn::Mul(sum, constant(0.5f));  // of a grey its channels' own, exactly
+    Floats lightness = hn::Mul(sum, constant(0.5f));  // of a grey its channels' own, exactly
     const Floats room = hn::Sub(hn::Sub(constant(2.0f), largest), smallest);
     const Floats saturation =
         hn::Div(delta, hn::IfThenElse(hn::Lt(lightness, constant(0.5f)), sum, room));
@@ -46,6 +68,7 @@ HWY_INLINE Hsl toHsl(const Channels<Floats>& c, Quotient sixthOf) {
         hn::Add(turn, hn::IfThenElseZero(hn::Lt(turn, constant(0.0f)), constant(1.0f)));
 
     const FloatMask grey = hn::Eq(largest, smallest);  // whose quotients may be no numbers
+    if constexpr (Numbers::any) lightness = hn::IfThenElse(grey, c.red, lightness);
     return {hn::IfThenElse(grey, constant(0.6666667f * 360.0f), hn::Mul(wrapped, constant(360.0f))),
             hn::IfThenZeroElse(grey, saturation), lightness};
 }
@@ -54,16 +77,18 @@ HWY_INLINE Hsl toHsl(const Channels<Floats>& c, Quotient sixthOf) {
 /// `second` above the low bound, or low, with a `first` of 0.
 struct ChannelPlace {
     FloatMask high;
+    FloatMask low;  ///< of any numbers, whose rise may be none
     Floats first;
     Floats second;
 };
 
-// The order of the factors is that of keladjust::channelAt() on either slope.
+// The order of the factors is that of the formula on either slope.
 HWY_INLINE ChannelPlace placeAt(Floats turn) {
     const Floats six = constant(6.0f);
     const FloatMask rises = hn::Lt(turn, constant(0.16666667f));
     const Floats toEnd = hn::Max(hn::Sub(constant(0.6666667f), turn), constant(0.0f));
-    return {hn::AndNot(rises, hn::Lt(turn, constant(0.5f))), hn::IfThenElse(rises, six, toEnd),
+    return {hn::AndNot(rises, hn::Lt(turn, constant(0.5f))),
+            hn::Not(hn::Lt(turn, constant(0.6666667f))), hn::IfThenElse(rises, six, toEnd),
             hn::IfThenElse(rises, turn, six)};
 }
 
@@ -77,16 +102,28 @@ HWY_INLINE Floats ifNegative(Floats values, Floats yes, Floats no) {
 #endif
 }
 
-/// The half of keladjust::toRgb() that depends on the hue; `turn` is a number or infinite.
+/// The half of the way back to RGB that depends on the hue, in turns. Unit numbers stand for turns
+/// that are numbers or infinite.
+template <class Numbers>
 HWY_INLINE Channels<ChannelPlace> placesOf(Floats turn) {
+    const Floats one = constant(1.0f);
     const Floats red = hn::Add(turn, constant(0.33333334f));
-    const Floats redWrapped = hn::Sub(red, constant(1.0f));  // at 0 as at 1 a channel is low
+    const Floats redWrapped = hn::Sub(red, one);
     const Floats blue = hn::Sub(turn, constant(0.33333334f));
-    return {placeAt(ifNegative(redWrapped, red, redWrapped)), placeAt(turn),
-            placeAt(ifNegative(blue, hn::Add(blue, constant(1.0f)), blue))};
+    const Floats blueWrapped = hn::Add(blue, one);
+    if constexpr (Numbers::any) {
+        return {placeAt(hn::IfThenElse(hn::Gt(red, one), redWrapped, red)), placeAt(turn),
+                placeAt(hn::IfThenElse(hn::Lt(blue, constant(0.0f)), blueWrapped, blue))};
+    } else {
+        // At 0 as at 1 a channel is low.
+        return {placeAt(ifNegative(redWrapped, red, redWrapped)), placeAt(turn),
+                placeAt(ifNegative(blue, blueWrapped, blue))};
+    }
 }
 
-/// The other half. A grey comes out as its lightness, unless a place is infinite.
+/// The other half. Of unit numbers a grey comes out as its lightness unless a place is infinite, of
+/// any numbers always.
+template <class Numbers>
 HWY_INLINE Channels<Floats> toRgb(const Channels<ChannelPlace>& places, Floats saturation,
                                   Floats lightness) {
     const Floats dark = hn::Mul(lightness, hn::Add(constant(1.0f), saturation));
@@ -96,7 +133,13 @@ HWY_INLINE Channels<Floats> toRgb(const Channels<ChannelPlace>& places, Floats s
     const Floats rise = hn::Sub(q, p);
     return mapChannels(places, [&](const ChannelPlace& place) HWY_ATTR {
         const Floats slope = hn::Mul(hn::Mul(rise, place.first), place.second);
-        return hn::IfThenElse(place.high, q, hn::Add(p, slope));
+        const Floats channel = hn::IfThenElse(place.high, q, hn::Add(p, slope));
+        if constexpr (Numbers::any) {
+            const FloatMask grey = hn::Eq(saturation, constant(0.0f));
+            return hn::IfThenElse(grey, lightness, hn::IfThenElse(place.low, p, channel));
+        } else {
+            return channel;
+        }
     });
 }
 

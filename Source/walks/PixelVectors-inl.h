@@ -1,6 +1,6 @@
-// Pixels of a span as vectors, from the lanes of a PixelSpan or the bytes of a PackedSpan, and
-// table colours of a ColourRun. Included once for every instruction set, like the span kernels that
-// use it; hence the guard that toggles.
+// Pixels as vectors, from the lanes of a PixelSpan or the bytes of a PackedSpan, and table colours
+// of a ColourRun. Included once for every instruction set, like the kernels that use it; hence the
+// guard that toggles.
 
 #if defined(KELADJUST_WALKS_PIXELVECTORS_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef KELADJUST_WALKS_PIXELVECTORS_INL_H
@@ -160,6 +160,12 @@ HWY_INLINE auto mapChannels(const Channels<Vector>& c, Map map) -> Channels<decl
     return {map(c.red), map(c.green), map(c.blue)};
 }
 
+HWY_INLINE Channels<Floats> chosen(FloatMask mask, const Channels<Floats>& yes,
+                                   const Channels<Floats>& no) {
+    return {hn::IfThenElse(mask, yes.red, no.red), hn::IfThenElse(mask, yes.green, no.green),
+            hn::IfThenElse(mask, yes.blue, no.blue)};
+}
+
 template <class Vector>
 HWY_INLINE Vector largestOf(const Channels<Vector>& c) {
     return hn::Max(c.red, hn::Max(c.green, c.blue));
@@ -258,6 +264,106 @@ template <class Span>
 HWY_INLINE Channels<Floats> loadFloatChannels(const Span& span, std::size_t i) {
     return mapChannels(loadIntChannels(span, i),
                        [](Ints channel) HWY_ATTR { return toFloats(channel); });
+}
+
+// Kernels whose formula is one for pixels and for table colours are written over either of the two
+// classes below: how colours are loaded and stored, and what their scale is.
+
+/// The pixels of a span on the scale of bytes. Their numbers are whole and no NaN.
+class BytePixels {
+public:
+    static constexpr bool areBytes = true;
+
+    explicit HWY_INLINE BytePixels(PackedSpan& span) : span_(span) {}
+
+    HWY_INLINE std::size_t count() const { return span_.count; }
+    HWY_INLINE Channels<Floats> load(std::size_t i) const { return loadFloatChannels(span_, i); }
+    /// Clamped and truncated.
+    HWY_INLINE void store(const Channels<Floats>& c, std::size_t i) const {
+        const auto toByte = [](Floats channel) HWY_ATTR { return clampToBytes(channel); };
+        storeClamped(mapChannels(c, toByte), span_, i);
+    }
+    /// The same of numbers that 32 bits hold.
+    HWY_INLINE void storeInRange(const Channels<Floats>& c, std::size_t i) const {
+        const auto toByte = [](Floats channel) HWY_ATTR { return truncateInRange(channel); };
+        storeClamped(mapChannels(c, toByte), span_, i);
+    }
+
+    /// Clamped and truncated where `changes`, elsewhere `before` as it was loaded.
+    HWY_INLINE void storeWhere(FloatMask changes, const Channels<Floats>& c,
+                               const Channels<Floats>& before, std::size_t i) const {
+        store(chosen(changes, c, before), i);
+    }
+
+    static HWY_INLINE Floats white() { return constant(255.0f); }
+    /// Shares of white.
+    static HWY_INLINE Floats perWhite(Floats values) { return quotientBy<255>(values); }
+    static HWY_INLINE Floats largestOf(const Channels<Floats>& c) {
+        return HWY_NAMESPACE::largestOf(c);
+    }
+    static HWY_INLINE Floats smallestOf(const Channels<Floats>& c) {
+        return HWY_NAMESPACE::smallestOf(c);
+    }
+
+private:
+    PackedSpan& span_;
+};
+
+/// Table colours, on the scale 0..1 but any numbers, NaN and infinities included.
+class UnitColours {
+public:
+    static constexpr bool areBytes = false;
+
+    explicit HWY_INLINE UnitColours(ColourRun& run) : run_(run) {}
+
+    HWY_INLINE std::size_t count() const { return run_.count; }
+    HWY_INLINE Channels<Floats> load(std::size_t i) const { return loadChannels(run_, i); }
+    HWY_INLINE void store(const Channels<Floats>& c, std::size_t i) const {
+        storeAny(clamped(c), i);
+    }
+    HWY_INLINE void storeInRange(const Channels<Floats>& c, std::size_t i) const { store(c, i); }
+    HWY_INLINE void storeWhere(FloatMask changes, const Channels<Floats>& c,
+                               const Channels<Floats>& before, std::size_t i) const {
+        storeAny(chosen(changes, clamped(c), before), i);
+    }
+    /// Not even clamped.
+    HWY_INLINE void storeAny(const Channels<Floats>& c, std::size_t i) const {
+        storeChannels(c, run_, i);
+    }
+
+    static HWY_INLINE Floats white() { return constant(1.0f); }
+    static HWY_INLINE Floats perWhite(Floats values) { return values; }
+    // NaN counts as std::max() and std::min() of a list in this order count it.
+    static HWY_INLINE Floats largestOf(const Channels<Floats>& c) {
+        const Floats largest = hn::IfThenElse(hn::Lt(c.red, c.green), c.green, c.red);
+        return hn::IfThenElse(hn::Lt(largest, c.blue), c.blue, largest);
+    }
+    static HWY_INLINE Floats smallestOf(const Channels<Floats>& c) {
+        const Floats smallest = hn::IfThenElse(hn::Lt(c.green, c.red), c.green, c.red);
+        return hn::IfThenElse(hn::Lt(c.blue, smallest), c.blue, smallest);
+    }
+
+private:
+    static HWY_INLINE Channels<Floats> clamped(const Channels<Floats>& c) {
+        return mapChannels(c, [](Floats channel) HWY_ATTR { return clampTo(1.0f, channel); });
+    }
+
+    ColourRun& run_;
+};
+
+/// Calls `body(i)` for the first colour of every vector. The last one may run past those that
+/// count, but not past their memory.
+template <class Colours, class Body>
+HWY_INLINE void forEachColour(const Colours& colours, Body body) {
+    for (std::size_t i = 0; i < colours.count(); i += hn::Lanes(FloatTag())) body(i);
+}
+
+/// Stores what `changed(channel)` makes of every channel.
+template <class Colours, class Changed>
+HWY_INLINE void changeEveryChannel(Colours colours, Changed changed) {
+    forEachColour(colours, [&](std::size_t i) HWY_ATTR {
+        colours.store(mapChannels(colours.load(i), changed), i);
+    });
 }
 
 }  // namespace HWY_NAMESPACE

@@ -2,23 +2,19 @@
 
 #include <algorithm>
 
-#include "ImageFormat/Geometry.h"
 #include "ImageFormat/Interleave.h"
-#include "ImageFormat/PixelSpan.h"
 
 namespace keladjust {
 
-RawWalk rawWalkOf(CxImage& image) {
-    if (!hasPixels(&image)) return {};
-    const std::size_t step = image.bpp >> 3;
-    return {image.pBits, std::size_t{image.width} * image.height, step,
-            std::min<std::size_t>(3, step)};
+RawWalk rawWalkOf(const Picture& picture) {
+    const std::size_t step = picture.bitsPerPixel >> 3;
+    return {picture.first, picture.pixels(), step, std::min<std::size_t>(3, step)};
 }
 
-bool rawWalkMeetsPixels(const CxImage& image) {
-    const PixelLayout layout = layoutOf(image);
-    const bool bytesAreChannels = layout == PixelLayout::gray8 || storesLanesWhole(layout);
-    return bytesAreChannels && image.effWidth == image.width * image.bytesPerPixel;
+bool rawWalkMeetsPixels(const Picture& picture) {
+    const bool bytesAreChannels =
+        picture.layout == PixelLayout::gray8 || storesLanesWhole(picture.layout);
+    return bytesAreChannels && picture.stride == picture.width * picture.bytesPerPixel;
 }
 
 void loadRun(const RawWalk& walk, std::size_t first, PixelSpan& span) {

@@ -4,12 +4,13 @@
 #define HWY_TARGET_INCLUDE "walks/ScaleByFours.cpp"
 #include <hwy/foreach_target.h>
 
-#include "filters/rows/Rows.h"
 #include "walks/RowVectors-inl.h"
+#include "walks/ScaleByFours.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
+namespace {
 
 #if HWY_TARGET == HWY_SCALAR
 
@@ -39,6 +40,7 @@ void scaleByFours(std::uint8_t* row, std::size_t bytes, const std::array<ByteSca
 
 #endif
 
+}  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace keladjust
 HWY_AFTER_NAMESPACE();
@@ -48,8 +50,7 @@ namespace keladjust {
 
 HWY_EXPORT(scaleByFours);
 
-void rows::scaleByFours(std::uint8_t* row, std::size_t bytes,
-                        const std::array<ByteScale, 4>& gains) {
+void scaleByFours(std::uint8_t* row, std::size_t bytes, const std::array<ByteScale, 4>& gains) {
     HWY_DYNAMIC_DISPATCH(scaleByFours)(row, bytes, gains);
 }
 

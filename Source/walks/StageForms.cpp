@@ -5,9 +5,8 @@
 #include <new>
 #include <optional>
 
-#include "ImageFormat/Geometry.h"
-#include "filters/spans/Spans.h"
 #include "platform/Parallel.h"
+#include "walks/ByteMap.h"
 #include "walks/ColourMemory.h"
 #include "walks/RawWalk.h"
 #include "walks/ThreadShare.h"
@@ -19,30 +18,30 @@ namespace {
 // Runs kernels on the rows of a band, one span after another.
 class SpanRunner {
 public:
-    SpanRunner(CxImage& image, PixelLayout layout, std::span<const PixelKernel* const> kernels,
+    SpanRunner(const Picture& picture, std::span<const PixelKernel* const> kernels,
                std::size_t rows)
-        : image_(image), placed_(kernels), layout_(layout) {
+        : picture_(picture), layout_(picture.layout), placed_(kernels) {
         const auto looksAtPlace = [](const PixelKernel* kernel) { return kernel->looksAtPlace(); };
         const auto before = static_cast<std::size_t>(
             std::find_if(kernels.begin(), kernels.end(), looksAtPlace) - kernels.begin());
         const std::span<const PixelKernel* const> anywhere = kernels.first(before);
-        if (rows * image.width < pixelsPerThread || !ColourMemory::pays(anywhere)) return;
+        if (rows * picture.width < pixelsPerThread || !ColourMemory::pays(anywhere)) return;
         try {
-            memory_.emplace(layout, anywhere);
+            memory_.emplace(layout_, anywhere);
             placed_ = kernels.subspan(before);
         } catch (const std::bad_alloc&) {
             // Every pixel goes through every kernel then.
         }
     }
 
-    void run(unsigned y) {
+    void run(std::size_t y) {
         const std::size_t pixelBytes = bytesPerPixelOf(layout_);
-        std::uint8_t* const row = image_.pBits + std::size_t{image_.effWidth} * y;
+        std::uint8_t* const row = picture_.row(y);
         PackedSpan span;
-        span.y = y;
-        for (; span.x < image_.width; span.x += static_cast<unsigned>(span.count)) {
+        span.y = static_cast<unsigned>(y);
+        for (; span.x < picture_.width; span.x += static_cast<unsigned>(span.count)) {
             std::uint8_t* const pixels = row + span.x * pixelBytes;
-            span.count = std::min<std::size_t>(PackedSpan::capacity, image_.width - span.x);
+            span.count = std::min<std::size_t>(PackedSpan::capacity, picture_.width - span.x);
             if (layout_ == PixelLayout::bgra32 && span.count >= PackedSpan::stride) {
                 span.count -= span.count % PackedSpan::stride;
                 span.pixels = pixels;
@@ -67,18 +66,18 @@ private:
 
     PackedPixels packed_;
     std::optional<ColourMemory> memory_;  ///< of the kernels before the first of placed_
-    CxImage& image_;
-    std::span<const PixelKernel* const> placed_;
+    const Picture& picture_;
     PixelLayout layout_;
+    std::span<const PixelKernel* const> placed_;
 };
 
 // How many threads share the rows.
-std::size_t rowBands(const CxImage& image) {
-    return platform::bandCount(image.height, pixelsPerThread / image.width + 1);
+std::size_t rowBands(const Picture& picture) {
+    return platform::bandCount(picture.height, pixelsPerThread / picture.width + 1);
 }
 
-constexpr spans::Bytes bytesOf(std::size_t pixelBytes) {
-    return pixelBytes == 4 ? spans::Bytes::threeOfFour : spans::Bytes::all;
+constexpr MappedBytes mappedBytesOf(std::size_t pixelBytes) {
+    return pixelBytes == 4 ? MappedBytes::threeOfFour : MappedBytes::all;
 }
 
 // The table that does all the work, where it can do it on the bytes in their places: they are the
@@ -95,9 +94,9 @@ public:
 
     void operator()(std::uint8_t* bytes, std::size_t pixelBytes, std::size_t count) const {
         if (ramp_) {
-            spans::rampBytes(*ramp_, bytesOf(pixelBytes), bytes, count);
+            rampBytes(*ramp_, mappedBytesOf(pixelBytes), bytes, count);
         } else {
-            spans::mapBytes(table_.data(), bytesOf(pixelBytes), bytes, count);
+            mapBytes(table_, mappedBytesOf(pixelBytes), bytes, count);
         }
     }
 
@@ -106,36 +105,33 @@ private:
     std::optional<ByteRamp> ramp_;
 };
 
-void mapRows(CxImage& image, PixelLayout layout, const ByteTable& table) {
+void mapRows(const Picture& picture, const ByteTable& table) {
     const ByteMap map(table);
-    const std::size_t pixelBytes = bytesPerPixelOf(layout);
-    platform::parallelBands(
-        image.height, rowBands(image), [&](std::size_t, std::size_t begin, std::size_t end) {
-            for (std::size_t y = begin; y < end; ++y) {
-                map(image.pBits + y * image.effWidth, pixelBytes, image.width * pixelBytes);
-            }
-        });
+    const std::size_t pixelBytes = bytesPerPixelOf(picture.layout);
+    platform::parallelBands(picture.height, rowBands(picture),
+                            [&](std::size_t, std::size_t begin, std::size_t end) {
+                                for (std::size_t y = begin; y < end; ++y) {
+                                    map(picture.row(y), pixelBytes, picture.width * pixelBytes);
+                                }
+                            });
 }
 
 }  // namespace
 
 void TableKernel::run(PackedSpan& span) const {
-    spans::mapBytes(table_.data(), spans::Bytes::threeOfFour, span.pixels, 4 * span.count);
+    mapBytes(table_, MappedBytes::threeOfFour, span.pixels, 4 * span.count);
 }
 
-void runKernels(CxImage& image, std::span<const PixelKernel* const> kernels) {
-    const PixelLayout layout = layoutOf(image);
-    if (!hasPixels(&image) || layout == PixelLayout::none || kernels.empty()) return;
-    if (const ByteTable* const table = onlyTable(layout, kernels)) {
-        mapRows(image, layout, *table);
+void runKernels(const Picture& picture, std::span<const PixelKernel* const> kernels) {
+    if (picture.layout == PixelLayout::none || kernels.empty()) return;
+    if (const ByteTable* const table = onlyTable(picture.layout, kernels)) {
+        mapRows(picture, *table);
         return;
     }
-    platform::parallelBands(image.height, rowBands(image),
+    platform::parallelBands(picture.height, rowBands(picture),
                             [&](std::size_t, std::size_t begin, std::size_t end) {
-                                SpanRunner runner(image, layout, kernels, end - begin);
-                                for (std::size_t y = begin; y < end; ++y) {
-                                    runner.run(static_cast<unsigned>(y));
-                                }
+                                SpanRunner runner(picture, kernels, end - begin);
+                                for (std::size_t y = begin; y < end; ++y) runner.run(y);
                             });
 }
 
@@ -162,22 +158,19 @@ void runColourKernel(float* lut, std::size_t count, std::ptrdiff_t stride,
     }
 }
 
-void mapRawWalk(CxImage& image, const ByteTable& table) {
-    const RawWalk walk = rawWalkOf(image);
+void mapRawWalk(const Picture& picture, const ByteTable& table) {
+    const RawWalk walk = rawWalkOf(picture);
     const ByteMap map(table);
-    platform::parallelBands(walk.count, platform::bandCount(walk.count, pixelsPerThread),
-                            [&](std::size_t, std::size_t begin, std::size_t end) {
-                                if (walk.step <= 4) {
-                                    map(walk.first + begin * walk.step, walk.step,
-                                        (end - begin) * walk.step);
-                                    return;
-                                }
-                                for (std::size_t i = begin; i < end; ++i) {
-                                    std::uint8_t* const pixel = walk.first + i * walk.step;
-                                    for (std::size_t c = 0; c < walk.channels; ++c)
-                                        pixel[c] = table[pixel[c]];
-                                }
-                            });
+    forEachShare(walk, [&](std::size_t begin, std::size_t end) {
+        if (walk.step <= 4) {
+            map(walk.first + begin * walk.step, walk.step, (end - begin) * walk.step);
+            return;
+        }
+        for (std::size_t i = begin; i < end; ++i) {
+            std::uint8_t* const pixel = walk.first + i * walk.step;
+            for (std::size_t c = 0; c < walk.channels; ++c) pixel[c] = table[pixel[c]];
+        }
+    });
 }
 
 }  // namespace keladjust

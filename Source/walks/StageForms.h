@@ -8,6 +8,7 @@
 
 #include "platform/FloatingPoint.h"
 #include "walks/ColourKernel.h"
+#include "walks/Picture.h"
 #include "walks/PixelKernel.h"
 
 /// The shells in which every stage is exported: a kernel over a picture or over a colour table.
@@ -15,33 +16,41 @@ namespace keladjust {
 
 /// Runs the kernels one after another on every pixel, in one pass over the picture: what comes out
 /// is what they would leave one by one. Rows are spread over threads.
-void runKernels(CxImage& image, std::span<const PixelKernel* const> kernels);
+void runKernels(const Picture& picture, std::span<const PixelKernel* const> kernels);
 
 /// Maps every channel byte of the picture along the raw walk.
-void mapRawWalk(CxImage& image, const ByteTable& table);
+void mapRawWalk(const Picture& picture, const ByteTable& table);
 
 /// Calls `body()` as an exported function does: in the default floating-point environment, and with
-/// no exception passing on. A body allocates before it changes a pixel, so a picture for which
-/// memory is short is still whole.
+/// no exception passing on, for there is nothing to report to. A body allocates before it changes a
+/// byte, so what memory is too short for stays as it was.
 template <class Body>
-CxImage* exportedForm(CxImage* image, Body body) noexcept {
+void guarded(Body body) noexcept {
     const platform::DefaultFloatingPoint scope;
     try {
         body();
     } catch (...) {
-        // Nothing to report to: the picture comes back as it was.
+        // The caller's bytes are whole.
     }
+}
+
+/// The shell of every picture form: calls `body(picture)` if the image has pixels.
+template <class Body>
+CxImage* exportedForm(CxImage* image, Body body) noexcept {
+    guarded([&] {
+        if (const auto picture = pictureOf(image)) body(*picture);
+    });
     return image;
 }
 
 /// The image form of a per-pixel stage; `Kernel` is made from the settings.
 template <class Kernel, class... Settings>
 CxImage* applyKernel(CxImage* image, Settings... settings) noexcept {
-    return exportedForm(image, [&] {
+    return exportedForm(image, [&](const Picture& picture) {
         const Kernel kernel(settings...);
-        if (image == nullptr || !kernel.active()) return;
+        if (!kernel.active()) return;
         const PixelKernel* const kernels[] = {&kernel};
-        runKernels(*image, kernels);
+        runKernels(picture, kernels);
     });
 }
 
@@ -54,9 +63,10 @@ void runColourKernel(float* lut, std::size_t count, std::ptrdiff_t stride,
 template <class Kernel, class... Settings>
 float* applyColourKernel(float* lut, unsigned long count, int stride,
                          Settings... settings) noexcept {
-    const platform::DefaultFloatingPoint scope;
-    const Kernel kernel(settings...);
-    if (lut != nullptr && kernel.active()) runColourKernel(lut, count, stride, kernel);
+    guarded([&] {
+        const Kernel kernel(settings...);
+        if (lut != nullptr && kernel.active()) runColourKernel(lut, count, stride, kernel);
+    });
     return lut;
 }
 

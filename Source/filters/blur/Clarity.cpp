@@ -29,18 +29,17 @@ struct ClarityConstants {
     int radius;
 };
 
-void applyClarity(CxImage& image, const ClarityConstants& constants) {
-    const RawWalk walk = rawWalkOf(image);
-    if (walk.channels == 0) return;
+void applyClarity(const Picture& picture, const ClarityConstants& constants) {
+    const RawWalk walk = rawWalkOf(picture);
     const auto rows =
-        stackBlurRows(image.pBits, image.width, image.height, walk.step, constants.radius);
+        stackBlurRows(picture.first, picture.width, picture.height, walk.step, constants.radius);
     if (rows) {
         // Where rows are padded the walk ends before the buffer does: the last pixels stay blurred.
         StackBlur(*rows, walk.step, static_cast<std::size_t>(constants.radius))
             .run(walk.count * walk.step, constants.factor);
     } else if (!std::isfinite(constants.factor)) {
         // No distance times no number at all.
-        mapRawWalk(image, ByteTable{});
+        mapRawWalk(picture, ByteTable{});
     }
 }
 
@@ -49,8 +48,8 @@ void applyClarity(CxImage& image, const ClarityConstants& constants) {
 }  // namespace keladjust
 
 CxImage* clarity(CxImage* image, float amount) {
-    return keladjust::exportedForm(image, [&] {
+    return keladjust::exportedForm(image, [&](const keladjust::Picture& picture) {
         const keladjust::ClarityConstants constants(amount);
-        if (image != nullptr && constants.active) keladjust::applyClarity(*image, constants);
+        if (constants.active) keladjust::applyClarity(picture, constants);
     });
 }

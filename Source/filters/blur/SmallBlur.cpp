@@ -4,7 +4,7 @@
 #include <cstring>
 #include <utility>
 
-#include "filters/rows/Rows.h"
+#include "filters/blur/SmallBlurRows.h"
 #include "walks/ThreadShare.h"
 
 namespace keladjust {
@@ -22,28 +22,28 @@ SmallBlur::SmallBlur(const ByteRows& rows, std::size_t pixelBytes, std::optional
 }
 
 void SmallBlur::run() {
-    bands_.run([this](const InPlaceBands::Band& band) { blurBand(band, spaces_[band.index()]); });
+    bands_.run([this](const HaloBands::Band& band) { blurBand(band, spaces_[band.index()]); });
 }
 
 void SmallBlur::blurRow(const std::uint8_t* row, Workspace& space, BlurredRows& blurred,
                         std::uint8_t* target) const {
     const std::uint8_t* source = row;
     if (gain_) {
-        rows::complementScaled(row, rows_.bytes, pixelBytes_, *gain_, space.row.data());
+        complementScaled(row, rows_.bytes, pixelBytes_, *gain_, space.row.data());
         source = space.row.data();
     } else if (target != nullptr && row == target) {
         // The last one, which goes on below.
         std::memcpy(space.row.data(), row, rows_.bytes);
         source = space.row.data();
     }
-    rows::smallBlurRow({source, !gain_, blurred.above, blurred.middle, blurred.below, target},
-                       rows_.bytes, pixelBytes_);
+    smallBlurRow({source, !gain_, blurred.above, blurred.middle, blurred.below, target},
+                 rows_.bytes, pixelBytes_);
     // The row below becomes the middle one, and the one above makes room.
     std::swap(blurred.above, blurred.middle);
     std::swap(blurred.middle, blurred.below);
 }
 
-void SmallBlur::blurBand(const InPlaceBands::Band& band, Workspace& space) const {
+void SmallBlur::blurBand(const HaloBands::Band& band, Workspace& space) const {
     const std::size_t bottom = rows_.height - 1;
     BlurredRows blurred{space.blurred[0].data(), space.blurred[1].data(), space.blurred[2].data()};
     blurRow(band.row(band.begin() > 0 ? band.begin() - 1 : 0), space, blurred, nullptr);

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "walks/ByteScale.h"
-#include "walks/InPlaceBands.h"
+#include "walks/HaloBands.h"
 
 namespace keladjust {
 
@@ -39,12 +39,12 @@ private:
 
     void blurRow(const std::uint8_t* row, Workspace& space, BlurredRows& blurred,
                  std::uint8_t* target) const;
-    void blurBand(const InPlaceBands::Band& band, Workspace& space) const;
+    void blurBand(const HaloBands::Band& band, Workspace& space) const;
 
     ByteRows rows_;
     std::size_t pixelBytes_;
     std::optional<ByteScale> gain_;
-    InPlaceBands bands_;
+    HaloBands bands_;
     std::vector<Workspace> spaces_;
 };
 

@@ -7,7 +7,7 @@
 #define HWY_TARGET_INCLUDE "filters/blur/SmallBlurRows.cpp"
 #include <hwy/foreach_target.h>
 
-#include "filters/rows/Rows.h"
+#include "filters/blur/SmallBlurRows.h"
 #include "walks/RowVectors-inl.h"
 
 #include <algorithm>
@@ -15,6 +15,7 @@
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
+namespace {
 
 #if HWY_TARGET == HWY_SCALAR
 
@@ -38,7 +39,7 @@ void complementScaled(const std::uint8_t* row, std::size_t bytes, std::size_t pi
     }
 }
 
-void smallBlurRow(const rows::BlurRow& row, std::size_t bytes, std::size_t pixelBytes) {
+void smallBlurRow(const BlurRow& row, std::size_t bytes, std::size_t pixelBytes) {
     const auto at = [&](std::size_t i) {
         return static_cast<std::uint8_t>(row.complement ? 255 - row.bytes[i] : row.bytes[i]);
     };
@@ -132,7 +133,7 @@ HWY_INLINE void forEachNeighbours(const std::uint8_t* row, std::size_t bytes,
 }
 
 template <bool complement>
-void smallBlurRowOf(const rows::BlurRow& row, std::size_t bytes, std::size_t pixelBytes) {
+void smallBlurRowOf(const BlurRow& row, std::size_t bytes, std::size_t pixelBytes) {
     const bool premultiplied = pixelBytes == 4;
     const auto complements = [](Bytes v) HWY_ATTR { return complement ? hn::Not(v) : v; };
     const auto along = [&](std::size_t i, auto extent, const Neighbours& of) HWY_ATTR {
@@ -155,12 +156,13 @@ void smallBlurRowOf(const rows::BlurRow& row, std::size_t bytes, std::size_t pix
                       });
 }
 
-void smallBlurRow(const rows::BlurRow& row, std::size_t bytes, std::size_t pixelBytes) {
+void smallBlurRow(const BlurRow& row, std::size_t bytes, std::size_t pixelBytes) {
     (row.complement ? smallBlurRowOf<true> : smallBlurRowOf<false>)(row, bytes, pixelBytes);
 }
 
 #endif
 
+}  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace keladjust
 HWY_AFTER_NAMESPACE();
@@ -171,11 +173,11 @@ namespace keladjust {
 HWY_EXPORT(complementScaled);
 HWY_EXPORT(smallBlurRow);
 
-void rows::complementScaled(const std::uint8_t* row, std::size_t bytes, std::size_t pixelBytes,
-                            ByteScale gain, std::uint8_t* out) {
+void complementScaled(const std::uint8_t* row, std::size_t bytes, std::size_t pixelBytes,
+                      ByteScale gain, std::uint8_t* out) {
     HWY_DYNAMIC_DISPATCH(complementScaled)(row, bytes, pixelBytes, gain, out);
 }
-void rows::smallBlurRow(const BlurRow& row, std::size_t bytes, std::size_t pixelBytes) {
+void smallBlurRow(const BlurRow& row, std::size_t bytes, std::size_t pixelBytes) {
     HWY_DYNAMIC_DISPATCH(smallBlurRow)(row, bytes, pixelBytes);
 }
 

@@ -9,8 +9,10 @@
 #include <array>
 #include <cstring>
 
+#include "ImageFormat/Geometry.h"
 #include "filters/blur/SmallBlur.h"
 #include "filters/blur/StackBlurRows.h"
+#include "walks/StageForms.h"
 #include "walks/ThreadShare.h"
 
 namespace keladjust {
@@ -20,14 +22,10 @@ namespace {
 // Rows that the blur across takes in one go, during which its sums stay in registers.
 constexpr std::size_t stepsPerCall = 8;
 
-std::size_t roundUp(std::size_t value, std::size_t unit) {
-    return (value + unit - 1) / unit * unit;
-}
-
 // Cache lines of rows below one another must not fall into one set of a cache.
 std::size_t ringStrideFor(std::size_t rowBytes) {
     constexpr std::size_t line = 64;
-    return (roundUp(rowBytes, line) / line | 1) * line;
+    return ((rowBytes + line - 1) / line | 1) * line;
 }
 
 std::size_t rowsPerThread(const ByteRows& rows, std::size_t radius) {
@@ -35,7 +33,7 @@ std::size_t rowsPerThread(const ByteRows& rows, std::size_t radius) {
     return std::max(bytesPerThread / rows.bytes, 2 * radius) + 1;
 }
 
-using TileRows = std::array<std::size_t, rows::tileRows(1)>;
+using TileRows = std::array<std::size_t, tileRows(1)>;
 
 // `count` rows from `first` on, the last one repeated until a tile is full.
 TileRows tileOf(std::size_t first, std::size_t count) {
@@ -50,7 +48,7 @@ std::optional<ByteRows> stackBlurRows(std::uint8_t* bits, std::size_t width, std
                                       std::size_t pixelBytes, int radius) {
     const bool knownPixels = pixelBytes == 1 || pixelBytes == 3 || pixelBytes == 4;
     if (width == 0 || height == 0 || !knownPixels || radius < 1 || radius > 254) return {};
-    return ByteRows{bits, roundUp(width * pixelBytes, 4), width * pixelBytes, height};
+    return ByteRows{bits, paddedRowBytes(width * pixelBytes), width * pixelBytes, height};
 }
 
 StackBlur::StackBlur(const ByteRows& rows, std::size_t pixelBytes, std::size_t radius,
@@ -61,21 +59,21 @@ StackBlur::StackBlur(const ByteRows& rows, std::size_t pixelBytes, std::size_t r
       alongRows_(alongRows),
       bands_(rows, radius, rowsPerThread(rows, radius)),
       // What the steps of a call reach, and the rest of a tile that reaches further.
-      ringRows_(std::min(2 * radius + 2 + stepsPerCall, rows.height) + rows::tileRows(pixelBytes)),
+      ringRows_(std::min(2 * radius + 2 + stepsPerCall, rows.height) + tileRows(pixelBytes)),
       ringStride_(ringStrideFor(rows.bytes)),
       noRow_(rows.bytes),
       spaces_(bands_.count()) {
     for (Workspace& space : spaces_) {
         space.ring.resize(ringRows_ * ringStride_);
-        space.state.resize(rows::blurStateSize(rows.bytes));
-        if (alongRows_) space.tile.resize(rows::tileSize(rows.bytes / pixelBytes, radius));
+        space.state.resize(blurStateSize(rows.bytes));
+        if (alongRows_) space.tile.resize(tileSize(rows.bytes / pixelBytes, radius));
     }
 }
 
 /// One thread's way down its band.
 class StackBlur::BandRun {
 public:
-    BandRun(const StackBlur& blur, const InPlaceBands::Band& band, Workspace& space)
+    BandRun(const StackBlur& blur, const HaloBands::Band& band, Workspace& space)
         : blur_(blur),
           band_(band),
           space_(space),
@@ -88,7 +86,7 @@ public:
         const auto radius = static_cast<std::ptrdiff_t>(blur_.radius_);
         const auto begin = static_cast<std::ptrdiff_t>(band_.begin());
         const auto end = static_cast<std::ptrdiff_t>(band_.end());
-        std::array<rows::BlurStep, stepsPerCall> steps;
+        std::array<BlurStep, stepsPerCall> steps;
         // The first row that counts for the band's first comes within reach of this one.
         for (std::ptrdiff_t y = begin - 2 * radius - 1; y < end;) {
             std::size_t count = 0;
@@ -102,8 +100,8 @@ public:
                     steps[count].pushed = pushed - std::min(pushed, offset);
                 }
             }
-            rows::stackBlurAcross({steps.data(), count}, blur_.rows_.bytes, blur_.pixelBytes_,
-                                  blur_.radius_, factor, space_.state.data());
+            stackBlurAcross({steps.data(), count}, blur_.rows_.bytes, blur_.pixelBytes_,
+                            blur_.radius_, factor, space_.state.data());
         }
     }
 
@@ -125,20 +123,20 @@ private:
 
     // Blurs rows along their length up to y, a tile at a time, or takes them as they are.
     void makeReady(std::ptrdiff_t y) {
-        const std::size_t tileRows = rows::tileRows(blur_.pixelBytes_);
+        const std::size_t together = tileRows(blur_.pixelBytes_);
         while (ready_ <= clamped(y)) {
-            const std::size_t count = std::min(tileRows, last_ + 1 - ready_);
+            const std::size_t count = std::min(together, last_ + 1 - ready_);
             if (blur_.alongRows_) {
                 const TileRows tile = tileOf(ready_, count);
                 std::array<const std::uint8_t*, tile.size()> sources;
                 std::array<std::uint8_t*, tile.size()> targets;
-                for (std::size_t i = 0; i < tileRows; ++i) {
+                for (std::size_t i = 0; i < together; ++i) {
                     sources[i] = band_.row(tile[i]);
                     targets[i] = slot(tile[i]);
                 }
-                rows::stackBlurAlong(sources.data(), blur_.rows_.bytes / blur_.pixelBytes_,
-                                     blur_.pixelBytes_, blur_.radius_, space_.tile.data(),
-                                     targets.data());
+                stackBlurAlong(sources.data(), blur_.rows_.bytes / blur_.pixelBytes_,
+                               blur_.pixelBytes_, blur_.radius_, space_.tile.data(),
+                               targets.data());
             } else {
                 for (std::size_t i = 0; i < count; ++i) {
                     std::memcpy(slot(ready_ + i), band_.row(ready_ + i), blur_.rows_.bytes);
@@ -149,35 +147,35 @@ private:
     }
 
     const StackBlur& blur_;
-    const InPlaceBands::Band& band_;
+    const HaloBands::Band& band_;
     Workspace& space_;
     std::size_t last_;   // of the rows that count for the band
     std::size_t ready_;  // the first row that is not in the ring yet
 };
 
 void StackBlur::run(std::size_t pushed, float factor) {
-    bands_.run([&](const InPlaceBands::Band& band) {
+    bands_.run([&](const HaloBands::Band& band) {
         BandRun(*this, band, spaces_[band.index()]).run(pushed, factor);
     });
 }
 
 void stackBlurAlongRows(const ByteRows& rows, std::size_t pixelBytes, std::size_t radius) {
-    const std::size_t tileRows = rows::tileRows(pixelBytes);
-    const std::size_t tiles = (rows.height + tileRows - 1) / tileRows;
+    const std::size_t together = tileRows(pixelBytes);
+    const std::size_t tiles = (rows.height + together - 1) / together;
     const std::size_t bands =
-        platform::bandCount(tiles, bytesPerThread / (tileRows * rows.bytes) + 1);
+        platform::bandCount(tiles, bytesPerThread / (together * rows.bytes) + 1);
     const std::size_t width = rows.bytes / pixelBytes;
     std::vector<std::vector<std::uint8_t>> spaces(
-        bands, std::vector<std::uint8_t>(rows::tileSize(width, radius)));
+        bands, std::vector<std::uint8_t>(tileSize(width, radius)));
     platform::parallelBands(
         tiles, bands, [&](std::size_t band, std::size_t begin, std::size_t end) {
-            for (std::size_t y = begin * tileRows; y < std::min(end * tileRows, rows.height);
-                 y += tileRows) {
-                const TileRows tile = tileOf(y, std::min(tileRows, rows.height - y));
+            for (std::size_t y = begin * together; y < std::min(end * together, rows.height);
+                 y += together) {
+                const TileRows tile = tileOf(y, std::min(together, rows.height - y));
                 std::array<std::uint8_t*, tile.size()> targets;
-                for (std::size_t i = 0; i < tileRows; ++i) targets[i] = rows[tile[i]];
-                rows::stackBlurAlong(targets.data(), width, pixelBytes, radius, spaces[band].data(),
-                                     targets.data());
+                for (std::size_t i = 0; i < together; ++i) targets[i] = rows[tile[i]];
+                stackBlurAlong(targets.data(), width, pixelBytes, radius, spaces[band].data(),
+                               targets.data());
             }
         });
 }
@@ -194,7 +192,7 @@ void blurBuffer(unsigned char* bits, int width, int height, int bytesPerPixel, i
                                     static_cast<std::size_t>(height), pixelBytes, radius);
     if (!rows) return;
     const auto reach = static_cast<std::size_t>(radius);
-    try {
+    guarded([&] {
         if (passes == rowPass) {
             stackBlurAlongRows(*rows, pixelBytes, reach);
         } else if (passes == columnPass) {
@@ -204,9 +202,7 @@ void blurBuffer(unsigned char* bits, int width, int height, int bytesPerPixel, i
         } else {
             StackBlur(*rows, pixelBytes, reach).run();
         }
-    } catch (...) {
-        // Short of memory: the buffer stays as it was.
-    }
+    });
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "filters/blur/StackBlurScale.h"
-#include "walks/InPlaceBands.h"
+#include "walks/HaloBands.h"
 
 namespace keladjust {
 
@@ -44,7 +44,7 @@ private:
     std::size_t pixelBytes_;
     std::size_t radius_;
     bool alongRows_;
-    InPlaceBands bands_;
+    HaloBands bands_;
     std::size_t ringRows_;
     std::size_t ringStride_;
     std::vector<std::uint8_t> noRow_;  // what lies above all rows that count

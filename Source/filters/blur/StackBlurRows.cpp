@@ -18,6 +18,7 @@
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
+namespace {
 
 #if HWY_TARGET == HWY_SCALAR
 
@@ -53,12 +54,12 @@ std::uint8_t limitOf(const std::uint8_t* bytes, std::size_t i, bool pixelsOfFour
 // earlier.
 void blurTile(std::uint8_t* first, std::size_t width, bool pixelsOfFour, std::size_t radius) {
     const StackBlurScale scale = stackBlurScale(static_cast<unsigned>(radius));
-    const std::size_t reach = (radius + 1) * rows::tileBytes;
-    for (std::size_t lane = 0; lane < rows::tileBytes; ++lane) {
+    const std::size_t reach = (radius + 1) * tileBytes;
+    for (std::size_t lane = 0; lane < tileBytes; ++lane) {
         // As far before the line as only its first sample is within reach.
         Sums sums{static_cast<std::uint32_t>((radius + 1) * (radius + 1) * first[lane]), 0};
-        std::uint8_t* sample = first - radius * rows::tileBytes;
-        for (std::size_t i = 0; i < radius + width; ++i, sample += rows::tileBytes) {
+        std::uint8_t* sample = first - radius * tileBytes;
+        for (std::size_t i = 0; i < radius + width; ++i, sample += tileBytes) {
             const std::uint8_t outgoing = sample[lane - reach];
             if (i >= radius) {
                 sample[lane - reach] =
@@ -71,17 +72,16 @@ void blurTile(std::uint8_t* first, std::size_t width, bool pixelsOfFour, std::si
     }
 }
 
-void stackBlurAcross(std::span<const rows::BlurStep> steps, std::size_t bytes,
-                     std::size_t pixelBytes, std::size_t radius, float factor,
-                     std::uint8_t* state) {
-    static_assert(sizeof(Sums) <= rows::blurStateFactor);
+void stackBlurAcross(std::span<const BlurStep> steps, std::size_t bytes, std::size_t pixelBytes,
+                     std::size_t radius, float factor, std::uint8_t* state) {
+    static_assert(sizeof(Sums) <= blurStateFactor);
     const StackBlurScale scale = stackBlurScale(static_cast<unsigned>(radius));
     const bool pixelsOfFour = pixelBytes == 4;
     for (std::size_t i = 0; i < bytes; ++i) {
         if (isAlpha(i, pixelsOfFour)) continue;
         Sums sums;
-        std::memcpy(&sums, state + i * rows::blurStateFactor, sizeof sums);
-        for (const rows::BlurStep& step : steps) {
+        std::memcpy(&sums, state + i * blurStateFactor, sizeof sums);
+        for (const BlurStep& step : steps) {
             if (step.target != nullptr) {
                 const float sharp = step.target[i];
                 const std::uint8_t blurred =
@@ -91,7 +91,7 @@ void stackBlurAcross(std::span<const rows::BlurStep> steps, std::size_t bytes,
             }
             sums.advance(step.incoming[i], step.middle[i], step.outgoing[i]);
         }
-        std::memcpy(state + i * rows::blurStateFactor, &sums, sizeof sums);
+        std::memcpy(state + i * blurStateFactor, &sums, sizeof sums);
     }
 }
 
@@ -198,20 +198,20 @@ constexpr std::size_t largestNarrowRadius = 127;
 template <bool pixelsOfFour, bool wide>
 void blurTileOf(std::uint8_t* first, std::size_t width, std::size_t radius) {
     const StackBlurScale scale = stackBlurScale(static_cast<unsigned>(radius));
-    const std::size_t reach = (radius + 1) * rows::tileBytes;
+    const std::size_t reach = (radius + 1) * tileBytes;
     const SignedQuads weights =
         hn::Set(SignedQuadTag(), static_cast<std::int32_t>((radius + 1) * (radius + 1)));
-    for (std::size_t lane = 0; lane < rows::tileBytes; lane += hn::Lanes(RowTag())) {
+    for (std::size_t lane = 0; lane < tileBytes; lane += hn::Lanes(RowTag())) {
         // As far before the line as only its first sample is within reach.
         Sums<pixelsOfFour, wide> sums{};
         sums.sums = placesOf<pixelsOfFour>(load(first + lane, Whole{}));
         for (SignedQuads& sum : sums.sums.at) sum = hn::Mul(sum, weights);
-        std::uint8_t* sample = first + lane - radius * rows::tileBytes;
-        for (std::size_t i = 0; i < radius; ++i, sample += rows::tileBytes) {
+        std::uint8_t* sample = first + lane - radius * tileBytes;
+        for (std::size_t i = 0; i < radius; ++i, sample += tileBytes) {
             sums.advance(load(sample + reach, Whole{}), load(sample, Whole{}),
                          load(sample - reach, Whole{}));
         }
-        for (std::size_t i = 0; i < width; ++i, sample += rows::tileBytes) {
+        for (std::size_t i = 0; i < width; ++i, sample += tileBytes) {
             const Bytes middle = load(sample, Whole{});
             const Bytes outgoing = load(sample - reach, Whole{});
             store(joined(sums.blurred(scale, middle), middle), sample - reach, Whole{});
@@ -229,12 +229,12 @@ void blurTile(std::uint8_t* first, std::size_t width, bool pixelsOfFour, std::si
 }
 
 // A column of vectors meets as many rows as there are steps, four times, more streams than the
-// processor foresees by itself: it is told of a line of each some columns ahead.
-HWY_INLINE void foresee(std::span<const rows::BlurStep> steps, std::size_t i) {
+// processor prefetches by itself: it is told of a line of each some columns ahead.
+HWY_INLINE void prefetch(std::span<const BlurStep> steps, std::size_t i) {
     constexpr std::size_t line = 64;
     constexpr std::size_t ahead = 3 * line;
     if (i % line != 0) return;
-    for (const rows::BlurStep& step : steps) {
+    for (const BlurStep& step : steps) {
         hwy::Prefetch(step.incoming + i + ahead);
         hwy::Prefetch(step.middle + i + ahead);
         hwy::Prefetch(step.outgoing + i + ahead);
@@ -243,18 +243,18 @@ HWY_INLINE void foresee(std::span<const rows::BlurStep> steps, std::size_t i) {
 }
 
 template <bool pixelsOfFour, bool wide>
-void blurColumns(std::span<const rows::BlurStep> steps, std::size_t bytes, std::size_t radius,
+void blurColumns(std::span<const BlurStep> steps, std::size_t bytes, std::size_t radius,
                  float factor, std::uint8_t* state) {
     using Column = Sums<pixelsOfFour, wide>;
-    static_assert(sizeof(Column) <= rows::blurStateFactor * sizeof(Bytes));
+    static_assert(sizeof(Column) <= blurStateFactor * sizeof(Bytes));
     const StackBlurScale scale = stackBlurScale(static_cast<unsigned>(radius));
     const Floats factors = hn::Set(FloatTag(), factor);
     const std::size_t vector = hn::Lanes(RowTag());
     forEachVector(bytes, [&](std::size_t i, auto extent) HWY_ATTR {
-        foresee(steps, i);
+        prefetch(steps, i);
         Column sums;
-        std::memcpy(&sums, state + i * rows::blurStateFactor, sizeof sums);
-        for (const rows::BlurStep& step : steps) {
+        std::memcpy(&sums, state + i * blurStateFactor, sizeof sums);
+        for (const BlurStep& step : steps) {
             const Bytes middle = load(step.middle + i, extent);
             if (step.target != nullptr) {
                 const auto blurred = sums.blurred(scale, middle);
@@ -275,13 +275,12 @@ void blurColumns(std::span<const rows::BlurStep> steps, std::size_t bytes, std::
             }
             sums.advance(load(step.incoming + i, extent), middle, load(step.outgoing + i, extent));
         }
-        std::memcpy(state + i * rows::blurStateFactor, &sums, sizeof sums);
+        std::memcpy(state + i * blurStateFactor, &sums, sizeof sums);
     });
 }
 
-void stackBlurAcross(std::span<const rows::BlurStep> steps, std::size_t bytes,
-                     std::size_t pixelBytes, std::size_t radius, float factor,
-                     std::uint8_t* state) {
+void stackBlurAcross(std::span<const BlurStep> steps, std::size_t bytes, std::size_t pixelBytes,
+                     std::size_t radius, float factor, std::uint8_t* state) {
     if (radius <= largestNarrowRadius) {
         (pixelBytes == 4 ? blurColumns<true, false>
                          : blurColumns<false, false>)(steps, bytes, radius, factor, state);
@@ -297,21 +296,21 @@ void stackBlurAcross(std::span<const rows::BlurStep> steps, std::size_t bytes,
 
 void turnIntoTile(const std::uint8_t* const* rows, std::size_t width, std::size_t pixelBytes,
                   std::uint8_t* tile) {
-    constexpr std::size_t sample = rows::tileBytes;
+    constexpr std::size_t sample = tileBytes;
     std::size_t x = 0;
 #if HWY_TARGET != HWY_SCALAR
     if (pixelBytes == 4) {
         for (; x + 4 <= width; x += 4) {
-            for (std::size_t row = 0; row < rows::tileRows(4); row += 4) {
+            for (std::size_t row = 0; row < tileRows(4); row += 4) {
                 turnFour([&](std::size_t i) { return rows[row + i] + 4 * x; },
                          [&](std::size_t i) { return tile + (x + i) * sample + 4 * row; });
             }
         }
     }
 #endif
-    const std::size_t slot = rows::tileBytes / rows::tileRows(pixelBytes);
+    const std::size_t slot = tileBytes / tileRows(pixelBytes);
     for (; x < width; ++x) {
-        for (std::size_t row = 0; row < rows::tileRows(pixelBytes); ++row) {
+        for (std::size_t row = 0; row < tileRows(pixelBytes); ++row) {
             std::uint8_t* const pixel = tile + x * sample + slot * row;
             // The alpha of pixels without one, which limits nothing.
             pixel[slot - 1] = 255;
@@ -322,21 +321,21 @@ void turnIntoTile(const std::uint8_t* const* rows, std::size_t width, std::size_
 
 void turnIntoRows(const std::uint8_t* tile, std::size_t width, std::size_t pixelBytes,
                   std::uint8_t* const* rows) {
-    constexpr std::size_t sample = rows::tileBytes;
+    constexpr std::size_t sample = tileBytes;
     std::size_t x = 0;
 #if HWY_TARGET != HWY_SCALAR
     if (pixelBytes == 4) {
         for (; x + 4 <= width; x += 4) {
-            for (std::size_t row = 0; row < rows::tileRows(4); row += 4) {
+            for (std::size_t row = 0; row < tileRows(4); row += 4) {
                 turnFour([&](std::size_t i) { return tile + (x + i) * sample + 4 * row; },
                          [&](std::size_t i) { return rows[row + i] + 4 * x; });
             }
         }
     }
 #endif
-    const std::size_t slot = rows::tileBytes / rows::tileRows(pixelBytes);
+    const std::size_t slot = tileBytes / tileRows(pixelBytes);
     for (; x < width; ++x) {
-        for (std::size_t row = 0; row < rows::tileRows(pixelBytes); ++row) {
+        for (std::size_t row = 0; row < tileRows(pixelBytes); ++row) {
             std::memcpy(rows[row] + x * pixelBytes, tile + x * sample + slot * row, pixelBytes);
         }
     }
@@ -345,19 +344,20 @@ void turnIntoRows(const std::uint8_t* tile, std::size_t width, std::size_t pixel
 void stackBlurAlong(const std::uint8_t* const* rows, std::size_t width, std::size_t pixelBytes,
                     std::size_t radius, std::uint8_t* tile, std::uint8_t* const* blurred) {
     const std::size_t before = 2 * radius + 1;
-    std::uint8_t* const first = tile + before * rows::tileBytes;
-    std::uint8_t* const end = first + width * rows::tileBytes;
+    std::uint8_t* const first = tile + before * tileBytes;
+    std::uint8_t* const end = first + width * tileBytes;
     turnIntoTile(rows, width, pixelBytes, first);
-    for (std::uint8_t* sample = tile; sample < first; sample += rows::tileBytes) {
-        std::memcpy(sample, first, rows::tileBytes);
+    for (std::uint8_t* sample = tile; sample < first; sample += tileBytes) {
+        std::memcpy(sample, first, tileBytes);
     }
     for (std::size_t i = 0; i <= radius; ++i) {
-        std::memcpy(end + i * rows::tileBytes, end - rows::tileBytes, rows::tileBytes);
+        std::memcpy(end + i * tileBytes, end - tileBytes, tileBytes);
     }
     blurTile(first, width, pixelBytes != 1, radius);
-    turnIntoRows(first - (radius + 1) * rows::tileBytes, width, pixelBytes, blurred);
+    turnIntoRows(first - (radius + 1) * tileBytes, width, pixelBytes, blurred);
 }
 
+}  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace keladjust
 HWY_AFTER_NAMESPACE();
@@ -368,14 +368,12 @@ namespace keladjust {
 HWY_EXPORT(stackBlurAlong);
 HWY_EXPORT(stackBlurAcross);
 
-void rows::stackBlurAlong(const std::uint8_t* const* rows, std::size_t width,
-                          std::size_t pixelBytes, std::size_t radius, std::uint8_t* tile,
-                          std::uint8_t* const* blurred) {
+void stackBlurAlong(const std::uint8_t* const* rows, std::size_t width, std::size_t pixelBytes,
+                    std::size_t radius, std::uint8_t* tile, std::uint8_t* const* blurred) {
     HWY_DYNAMIC_DISPATCH(stackBlurAlong)(rows, width, pixelBytes, radius, tile, blurred);
 }
-void rows::stackBlurAcross(std::span<const BlurStep> steps, std::size_t bytes,
-                           std::size_t pixelBytes, std::size_t radius, float factor,
-                           std::uint8_t* state) {
+void stackBlurAcross(std::span<const BlurStep> steps, std::size_t bytes, std::size_t pixelBytes,
+                     std::size_t radius, float factor, std::uint8_t* state) {
     HWY_DYNAMIC_DISPATCH(stackBlurAcross)(steps, bytes, pixelBytes, radius, factor, state);
 }
 

@@ -10,7 +10,7 @@
 /// The two passes of a Stack Blur over some rows, compiled for every instruction set and chosen
 /// when they run. All of them give the same bytes. Colours of pixels of four bytes are limited to
 /// alpha, which stays.
-namespace keladjust::rows {
+namespace keladjust {
 
 /// Along rows the blur takes several together, turned on their side: a sample of such a tile is a
 /// pixel of each row.
@@ -47,6 +47,6 @@ constexpr std::size_t blurStateSize(std::size_t bytes) {
 void stackBlurAcross(std::span<const BlurStep> steps, std::size_t bytes, std::size_t pixelBytes,
                      std::size_t radius, float factor, std::uint8_t* state);
 
-}  // namespace keladjust::rows
+}  // namespace keladjust
 
 #endif

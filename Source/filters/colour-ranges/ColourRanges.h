@@ -6,22 +6,13 @@
 
 namespace keladjust {
 
-/// The band of hues that a range works on: how strongly, by the pixel's hue.
-class HueBand {
-public:
-    /// Degrees; a `minDegree` above `maxDegree` wraps through 0.
-    HueBand(float minDegree, float maxDegree) : min_(minDegree), max_(maxDegree) {}
+/// The band of hues that a range works on, in degrees; a `minDegree` above `maxDegree` wraps
+/// through 0.
+struct HueBand {
+    float minDegree;
+    float maxDegree;
 
-    float minDegree() const { return min_; }
-    float maxDegree() const { return max_; }
-    bool wraps() const { return min_ > max_; }
-
-    /// 0 outside the band, rising linearly to 1 at its middle, or at 0 degrees for a wrapping band.
-    float weight(float hue) const;
-
-private:
-    float min_;
-    float max_;
+    bool wraps() const { return minDegree > maxDegree; }
 };
 
 /// What a range does, in the units of the formulas.
@@ -55,9 +46,6 @@ public:
     void change(ColourRun& run) const override;
 
 private:
-    /// Of any colour, inside 0..1 or not.
-    Colour changed(Colour c) const;
-
     bool active_;
     HueBand band_;
     RangeChange change_;

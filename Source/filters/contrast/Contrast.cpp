@@ -1,33 +1,60 @@
-// Brightness: a gain for positive settings, an offset for negative ones. Contrast: a window of the
-// channel range stretched over all of it, or the range squeezed towards its middle.
+// Contrast: a window of the channel range stretched over all of it, or the range squeezed towards
+// its middle.
 
-#include "filters/contrast/Contrast.h"
-#include "filters/exposure/Brightness.h"
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "filters/contrast/Contrast.cpp"
+#include <hwy/foreach_target.h>
 
 #include <cstdint>
 
 #include "arithmetic/Rounding.h"
-#include "filters/spans/Spans.h"
+#include "filters/contrast/Contrast.h"
+#include "walks/PixelVectors-inl.h"
 #include "walks/StageForms.h"
 
+HWY_BEFORE_NAMESPACE();
 namespace keladjust {
-
+namespace HWY_NAMESPACE {
 namespace {
 
-// The value is used by its own sign, not by that of the setting: a positive one multiplies, any
-// other is added. Far below -100 the offset's formula turns positive and so becomes a gain.
-float brightnessGain(float setting) {
-    return setting / 100.0f + 1.0f;
+// A range made out of all of the scale; unclamped.
+void squeezeColours(ColourRun& run, const ContrastWindow<float>& window) {
+    const UnitColours colours(run);
+    forEachColour(colours, [&](std::size_t i) HWY_ATTR {
+        const auto squeezed = [&](Floats channel) HWY_ATTR {
+            return hn::Sub(hn::Mul(channel, constant(window.range)), constant(window.low));
+        };
+        colours.storeAny(mapChannels(colours.load(i), squeezed), i);
+    });
 }
-float brightnessOffsetByte(float setting) {
-    return (1.0f / (setting / 253.0f + 0.99f) - 1.0f) * -255.0f * 0.6f;
+
+// All of the scale made out of the part between low and high.
+void stretchColours(ColourRun& run, const ContrastWindow<float>& window) {
+    const UnitColours colours(run);
+    forEachColour(colours, [&](std::size_t i) HWY_ATTR {
+        const auto stretched = [&](Floats channel) HWY_ATTR {
+            const Floats inside =
+                hn::Div(hn::Sub(channel, constant(window.low)), constant(window.range));
+            const Floats capped =
+                hn::IfThenElse(hn::Gt(channel, constant(window.high)), constant(1.0f), inside);
+            return hn::IfThenZeroElse(hn::Le(channel, constant(window.low)), capped);
+        };
+        colours.storeAny(mapChannels(colours.load(i), stretched), i);
+    });
 }
-float brightnessOffsetUnit(float setting) {
-    return (1.0f - 1.0f / (setting / 253.0f + 0.99f)) * 0.6f;
-}
-float brighten(float channel, float value) {
-    return value > 0.0f ? channel * value : channel + value;
-}
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace keladjust
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace keladjust {
+
+HWY_EXPORT(squeezeColours);
+HWY_EXPORT(stretchColours);
+
+namespace {
 
 // How far the window lies from the ends of the channel range, before rounding.
 float contrastMargin(float setting) {
@@ -71,23 +98,6 @@ ContrastWindow<float> unitWindow(float setting) {
 
 }  // namespace
 
-BrightnessKernel::BrightnessKernel(float setting)
-    : active_(setting != 0.0f),
-      unitValue_(setting > 0.0f ? brightnessGain(setting) : brightnessOffsetUnit(setting)) {
-    const float value = setting > 0.0f ? brightnessGain(setting) : brightnessOffsetByte(setting);
-    fill([value](std::uint8_t channel) {
-        return clampToByte(brighten(static_cast<float>(channel), value));
-    });
-}
-
-void BrightnessKernel::change(ColourRun& run) const {
-    if (unitValue_ > 0.0f) {
-        spans::multiply(run, unitValue_);
-    } else {
-        spans::offset(run, unitValue_);
-    }
-}
-
 ContrastKernel::ContrastKernel(float setting)
     : active_(setting != 0.0f), unitWindow_(unitWindow(setting)) {
     const ContrastWindow<std::int32_t> window = byteWindow(setting);
@@ -95,34 +105,21 @@ ContrastKernel::ContrastKernel(float setting)
 }
 
 void ContrastKernel::change(ColourRun& run) const {
-    const auto& [low, high, range] = unitWindow_;
-    if (low > 0.0f) {
-        spans::stretch(run, low, high, range);
+    if (unitWindow_.low > 0.0f) {
+        HWY_DYNAMIC_DISPATCH(stretchColours)(run, unitWindow_);
     } else {
-        spans::squeeze(run, low, range);
+        HWY_DYNAMIC_DISPATCH(squeezeColours)(run, unitWindow_);
     }
 }
 
 }  // namespace keladjust
 
-CxImage* brightnessAdjustment(CxImage* image, float brightness) {
-    return keladjust::exportedForm(image, [&] {
-        const keladjust::BrightnessKernel kernel(brightness);
-        if (image != nullptr && kernel.active()) {
-            keladjust::mapRawWalk(*image, *kernel.table());
-        }
-    });
-}
-
 CxImage* contrastAdjustment(CxImage* image, float contrast) {
     return keladjust::applyKernel<keladjust::ContrastKernel>(image, contrast);
-}
-
-float* lut3d_brightnessAdjustment(float* lut, unsigned long count, int stride, float brightness) {
-    return keladjust::applyColourKernel<keladjust::BrightnessKernel>(lut, count, stride,
-                                                                     brightness);
 }
 
 float* lut3d_contrastAdjustment(float* lut, unsigned long count, int stride, float contrast) {
     return keladjust::applyColourKernel<keladjust::ContrastKernel>(lut, count, stride, contrast);
 }
+
+#endif

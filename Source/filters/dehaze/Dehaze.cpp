@@ -1,12 +1,13 @@
 // Dehaze: a veil estimated from the darkest channel about each pixel and taken off, or, for
 // negative settings, an even white one laid over.
 
-#include <keladjust/CxImage.h>
+#include <keladjust/keladjust.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -76,8 +77,8 @@ public:
     void judge(const RawWalk& walk, std::size_t height, std::size_t begin, std::size_t end,
                std::uint8_t* means) {
         const auto entering = [&](std::size_t y) {
-            const rows::Darkness darkness = rows::darkestChannels(
-                walk.first + y * width_ * walk.step, width_, walk.step, darkestOfRow(y));
+            const Darkness darkness = darkestChannels(walk.first + y * width_ * walk.step, width_,
+                                                      walk.step, darkestOfRow(y));
             if (y >= begin && y < end) {
                 sum += darkness.sum;
                 brightest = std::max(brightest, darkness.brightest);
@@ -128,28 +129,27 @@ float veilFactor(std::uint8_t mean, float amount) {
     return factor > 0.0f ? std::min(factor, 0.9f) : 0.0f;  // 0 also if black meets infinity
 }
 
-void removeHaze(CxImage& image, float amount) {
-    const RawWalk walk = rawWalkOf(image);
+void removeHaze(const Picture& picture, float amount) {
+    const RawWalk walk = rawWalkOf(picture);
     if (walk.channels == 0) return;
-    const Haze haze = hazeOf(walk, image.width, image.height);
+    const Haze haze = hazeOf(walk, picture.width, picture.height);
     if (haze.brightest == 0) return;  // all is black
     const auto mean = static_cast<std::uint8_t>(haze.sum / walk.count);
-    const rows::Veil veil{veilFactor(mean, amount),
-                          static_cast<float>(haze.deepest + haze.brightest) * 0.5f};
-    platform::parallelBands(walk.count, platform::bandCount(walk.count, pixelsPerThread),
-                            [&](std::size_t, std::size_t begin, std::size_t end) {
-                                rows::unveil(walk.first + begin * walk.step, end - begin, walk.step,
-                                             haze.means.get() + begin, veil);
-                            });
+    const Veil veil{veilFactor(mean, amount),
+                    static_cast<float>(haze.deepest + haze.brightest) * 0.5f};
+    forEachShare(walk, [&](std::size_t begin, std::size_t end) {
+        unveil(walk.first + begin * walk.step, end - begin, walk.step, haze.means.get() + begin,
+               veil);
+    });
 }
 
-void layVeil(CxImage& image, float amount) {
+void layVeil(const Picture& picture, float amount) {
     const float t = amount / 100.0f;
     ByteTable table;
     for (unsigned in = 0; in < table.size(); ++in) {
         table[in] = clampToByte((static_cast<float>(in) - t * 255.0f) / (1.0f - t));
     }
-    mapRawWalk(image, table);
+    mapRawWalk(picture, table);
 }
 
 // The bytes of a map; 0 for sizes that are none.
@@ -158,31 +158,35 @@ std::size_t mapSize(int width, int height) {
     return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
 }
 
+bool overlap(const std::uint8_t* a, const std::uint8_t* b, std::size_t size) {
+    const std::less<const std::uint8_t*> before;
+    return before(a, b + size) && before(b, a + size);
+}
+
 }  // namespace
 
 }  // namespace keladjust
 
 CxImage* dehaze(CxImage* image, float amount) {
-    return keladjust::exportedForm(image, [&] {
-        if (image == nullptr || amount == 0.0f) return;
+    return keladjust::exportedForm(image, [&](const keladjust::Picture& picture) {
+        if (amount == 0.0f) return;
         if (amount > 0.0f) {
-            keladjust::removeHaze(*image, amount);
+            keladjust::removeHaze(picture, amount);
         } else {
-            keladjust::layVeil(*image, amount);
+            keladjust::layVeil(picture, amount);
         }
     });
 }
 
 void meanFilter15(const unsigned char* source, unsigned char* destination, int width, int height) {
-    if (source == nullptr || destination == nullptr || keladjust::mapSize(width, height) == 0) {
-        return;
-    }
-    try {
+    if (source == nullptr || destination == nullptr) return;
+    // Where maps overlap, means would be made of means, of which depends on the number of threads.
+    if (keladjust::overlap(source, destination, keladjust::mapSize(width, height))) return;
+    if (keladjust::mapSize(width, height) == 0) return;
+    keladjust::guarded([&] {
         keladjust::mean15(source, destination, static_cast<std::size_t>(width),
                           static_cast<std::size_t>(height));
-    } catch (...) {
-        // Short of memory: the destination stays as it was.
-    }
+    });
 }
 
 unsigned char* estimateVeil(const unsigned char* minimum, const unsigned char* mean, int width,

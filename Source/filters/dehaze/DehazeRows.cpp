@@ -13,14 +13,15 @@
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
+namespace {
 
 // Pixel by pixel: what the vectors below do for many at a time, and for the depths that they do not
 // know.
 
-rows::Darkness darkestOneByOne(const std::uint8_t* pixels, std::size_t count, std::size_t step,
-                               std::uint8_t* darkest) {
+Darkness darkestOneByOne(const std::uint8_t* pixels, std::size_t count, std::size_t step,
+                         std::uint8_t* darkest) {
     const std::size_t channels = std::min<std::size_t>(3, step);
-    rows::Darkness darkness;
+    Darkness darkness;
     for (std::size_t i = 0; i < count; ++i, pixels += step) {
         darkest[i] = *std::min_element(pixels, pixels + channels);
         darkness.sum += darkest[i];
@@ -31,7 +32,7 @@ rows::Darkness darkestOneByOne(const std::uint8_t* pixels, std::size_t count, st
 }
 
 void unveilOneByOne(std::uint8_t* pixels, std::size_t count, std::size_t step,
-                    const std::uint8_t* means, rows::Veil veil) {
+                    const std::uint8_t* means, Veil veil) {
     const std::size_t channels = std::min<std::size_t>(3, step);
     for (std::size_t i = 0; i < count; ++i, pixels += step) {
         const std::uint8_t darkest = *std::min_element(pixels, pixels + channels);
@@ -46,13 +47,13 @@ void unveilOneByOne(std::uint8_t* pixels, std::size_t count, std::size_t step,
 
 #if HWY_TARGET == HWY_SCALAR
 
-rows::Darkness darkestChannels(const std::uint8_t* pixels, std::size_t count, std::size_t step,
-                               std::uint8_t* darkest) {
+Darkness darkestChannels(const std::uint8_t* pixels, std::size_t count, std::size_t step,
+                         std::uint8_t* darkest) {
     return darkestOneByOne(pixels, count, step, darkest);
 }
 
 void unveil(std::uint8_t* pixels, std::size_t count, std::size_t step, const std::uint8_t* means,
-            rows::Veil veil) {
+            Veil veil) {
     unveilOneByOne(pixels, count, step, means, veil);
 }
 
@@ -99,8 +100,8 @@ std::uint8_t largestOf(Bytes bytes) {
     return *std::max_element(lanes, lanes + 32);
 }
 
-rows::Darkness darkestChannels(const std::uint8_t* pixels, std::size_t count, std::size_t step,
-                               std::uint8_t* darkest) {
+Darkness darkestChannels(const std::uint8_t* pixels, std::size_t count, std::size_t step,
+                         std::uint8_t* darkest) {
     const std::size_t vector = hn::Lanes(SignedQuadTag());
     SignedQuads sums = hn::Zero(SignedQuadTag());
     Bytes brightest = hn::Zero(RowTag());
@@ -124,7 +125,7 @@ rows::Darkness darkestChannels(const std::uint8_t* pixels, std::size_t count, st
             brightest = hn::Max(brightest, hn::BitCast(RowTag(), largest));
         }
     }
-    rows::Darkness darkness = darkestOneByOne(pixels + i * step, count - i, step, darkest + i);
+    Darkness darkness = darkestOneByOne(pixels + i * step, count - i, step, darkest + i);
     HWY_ALIGN std::int32_t lanes[8];
     hn::Store(sums, SignedQuadTag(), lanes);
     for (std::size_t lane = 0; lane < vector; ++lane) {
@@ -137,7 +138,7 @@ rows::Darkness darkestChannels(const std::uint8_t* pixels, std::size_t count, st
 // The veil on some pixels. It leaves every channel at least a tenth, so nothing here grows large.
 class VeilOnPixels {
 public:
-    explicit VeilOnPixels(rows::Veil veil)
+    explicit VeilOnPixels(Veil veil)
         : factor_(hn::Set(FloatTag(), veil.factor)), light_(hn::Set(FloatTag(), veil.light)) {}
 
     HWY_INLINE SignedQuads depth(const std::uint8_t* means, SignedQuads darkest) const {
@@ -199,7 +200,7 @@ HWY_INLINE void unveilThree(const VeilOnPixels& veil, const std::uint8_t* means,
 }
 
 void unveil(std::uint8_t* pixels, std::size_t count, std::size_t step, const std::uint8_t* means,
-            rows::Veil veil) {
+            Veil veil) {
     const VeilOnPixels veilOnPixels(veil);
     const std::size_t vector = hn::Lanes(SignedQuadTag());
     std::size_t i = 0;
@@ -217,6 +218,7 @@ void unveil(std::uint8_t* pixels, std::size_t count, std::size_t step, const std
 
 #endif
 
+}  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace keladjust
 HWY_AFTER_NAMESPACE();
@@ -227,8 +229,8 @@ namespace keladjust {
 HWY_EXPORT(darkestChannels);
 HWY_EXPORT(unveil);
 
-rows::Darkness rows::darkestChannels(const std::uint8_t* pixels, std::size_t count,
-                                     std::size_t step, std::uint8_t* darkest) {
+Darkness darkestChannels(const std::uint8_t* pixels, std::size_t count, std::size_t step,
+                         std::uint8_t* darkest) {
     // Runs whose sums fit the 32 bits of a vector's lanes.
     constexpr std::size_t runPixels = 1 << 22;
     Darkness all;
@@ -240,8 +242,8 @@ rows::Darkness rows::darkestChannels(const std::uint8_t* pixels, std::size_t cou
     }
     return all;
 }
-void rows::unveil(std::uint8_t* pixels, std::size_t count, std::size_t step,
-                  const std::uint8_t* means, Veil veil) {
+void unveil(std::uint8_t* pixels, std::size_t count, std::size_t step, const std::uint8_t* means,
+            Veil veil) {
     HWY_DYNAMIC_DISPATCH(unveil)(pixels, count, step, means, veil);
 }
 

@@ -7,7 +7,7 @@
 /// Dehaze's two walks over pixels, compiled for every instruction set and chosen when they run. All
 /// of them give the same bytes. A pixel's channels are its first three bytes, or all if it has
 /// fewer.
-namespace keladjust::rows {
+namespace keladjust {
 
 /// About some pixels.
 struct Darkness {
@@ -29,6 +29,6 @@ struct Veil {
 void unveil(std::uint8_t* pixels, std::size_t count, std::size_t step, const std::uint8_t* means,
             Veil veil);
 
-}  // namespace keladjust::rows
+}  // namespace keladjust
 
 #endif

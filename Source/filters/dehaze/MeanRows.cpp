@@ -10,6 +10,7 @@
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
+namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
@@ -77,8 +78,8 @@ constexpr bool dividesExactly(std::uint32_t count) {
 }
 
 constexpr bool everyWindowDividesExactly() {
-    for (std::uint32_t rows = 1; rows <= rows::meanSide; ++rows) {
-        if (!dividesExactly(rows * rows::meanSide)) return false;
+    for (std::uint32_t rows = 1; rows <= meanSide; ++rows) {
+        if (!dividesExactly(rows * meanSide)) return false;
     }
     return true;
 }
@@ -86,7 +87,7 @@ static_assert(everyWindowDividesExactly());
 
 void meansInside(const std::uint16_t* sums, std::size_t count, std::uint32_t rows,
                  std::uint16_t* triples, std::uint8_t* means) {
-    static_assert(rows::meanSide == 15);
+    static_assert(meanSide == 15);
     const SumTag tag;
     const auto sumOf = [&](const std::uint16_t* of, std::size_t step, std::size_t terms) HWY_ATTR {
         auto sum = hn::LoadU(tag, of);
@@ -97,7 +98,7 @@ void meansInside(const std::uint16_t* sums, std::size_t count, std::uint32_t row
     for (std::size_t x = 0; x < count + 12; x += hn::Lanes(tag)) {
         hn::StoreU(sumOf(sums + x, 1, 3), tag, triples + x);
     }
-    const Division division = divisionBy(rows * rows::meanSide);
+    const Division division = divisionBy(rows * meanSide);
     const auto multiplier = hn::Set(tag, division.multiplier);
     const hn::RebindToSigned<SumTag> signedTag;
     std::size_t x = forEachVector(count, [&](std::size_t i) HWY_ATTR {
@@ -108,10 +109,11 @@ void meansInside(const std::uint16_t* sums, std::size_t count, std::uint32_t row
     for (; x < count; ++x) {
         std::uint32_t sum = 0;
         for (std::size_t k = 0; k < 15; k += 3) sum += triples[x + k];
-        means[x] = static_cast<std::uint8_t>(sum / (rows * rows::meanSide));
+        means[x] = static_cast<std::uint8_t>(sum / (rows * meanSide));
     }
 }
 
+}  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace keladjust
 HWY_AFTER_NAMESPACE();
@@ -124,18 +126,18 @@ HWY_EXPORT(exchangeInColumns);
 HWY_EXPORT(takeFromColumns);
 HWY_EXPORT(meansInside);
 
-void rows::addToColumns(const std::uint8_t* row, std::size_t width, std::uint16_t* sums) {
+void addToColumns(const std::uint8_t* row, std::size_t width, std::uint16_t* sums) {
     HWY_DYNAMIC_DISPATCH(addToColumns)(row, width, sums);
 }
-void rows::exchangeInColumns(const std::uint8_t* added, const std::uint8_t* taken,
-                             std::size_t width, std::uint16_t* sums) {
+void exchangeInColumns(const std::uint8_t* added, const std::uint8_t* taken, std::size_t width,
+                       std::uint16_t* sums) {
     HWY_DYNAMIC_DISPATCH(exchangeInColumns)(added, taken, width, sums);
 }
-void rows::takeFromColumns(const std::uint8_t* row, std::size_t width, std::uint16_t* sums) {
+void takeFromColumns(const std::uint8_t* row, std::size_t width, std::uint16_t* sums) {
     HWY_DYNAMIC_DISPATCH(takeFromColumns)(row, width, sums);
 }
-void rows::meansInside(const std::uint16_t* sums, std::size_t count, std::uint32_t rows,
-                       std::uint16_t* triples, std::uint8_t* means) {
+void meansInside(const std::uint16_t* sums, std::size_t count, std::uint32_t rows,
+                 std::uint16_t* triples, std::uint8_t* means) {
     HWY_DYNAMIC_DISPATCH(meansInside)(sums, count, rows, triples, means);
 }
 

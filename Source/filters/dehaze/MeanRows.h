@@ -6,7 +6,7 @@
 
 /// The mean filter's work on a row, compiled for every instruction set and chosen when it runs. All
 /// of them give the same bytes.
-namespace keladjust::rows {
+namespace keladjust {
 
 /// Rows and columns of a window.
 constexpr std::size_t meanSide = 15;
@@ -26,6 +26,6 @@ void takeFromColumns(const std::uint8_t* row, std::size_t width, std::uint16_t* 
 void meansInside(const std::uint16_t* sums, std::size_t count, std::uint32_t rows,
                  std::uint16_t* triples, std::uint8_t* means);
 
-}  // namespace keladjust::rows
+}  // namespace keladjust
 
 #endif

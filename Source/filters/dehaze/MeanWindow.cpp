@@ -7,21 +7,21 @@
 
 namespace keladjust {
 
-static_assert(rows::meanSide == 2 * MeanWindow::reach + 1);
+static_assert(meanSide == 2 * MeanWindow::reach + 1);
 
 MeanWindow::MeanWindow(std::size_t width)
-    : width_(width), columns_(width + rows::columnSlack), triples_(width + rows::columnSlack) {}
+    : width_(width), columns_(width + columnSlack), triples_(width + columnSlack) {}
 
 void MeanWindow::enter(const std::uint8_t* row) {
-    rows::addToColumns(row, width_, columns_.data());
+    addToColumns(row, width_, columns_.data());
 }
 
 void MeanWindow::leave(const std::uint8_t* row) {
-    rows::takeFromColumns(row, width_, columns_.data());
+    takeFromColumns(row, width_, columns_.data());
 }
 
 void MeanWindow::exchange(const std::uint8_t* entering, const std::uint8_t* leaving) {
-    rows::exchangeInColumns(entering, leaving, width_, columns_.data());
+    exchangeInColumns(entering, leaving, width_, columns_.data());
 }
 
 void MeanWindow::means(std::uint8_t* out) {
@@ -41,7 +41,7 @@ void MeanWindow::means(std::uint8_t* out) {
         return;
     }
     cropped(0, reach);
-    rows::meansInside(columns_.data(), width_ - 2 * reach, rows, triples_.data(), out + reach);
+    meansInside(columns_.data(), width_ - 2 * reach, rows, triples_.data(), out + reach);
     cropped(width_ - reach, width_);
 }
 

@@ -12,6 +12,7 @@
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
+namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
@@ -137,27 +138,22 @@ public:
     // Filters the columns from `column` on, as many as the tile and the plane have.
     void run(std::size_t column) {
         column_ = column;
-        const std::size_t firstBlock = band_.begin < dctHalo ? 0 : band_.begin - dctHalo;
+        const std::size_t begin = band_.rows.begin();
+        const std::size_t firstBlock = begin < dctHalo ? 0 : begin - dctHalo;
         for (std::size_t y = firstBlock; y < firstBlock + dctHalo; ++y) transformRow(y);
         std::memset(sums_, 0, sizeof sums_);
-        for (std::size_t y = firstBlock; y < band_.end; ++y) {
+        for (std::size_t y = firstBlock; y < band_.rows.end(); ++y) {
             transformRow(y + dctHalo);
             filterBlocks(y);
-            if (y >= band_.begin) writeRow(y);
+            if (y >= begin) writeRow(y);
         }
     }
 
 private:
-    const std::uint8_t* sourceRow(std::size_t y) const {
-        if (y < band_.begin) return band_.above + (y + dctHalo - band_.begin) * band_.width;
-        if (y >= band_.end) return band_.below + (y - band_.end) * band_.width;
-        return band_.source + y * band_.stride;
-    }
-
     void transformRow(std::size_t y) {
         const FloatTag d;
         const std::size_t known = std::min(tileWidth + dctHalo, band_.width - column_);
-        const std::uint8_t* const row = sourceRow(y) + column_;
+        const std::uint8_t* const row = band_.rows.row(y) + column_;
         for (std::size_t i = 0; i < known; ++i) samples_[i] = static_cast<float>(row[i]);
         // Blocks that begin too far to the right read zeros; no pixel is made of them.
         std::fill(samples_ + known, samples_ + tileReach, 0.0f);
@@ -263,7 +259,7 @@ private:
 
         // A pixel takes sample n from the column position n to its left, the leftmost first; those
         // of the tile before have left their sum.
-        float* const carried = band_.carried + (y - band_.begin) * dctSize;
+        float* const carried = band_.carried + (y - band_.rows.begin()) * dctSize;
         alignas(64) float sums[tileReach] = {};
         if (column_ != 0) std::copy_n(carried, dctSize, sums);
         for (std::size_t i = 0; i < tileWidth + dctHalo; i += hn::Lanes(d)) {
@@ -318,6 +314,7 @@ void filterBand(const DctBand& band) {
     }
 }
 
+}  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace keladjust
 HWY_AFTER_NAMESPACE();

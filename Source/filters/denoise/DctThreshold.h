@@ -1,9 +1,10 @@
 #ifndef KELADJUST_FILTERS_DENOISE_DCTTHRESHOLD_H
 #define KELADJUST_FILTERS_DENOISE_DCTTHRESHOLD_H
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
+
+#include "walks/HaloBands.h"
 
 /// Sliding-window hard thresholding in the domain of the 8 x 8 discrete cosine transform: the part
 /// that does the work, compiled for every instruction set and chosen when it runs.
@@ -37,20 +38,13 @@ constexpr std::size_t dctHalo = dctSize - 1;
 
 /// Some rows of a plane to filter, and what that takes.
 struct DctBand {
-    const std::uint8_t* source = nullptr;  ///< the plane's first row
-    std::uint8_t* destination = nullptr;   ///< may be the source
-    std::size_t stride = 0;                ///< bytes per row of both
-    std::size_t width = 0;                 ///< of the plane, more than dctSize
-    std::size_t begin = 0;                 ///< first row to write
-    std::size_t end = 0;                   ///< one past the last row to write, at most height - 8
-
-    /// Copies of the dctHalo rows before `begin` (if there are that many rows) and from `end` on,
-    /// each `width` bytes: other bands may have overwritten the plane's.
-    const std::uint8_t* above = nullptr;
-    const std::uint8_t* below = nullptr;
-
-    float* carried = nullptr;  ///< working storage: dctSize floats for each row to write
-    float threshold = 0;       ///< coefficients of a smaller magnitude become 0; NaN keeps all
+    /// Of the plane without its last 8 rows; sees dctHalo rows beyond its own.
+    HaloBands::Band rows;
+    std::uint8_t* destination;  ///< the first row of a plane, perhaps the one the rows are of
+    std::size_t stride;         ///< bytes per row of the destination
+    std::size_t width;          ///< of the plane, more than dctSize
+    float* carried;             ///< working storage: dctSize floats for each row to write
+    float threshold;            ///< coefficients of a smaller magnitude become 0; NaN keeps all
 };
 
 /// Filters the rows of a band, all but their last 8 columns.

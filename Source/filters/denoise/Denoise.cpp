@@ -11,7 +11,6 @@
 
 #include "ImageFormat/ChannelPlanes.h"
 #include "ImageFormat/Geometry.h"
-#include "ImageFormat/PixelSpan.h"
 #include "filters/denoise/DctThreshold.h"
 #include "platform/Parallel.h"
 #include "walks/StageForms.h"
@@ -35,65 +34,21 @@ struct PlaneShape {
     std::size_t filteredRows() const { return height - dctSize; }
 };
 
-/// Filters a plane whose shape has blocks, all but the last 8 rows and columns. The storage is
-/// taken at once, so that a plane for which memory is short can be left whole.
-class PlaneFilter {
-public:
-    explicit PlaneFilter(const PlaneShape& shape)
-        : shape_(shape),
-          bands_(platform::bandCount(
-              shape.filteredRows(),
-              std::max(leastBandRows, pixelsPerFilterThread / shape.width + 1))),
-          halos_(bands_ * 2 * dctHalo * shape.width),
-          carried_(shape.filteredRows() * dctSize) {}
-
-    void run(const std::uint8_t* source, std::uint8_t* destination, float sigma) {
-        // Bands write into what their neighbours read, so that is copied first.
-        for (std::size_t band = 0; band < bands_; ++band) copyHalos(source, band);
-        platform::parallelBands(bands_, bands_, [&](std::size_t, std::size_t first, std::size_t) {
-            filterBand(bandOf(first, source, destination, 3.0f * sigma));
-        });
-    }
-
-private:
-    std::size_t firstRow(std::size_t band) const { return band * shape_.filteredRows() / bands_; }
-
-    std::uint8_t* halo(std::size_t band, std::size_t side) {
-        return halos_.data() + (2 * band + side) * dctHalo * shape_.width;
-    }
-
-    void copyHalos(const std::uint8_t* source, std::size_t band) {
-        for (std::size_t i = 0; i < dctHalo; ++i) {
-            const auto copy = [&](std::size_t row, std::size_t side) {
-                std::copy_n(source + row * shape_.stride, shape_.width,
-                            halo(band, side) + i * shape_.width);
-            };
-            if (band != 0) copy(firstRow(band) - dctHalo + i, 0);
-            copy(firstRow(band + 1) + i, 1);
-        }
-    }
-
-    DctBand bandOf(std::size_t band, const std::uint8_t* source, std::uint8_t* destination,
-                   float threshold) {
-        DctBand result;
-        result.source = source;
-        result.destination = destination;
-        result.stride = shape_.stride;
-        result.width = shape_.width;
-        result.begin = firstRow(band);
-        result.end = firstRow(band + 1);
-        result.above = halo(band, 0);
-        result.below = halo(band, 1);
-        result.carried = carried_.data() + result.begin * dctSize;
-        result.threshold = threshold;
-        return result;
-    }
-
-    PlaneShape shape_;
-    std::size_t bands_;
-    std::vector<std::uint8_t> halos_;
-    std::vector<float> carried_;
-};
+/// Filters a plane whose shape has blocks, all but the last 8 rows and columns. Source and
+/// destination may be one and the same.
+void filterPlane(const PlaneShape& shape, const std::uint8_t* source, std::uint8_t* destination,
+                 float sigma) {
+    const std::size_t grain = std::max(leastBandRows, pixelsPerFilterThread / shape.width + 1);
+    HaloBands bands({source, shape.stride, shape.width, shape.height}, shape.filteredRows(),
+                    platform::bandCount(shape.filteredRows(), grain), [](std::size_t, std::size_t) {
+                        return Reach{dctHalo, dctHalo};
+                    });
+    std::vector<float> carried(shape.filteredRows() * dctSize);
+    bands.run([&](const HaloBands::Band& band) {
+        filterBand({band, destination, shape.stride, shape.width,
+                    carried.data() + band.begin() * dctSize, 3.0f * sigma});
+    });
+}
 
 /// Fills the last 8 rows and columns. They are read as if rows had no padding: where a row has
 /// some, pixels come from further left or from the row above, and in place they may be pixels that
@@ -109,7 +64,7 @@ void copyEdges(const PlaneShape& shape, const std::uint8_t* source, std::uint8_t
 
 void denoisePlane(const PlaneShape& shape, const std::uint8_t* source, std::uint8_t* destination,
                   float sigma) {
-    if (shape.hasBlocks()) PlaneFilter(shape).run(source, destination, sigma);
+    if (shape.hasBlocks()) filterPlane(shape, source, destination, sigma);
     // Every pixel that an edge is filled from stands before it in the buffer, so filtering all the
     // others first does not change what is read.
     copyEdges(shape, source, destination);
@@ -123,41 +78,46 @@ void forEachRow(const PlaneShape& shape, Body body) {
     const std::size_t rowsPerThread = pixelsPerSplitThread / shape.width + 1;
     platform::parallelBands(shape.height, platform::bandCount(shape.height, rowsPerThread),
                             [&](std::size_t, std::size_t begin, std::size_t end) {
-                                for (std::size_t y = begin; y < end; ++y) {
-                                    body(static_cast<unsigned>(y));
-                                }
+                                for (std::size_t y = begin; y < end; ++y) body(y);
                             });
 }
 
-void denoise(CxImage& image, float setting, ColourSpace space) {
-    const PlaneShape shape{image.width, image.height,
-                           static_cast<std::size_t>(exactRowBytes(image.width, 8))};
+void denoise(const Picture& picture, float setting, ColourSpace space) {
+    const PlaneShape shape{picture.width, picture.height, paddedRowBytes(picture.width)};
     Planes planes;
     for (auto& plane : planes) plane.resize(shape.stride * shape.height);
 
-    forEachRow(shape, [&](unsigned y) {
+    forEachRow(shape, [&](std::size_t y) {
         const auto row = [&](std::size_t i) { return planes[i].data() + shape.stride * y; };
-        splitRow(image, y, space, {row(0), row(1), row(2)});
+        splitRow(picture.layout, picture.row(y), picture.width, space, {row(0), row(1), row(2)});
     });
     const float sigma = setting * 0.15f;
     for (auto& plane : planes) denoisePlane(shape, plane.data(), plane.data(), sigma);
-    forEachRow(shape, [&](unsigned y) {
+    forEachRow(shape, [&](std::size_t y) {
         const auto row = [&](std::size_t i) { return planes[i].data() + shape.stride * y; };
-        joinRow(image, y, space, {row(0), row(1), row(2)});
+        joinRow(picture.layout, {row(0), row(1), row(2)}, picture.width, space, picture.row(y));
     });
+}
+
+// An image that owns its pixels is joined into a fresh buffer, whose padding is zeros.
+void clearPadding(const Picture& picture) {
+    const std::size_t rowBytes = picture.width * picture.bytesPerPixel;
+    for (std::size_t y = 0; y < picture.height; ++y) {
+        std::fill(picture.row(y) + rowBytes, picture.row(y) + picture.stride, std::uint8_t{0});
+    }
 }
 
 /// Grey pictures have no planes to speak of, and pairs of depth and format without a meaning no
 /// pixels to change.
-bool hasColourPlanes(const CxImage* image) {
-    if (!hasPixels(image)) return false;
-    const PixelLayout layout = layoutOf(*image);
-    return layout != PixelLayout::none && layout != PixelLayout::gray8;
+bool hasColourPlanes(const Picture& picture) {
+    return picture.layout != PixelLayout::none && picture.layout != PixelLayout::gray8;
 }
 
 CxImage* denoiseForm(CxImage* image, float setting, ColourSpace space) noexcept {
-    return exportedForm(image, [&] {
-        if (setting != 0.0f && hasColourPlanes(image)) denoise(*image, setting, space);
+    return exportedForm(image, [&](const Picture& picture) {
+        if (setting == 0.0f || !hasColourPlanes(picture)) return;
+        denoise(picture, setting, space);
+        if (image->ownsBits) clearPadding(picture);
     });
 }
 
@@ -180,6 +140,5 @@ void dctDenoisePlane(const unsigned char* source, unsigned char* destination, in
     const keladjust::PlaneShape shape{static_cast<std::size_t>(width),
                                       static_cast<std::size_t>(height),
                                       static_cast<std::size_t>(stride)};
-    keladjust::exportedForm(nullptr,
-                            [&] { keladjust::denoisePlane(shape, source, destination, sigma); });
+    keladjust::guarded([&] { keladjust::denoisePlane(shape, source, destination, sigma); });
 }

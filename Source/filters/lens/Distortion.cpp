@@ -1,7 +1,5 @@
 // Distortion: pixels fetched from other places along the line to the picture's centre.
 
-#include <keladjust/CxImage.h>
-
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -18,14 +16,14 @@ namespace keladjust {
 
 namespace {
 
-rows::Lens lensOf(unsigned width, unsigned height, float setting) {
+Lens lensOf(std::size_t width, std::size_t height, float setting) {
     const float d = setting / 100.0f;
     const auto centreX = static_cast<float>(width / 2);
     const auto centreY = static_cast<float>(height / 2);
     const float radius = std::sqrt(centreY * centreY + centreX * centreX);
     const bool negative = d < 0.0f;
     return {.strength = d,
-            .power = d > 0.0f ? rows::barrelPower : rows::pincushionPower,
+            .power = d > 0.0f ? barrelPower : pincushionPower,
             .scale = negative ? 1.0f : 1.0f / (d + 1.0f),
             .unitX = negative ? static_cast<float>(width) : radius,
             .unitY = negative ? static_cast<float>(height) : radius,
@@ -35,7 +33,7 @@ rows::Lens lensOf(unsigned width, unsigned height, float setting) {
 
 // No source lies outside the picture if every pixel comes from between itself and the centre. What
 // single precision misses at the edges goes when coordinates are truncated toward zero.
-bool staysInside(const rows::Lens& lens) {
+bool staysInside(const Lens& lens) {
     constexpr float strongest = 100.0f;  // far from what single precision does not hold
     if (!(lens.unitX > 0.0f && lens.unitY > 0.0f && std::fabs(lens.strength) <= strongest)) {
         return false;
@@ -48,22 +46,22 @@ bool staysInside(const rows::Lens& lens) {
 
 // A column counts as so many bytes, whatever the depth, so pixels come from the first part of every
 // row alone.
-void distortInside(const CxImage& image, const RawWalk& walk, const rows::Lens& lens) {
-    const std::size_t width = image.width;
+void distortInside(const Picture& picture, const RawWalk& walk, const Lens& lens) {
+    const std::size_t width = picture.width;
     const std::size_t rowBytes = width * walk.step;
-    const rows::ColumnDistances columns = mirroredDistances(lens, width);
-    const OriginalRows rows{walk.first, rowBytes, width + walk.step - 1, image.height};
+    const ColumnDistances columns = mirroredDistances(lens, width);
+    const OriginalRows rows{walk.first, rowBytes, width + walk.step - 1, picture.height};
     const auto reach = [&](std::size_t begin, std::size_t end) {
-        return lensReach(lens, 1.0f, 1.0f, static_cast<float>(image.height - 1), begin, end);
+        return lensReach(lens, 1.0f, 1.0f, static_cast<float>(picture.height - 1), begin, end);
     };
     changeLensRows(rows, width, reach, [&](std::size_t y, const RowWindow& window) {
-        const rows::RowRing ring = window.ring(rows.bytes);
+        const RowRing ring = window.ring(rows.bytes);
         const float distance = rowDistance(lens, y);
         std::uint8_t* const pixels = walk.first + y * rowBytes;
-        rows::MirroredRun run;
+        MirroredRun run;
         const auto compute = [&](std::size_t first, std::size_t count) {
-            rows::distortedRun(lens, columns.data() + first, count, distance,
-                               static_cast<std::int32_t>(width - 1), ring, run);
+            distortedRun(lens, columns.data() + first, count, distance,
+                         static_cast<std::int32_t>(width - 1), ring, run);
         };
         withStep(walk.step, [&](auto step) {
             forEachMirroredRun(width, compute, [&](const RunColumns& side) {
@@ -84,7 +82,7 @@ struct PackedRows {
     std::size_t width;
     std::size_t size;  ///< bytes in the buffer
 
-    std::int64_t offsetOf(rows::Place place) const {
+    std::int64_t offsetOf(Place place) const {
         return static_cast<std::int64_t>(step * width) * place.y + place.x;
     }
     bool holds(std::int64_t offset, std::size_t bytes) const {
@@ -102,19 +100,19 @@ void fetchPartly(const PackedRows& rows, const std::uint8_t* source, std::int64_
 }
 
 // Any setting and size: what is fetched from outside the buffer leaves a byte as it was.
-void distortPartly(CxImage& image, const RawWalk& walk, const rows::Lens& lens) {
-    const PackedRows rows{walk.step, image.width, image.size};
-    const rows::ColumnDistances columns = columnDistances(lens, image.width);
-    const auto copy = std::make_unique_for_overwrite<std::uint8_t[]>(image.size);
-    std::memcpy(copy.get(), image.pBits, image.size);
-    const std::size_t bands = lensBands(image.width, image.height);
-    std::vector<std::vector<rows::Place>> places(bands, std::vector<rows::Place>(rows.width));
+void distortPartly(const Picture& picture, const RawWalk& walk, const Lens& lens) {
+    const PackedRows rows{walk.step, picture.width, picture.size()};
+    const ColumnDistances columns = columnDistances(lens, picture.width);
+    const auto copy = std::make_unique_for_overwrite<std::uint8_t[]>(picture.size());
+    std::memcpy(copy.get(), picture.first, picture.size());
+    const std::size_t bands = lensBands(picture.width, picture.height);
+    std::vector<std::vector<Place>> places(bands, std::vector<Place>(rows.width));
     platform::parallelBands(
-        image.height, bands, [&](std::size_t band, std::size_t begin, std::size_t end) {
+        picture.height, bands, [&](std::size_t band, std::size_t begin, std::size_t end) {
             for (std::size_t y = begin; y < end; ++y) {
-                rows::placesOfRow(lens, columns, rowDistance(lens, y), places[band].data());
+                placesOfRow(lens, columns, rowDistance(lens, y), places[band].data());
                 std::uint8_t* pixel = walk.first + y * rows.width * walk.step;
-                for (const rows::Place place : places[band]) {
+                for (const Place place : places[band]) {
                     const std::int64_t offset = rows.offsetOf(place);
                     if (rows.holds(offset, walk.step)) {
                         std::memcpy(pixel, copy.get() + offset, walk.step);
@@ -127,14 +125,14 @@ void distortPartly(CxImage& image, const RawWalk& walk, const rows::Lens& lens) 
         });
 }
 
-void distort(CxImage& image, float setting) {
-    const RawWalk walk = rawWalkOf(image);
+void distort(const Picture& picture, float setting) {
+    const RawWalk walk = rawWalkOf(picture);
     if (walk.step == 0) return;
-    const rows::Lens lens = lensOf(image.width, image.height, setting);
-    if (lensCoordinatesFit(image.width, image.height) && staysInside(lens)) {
-        distortInside(image, walk, lens);
+    const Lens lens = lensOf(picture.width, picture.height, setting);
+    if (lensCoordinatesFit(picture.width, picture.height) && staysInside(lens)) {
+        distortInside(picture, walk, lens);
     } else {
-        distortPartly(image, walk, lens);
+        distortPartly(picture, walk, lens);
     }
 }
 
@@ -143,7 +141,7 @@ void distort(CxImage& image, float setting) {
 }  // namespace keladjust
 
 CxImage* distortFilter(CxImage* image, float distortion) {
-    return keladjust::exportedForm(image, [&] {
-        if (image != nullptr && distortion != 0.0f) keladjust::distort(*image, distortion);
+    return keladjust::exportedForm(image, [&](const keladjust::Picture& picture) {
+        if (distortion != 0.0f) keladjust::distort(picture, distortion);
     });
 }

@@ -1,8 +1,6 @@
 // Lateral chromatic aberration: red, green and blue of every pixel fetched from different places
 // along the line to the picture's centre.
 
-#include <keladjust/CxImage.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -10,7 +8,6 @@
 #include <memory>
 #include <vector>
 
-#include "ImageFormat/Geometry.h"
 #include "ImageFormat/PixelSpan.h"
 #include "filters/lens/LensRows.h"
 #include "filters/lens/LensSources.h"
@@ -21,7 +18,7 @@ namespace keladjust {
 
 namespace {
 
-rows::Fringing fringingOf(unsigned pictureWidth, unsigned pictureHeight, float setting) {
+Fringing fringingOf(std::size_t pictureWidth, std::size_t pictureHeight, float setting) {
     const float f = setting / 100.0f;
     const float offset = f * 0.03f;
     const auto width = static_cast<float>(pictureWidth);
@@ -30,7 +27,7 @@ rows::Fringing fringingOf(unsigned pictureWidth, unsigned pictureHeight, float s
     // nothing inside.
     const float margin = f > 0.0f ? 2.0f : 1.0f;
     return {.lens = {.strength = f,
-                     .power = rows::fringingPower,
+                     .power = fringingPower,
                      .scale = 1.0f + offset,
                      .unitX = width,
                      .unitY = height,
@@ -43,7 +40,7 @@ rows::Fringing fringingOf(unsigned pictureWidth, unsigned pictureHeight, float s
 }
 
 // Places are clamped, so that none lies outside a picture that has an inside.
-bool staysInside(const rows::Fringing& fringing) {
+bool staysInside(const Fringing& fringing) {
     constexpr float strongest = 100.0f;  // far from what single precision does not hold
     return fringing.lastX >= 0.0f && fringing.lastY >= 0.0f &&
            std::fabs(fringing.lens.strength) <= strongest;
@@ -109,9 +106,9 @@ void fetchPixels(const std::uint8_t* originals, PixelLayout layout, const Source
         case PixelLayout::bgr24:
             return fetchThreeBytes(originals, blue, green, red, count, pixels);
         case PixelLayout::rgba32:
-            return rows::fetchFringed(originals, red, green, blue, count, pixels);
+            return fetchFringed(originals, red, green, blue, count, pixels);
         case PixelLayout::bgra32:
-            return rows::fetchFringed(originals, blue, green, red, count, pixels);
+            return fetchFringed(originals, blue, green, red, count, pixels);
         case PixelLayout::rgb16:
         case PixelLayout::bgr16:
             return fetchWords(originals, layout, sources, count, pixels);
@@ -120,28 +117,28 @@ void fetchPixels(const std::uint8_t* originals, PixelLayout layout, const Source
     }
 }
 
-void correctInside(CxImage& image, PixelLayout layout, const rows::Fringing& fringing) {
-    const std::size_t width = image.width;
-    const std::size_t pixelBytes = bytesPerPixelOf(layout);
-    const rows::Lens& lens = fringing.lens;
-    const rows::ColumnDistances columns = mirroredDistances(lens, width);
-    const OriginalRows rows{image.pBits, image.effWidth, width * pixelBytes, image.height};
+void correctInside(const Picture& picture, const Fringing& fringing) {
+    const std::size_t width = picture.width;
+    const std::size_t pixelBytes = picture.bytesPerPixel;
+    const Lens& lens = fringing.lens;
+    const ColumnDistances columns = mirroredDistances(lens, width);
+    const OriginalRows rows = rowsOf(picture);
     const auto reach = [&](std::size_t begin, std::size_t end) {
         const auto [smallest, largest] =
             std::minmax({1.0f, fringing.redFactor, fringing.blueFactor});
         return lensReach(lens, smallest, largest, fringing.lastY, begin, end);
     };
     changeLensRows(rows, width, reach, [&](std::size_t y, const RowWindow& window) {
-        rows::RowRing ring = window.ring(width);
+        RowRing ring = window.ring(width);
         ring.bottom = std::clamp(static_cast<std::int32_t>(fringing.lastY), ring.top, ring.bottom);
         const float distance = rowDistance(lens, y);
-        std::uint8_t* const pixels = image.pBits + y * image.effWidth;
-        rows::FringingRun run;
+        std::uint8_t* const pixels = picture.row(y);
+        FringingRun run;
         const auto compute = [&](std::size_t first, std::size_t count) {
-            rows::fringedRun(fringing, columns.data() + first, count, distance, ring, run);
+            fringedRun(fringing, columns.data() + first, count, distance, ring, run);
         };
         forEachMirroredRun(width, compute, [&](const RunColumns& side) {
-            fetchPixels(window.bytes(), layout,
+            fetchPixels(window.bytes(), picture.layout,
                         {side.of(run.red), side.of(run.green), side.of(run.blue)}, side.count,
                         pixels + side.first * pixelBytes);
         });
@@ -149,48 +146,47 @@ void correctInside(CxImage& image, PixelLayout layout, const rows::Fringing& fri
 }
 
 /// A picture's pixels without the padding of rows, and one more, which is black and clear.
-std::unique_ptr<std::uint8_t[]> packedCopy(const CxImage& image, std::size_t pixelBytes) {
-    const std::size_t rowBytes = image.width * pixelBytes;
-    const std::size_t size = rowBytes * image.height;
+std::unique_ptr<std::uint8_t[]> packedCopy(const Picture& picture) {
+    const std::size_t pixelBytes = picture.bytesPerPixel;
+    const std::size_t rowBytes = picture.width * pixelBytes;
+    const std::size_t size = rowBytes * picture.height;
     auto copy = std::make_unique_for_overwrite<std::uint8_t[]>(size + pixelBytes);
     std::memset(copy.get() + size, 0, pixelBytes);
-    for (std::size_t y = 0; y < image.height; ++y) {
-        std::memcpy(copy.get() + y * rowBytes, image.pBits + y * image.effWidth, rowBytes);
+    for (std::size_t y = 0; y < picture.height; ++y) {
+        std::memcpy(copy.get() + y * rowBytes, picture.row(y), rowBytes);
     }
     return copy;
 }
 
 // Any setting and size: what is fetched from outside the picture is black.
-void correctPartly(CxImage& image, PixelLayout layout, const rows::Fringing& fringing) {
-    const std::size_t width = image.width;
-    const rows::Lens& lens = fringing.lens;
-    const auto nowhere = static_cast<std::uint32_t>(width * image.height);
-    const rows::ColumnDistances columns = columnDistances(lens, width);
-    const auto copy = packedCopy(image, bytesPerPixelOf(layout));
-    const std::size_t bands = lensBands(width, image.height);
+void correctPartly(const Picture& picture, const Fringing& fringing) {
+    const std::size_t width = picture.width;
+    const Lens& lens = fringing.lens;
+    const auto nowhere = static_cast<std::uint32_t>(picture.pixels());
+    const ColumnDistances columns = columnDistances(lens, width);
+    const auto copy = packedCopy(picture);
+    const std::size_t bands = lensBands(width, picture.height);
     std::vector<std::vector<std::uint32_t>> numbers(bands, std::vector<std::uint32_t>(3 * width));
-    platform::parallelBands(image.height, bands,
-                            [&](std::size_t band, std::size_t begin, std::size_t end) {
-                                std::uint32_t* const red = numbers[band].data();
-                                std::uint32_t* const green = red + width;
-                                std::uint32_t* const blue = green + width;
-                                for (std::size_t y = begin; y < end; ++y) {
-                                    rows::pixelsOfRow(fringing, columns, rowDistance(lens, y),
-                                                      image.width, nowhere, {red, green, blue});
-                                    fetchPixels(copy.get(), layout, {red, green, blue}, width,
-                                                image.pBits + y * image.effWidth);
-                                }
-                            });
+    platform::parallelBands(
+        picture.height, bands, [&](std::size_t band, std::size_t begin, std::size_t end) {
+            std::uint32_t* const red = numbers[band].data();
+            std::uint32_t* const green = red + width;
+            std::uint32_t* const blue = green + width;
+            for (std::size_t y = begin; y < end; ++y) {
+                pixelsOfRow(fringing, columns, rowDistance(lens, y),
+                            static_cast<std::uint32_t>(width), nowhere, {red, green, blue});
+                fetchPixels(copy.get(), picture.layout, {red, green, blue}, width, picture.row(y));
+            }
+        });
 }
 
-void correctFringing(CxImage& image, float setting) {
-    const PixelLayout layout = layoutOf(image);
-    if (!hasPixels(&image) || layout == PixelLayout::none) return;
-    const rows::Fringing fringing = fringingOf(image.width, image.height, setting);
-    if (lensCoordinatesFit(image.width, image.height) && staysInside(fringing)) {
-        correctInside(image, layout, fringing);
+void correctFringing(const Picture& picture, float setting) {
+    if (picture.layout == PixelLayout::none) return;
+    const Fringing fringing = fringingOf(picture.width, picture.height, setting);
+    if (lensCoordinatesFit(picture.width, picture.height) && staysInside(fringing)) {
+        correctInside(picture, fringing);
     } else {
-        correctPartly(image, layout, fringing);
+        correctPartly(picture, fringing);
     }
 }
 
@@ -199,7 +195,7 @@ void correctFringing(CxImage& image, float setting) {
 }  // namespace keladjust
 
 CxImage* fringingFilter(CxImage* image, float fringing) {
-    return keladjust::exportedForm(image, [&] {
-        if (image != nullptr && fringing != 0.0f) keladjust::correctFringing(*image, fringing);
+    return keladjust::exportedForm(image, [&](const keladjust::Picture& picture) {
+        if (fringing != 0.0f) keladjust::correctFringing(picture, fringing);
     });
 }

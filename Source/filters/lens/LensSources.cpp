@@ -12,6 +12,7 @@
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
+namespace {
 
 /// Places relative to the centre: how far away and in which direction.
 struct Rays {
@@ -35,7 +36,7 @@ HWY_INLINE Floats power(Floats value) {
 
 // How far from the centre sources lie.
 template <int exponent>
-HWY_INLINE Floats sourceLength(const rows::Lens& lens, Floats length) {
+HWY_INLINE Floats sourceLength(const Lens& lens, Floats length) {
     const Floats added = hn::Mul(power<exponent>(length), constant(lens.strength));
     return hn::Mul(hn::Add(added, length), constant(lens.scale));
 }
@@ -63,8 +64,8 @@ HWY_INLINE void storeFirst(Ints values, std::size_t count, Value* to) {
 }
 
 template <int exponent>
-void placesOfRowRaised(const rows::Lens& lens, const rows::ColumnDistances& columns,
-                       float rowDistance, rows::Place* places) {
+void placesOfRowRaised(const Lens& lens, const ColumnDistances& columns, float rowDistance,
+                       Place* places) {
     const FloatTag tag;
     for (std::size_t i = 0; i < columns.count(); i += hn::Lanes(tag)) {
         const Rays rays(hn::LoadU(tag, columns.data() + i), constant(rowDistance));
@@ -79,32 +80,33 @@ void placesOfRowRaised(const rows::Lens& lens, const rows::ColumnDistances& colu
     }
 }
 
-void placesOfRow(const rows::Lens& lens, const rows::ColumnDistances& columns, float rowDistance,
-                 rows::Place* places) {
-    if (lens.power == rows::barrelPower) {
-        placesOfRowRaised<rows::barrelPower>(lens, columns, rowDistance, places);
+void placesOfRow(const Lens& lens, const ColumnDistances& columns, float rowDistance,
+                 Place* places) {
+    if (lens.power == barrelPower) {
+        placesOfRowRaised<barrelPower>(lens, columns, rowDistance, places);
     } else {
-        placesOfRowRaised<rows::pincushionPower>(lens, columns, rowDistance, places);
+        placesOfRowRaised<pincushionPower>(lens, columns, rowDistance, places);
     }
 }
 
-// Below 0, which NaN counts as, the lower bound, even where the upper one is smaller.
+// Numbers meet the lower bound first and then the upper one, be that the smaller; NaN gives the
+// lower one.
 HWY_INLINE Floats clampPlace(Floats value, Floats last) {
     const Floats positive = hn::IfThenElseZero(hn::Ge(value, constant(0.0f)), value);
-    return hn::IfThenElse(hn::Ge(positive, last), last, positive);
+    const Floats bounded = hn::IfThenElse(hn::Ge(positive, last), last, positive);
+    return hn::IfThenElseZero(hn::Eq(value, value), bounded);
 }
 
-void pixelsOfRow(const rows::Fringing& fringing, const rows::ColumnDistances& columns,
-                 float rowDistance, std::uint32_t width, std::uint32_t nowhere,
-                 rows::FringingRow row) {
+void pixelsOfRow(const Fringing& fringing, const ColumnDistances& columns, float rowDistance,
+                 std::uint32_t width, std::uint32_t nowhere, FringingRow row) {
     const FloatTag tag;
-    const rows::Lens& lens = fringing.lens;
+    const Lens& lens = fringing.lens;
     const Ints columnCount = hn::BitCast(IntTag(), hn::Set(hn::RebindToUnsigned<IntTag>(), width));
     const Ints outsideNumber =
         hn::BitCast(IntTag(), hn::Set(hn::RebindToUnsigned<IntTag>(), nowhere));
     for (std::size_t i = 0; i < columns.count(); i += hn::Lanes(tag)) {
         const Rays rays(hn::LoadU(tag, columns.data() + i), constant(rowDistance));
-        const Floats length = sourceLength<rows::fringingPower>(lens, rays.length);
+        const Floats length = sourceLength<fringingPower>(lens, rays.length);
         const auto pixels = [&](float factor) HWY_ATTR {
             const auto place = [&](Floats direction, float unit, float centre,
                                    float last) HWY_ATTR {
@@ -130,7 +132,7 @@ using OffsetTag = hn::RebindToUnsigned<IntTag>;
 /// the row next to it, so that no offset can ever lead out of it.
 class RowBegins {
 public:
-    explicit HWY_INLINE RowBegins(const rows::RowRing& ring)
+    explicit HWY_INLINE RowBegins(const RowRing& ring)
         : first_(constant(ring.first)),
           count_(constant(ring.count)),
           stride_(constant(ring.stride)),
@@ -153,19 +155,19 @@ private:
     Ints bottom_;
 };
 
-HWY_INLINE void storeRight(Ints offsets, std::size_t i, rows::MirroredRun& run) {
+HWY_INLINE void storeRight(Ints offsets, std::size_t i, MirroredRun& run) {
     hn::StoreU(hn::BitCast(OffsetTag(), offsets), OffsetTag(), run.right + i);
 }
-HWY_INLINE void storeLeft(Ints offsets, std::size_t i, rows::MirroredRun& run) {
+HWY_INLINE void storeLeft(Ints offsets, std::size_t i, MirroredRun& run) {
     const OffsetTag tag;
     hn::StoreU(hn::Reverse(tag, hn::BitCast(tag, offsets)), tag,
-               run.left + rows::MirroredRun::capacity - i - hn::Lanes(tag));
+               run.left + MirroredRun::capacity - i - hn::Lanes(tag));
 }
 
 template <int exponent>
-void distortedRunRaised(const rows::Lens& lens, const float* distances, std::size_t count,
-                        float rowDistance, std::int32_t lastColumn, const rows::RowRing& ring,
-                        rows::MirroredRun& run) {
+void distortedRunRaised(const Lens& lens, const float* distances, std::size_t count,
+                        float rowDistance, std::int32_t lastColumn, const RowRing& ring,
+                        MirroredRun& run) {
     const FloatTag tag;
     const RowBegins begins(ring);
     const Floats centreX = constant(lens.centreX);
@@ -185,32 +187,30 @@ void distortedRunRaised(const rows::Lens& lens, const float* distances, std::siz
     }
 }
 
-void distortedRun(const rows::Lens& lens, const float* distances, std::size_t count,
-                  float rowDistance, std::int32_t lastColumn, const rows::RowRing& ring,
-                  rows::MirroredRun& run) {
-    if (lens.power == rows::barrelPower) {
-        distortedRunRaised<rows::barrelPower>(lens, distances, count, rowDistance, lastColumn, ring,
-                                              run);
+void distortedRun(const Lens& lens, const float* distances, std::size_t count, float rowDistance,
+                  std::int32_t lastColumn, const RowRing& ring, MirroredRun& run) {
+    if (lens.power == barrelPower) {
+        distortedRunRaised<barrelPower>(lens, distances, count, rowDistance, lastColumn, ring, run);
     } else {
-        distortedRunRaised<rows::pincushionPower>(lens, distances, count, rowDistance, lastColumn,
-                                                  ring, run);
+        distortedRunRaised<pincushionPower>(lens, distances, count, rowDistance, lastColumn, ring,
+                                            run);
     }
 }
 
 // In two halves: of one long chain of instructions the processor sees little more than one round
 // at a time.
-void fringedRun(const rows::Fringing& fringing, const float* distances, std::size_t count,
-                float rowDistance, const rows::RowRing& ring, rows::FringingRun& run) {
+void fringedRun(const Fringing& fringing, const float* distances, std::size_t count,
+                float rowDistance, const RowRing& ring, FringingRun& run) {
     const FloatTag tag;
-    const rows::Lens& lens = fringing.lens;
-    HWY_ALIGN float directionsX[rows::MirroredRun::capacity];
-    HWY_ALIGN float directionsY[rows::MirroredRun::capacity];
-    HWY_ALIGN float lengths[rows::MirroredRun::capacity];
+    const Lens& lens = fringing.lens;
+    HWY_ALIGN float directionsX[MirroredRun::capacity];
+    HWY_ALIGN float directionsY[MirroredRun::capacity];
+    HWY_ALIGN float lengths[MirroredRun::capacity];
     for (std::size_t i = 0; i < count; i += hn::Lanes(tag)) {
         const Rays rays(hn::LoadU(tag, distances + i), constant(rowDistance));
         hn::Store(rays.directionX, tag, directionsX + i);
         hn::Store(rays.directionY, tag, directionsY + i);
-        hn::Store(sourceLength<rows::fringingPower>(lens, rays.length), tag, lengths + i);
+        hn::Store(sourceLength<fringingPower>(lens, rays.length), tag, lengths + i);
     }
     const RowBegins begins(ring);
     const Floats centreX = constant(lens.centreX);
@@ -219,7 +219,7 @@ void fringedRun(const rows::Fringing& fringing, const float* distances, std::siz
     const auto column = [&](Floats x) HWY_ATTR {
         return truncateInRange(hn::Min(hn::Max(x, hn::Zero(FloatTag())), lastX));
     };
-    const auto fetch = [&](float factor, rows::MirroredRun& channel) HWY_ATTR {
+    const auto fetch = [&](float factor, MirroredRun& channel) HWY_ATTR {
         for (std::size_t i = 0; i < count; i += hn::Lanes(tag)) {
             const Floats length = hn::Load(tag, lengths + i);
             const auto offset = [&](const float* directions, float unit) HWY_ATTR {
@@ -280,6 +280,7 @@ void fetchFringed(const std::uint8_t* originals, const std::uint32_t* firsts,
     for (; i < count; ++i) fetchOne(i);
 }
 
+}  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace keladjust
 HWY_AFTER_NAMESPACE();
@@ -293,26 +294,25 @@ HWY_EXPORT(distortedRun);
 HWY_EXPORT(fringedRun);
 HWY_EXPORT(fetchFringed);
 
-void rows::placesOfRow(const Lens& lens, const ColumnDistances& columns, float rowDistance,
-                       Place* places) {
+void placesOfRow(const Lens& lens, const ColumnDistances& columns, float rowDistance,
+                 Place* places) {
     HWY_DYNAMIC_DISPATCH(placesOfRow)(lens, columns, rowDistance, places);
 }
-void rows::pixelsOfRow(const Fringing& fringing, const ColumnDistances& columns, float rowDistance,
-                       std::uint32_t width, std::uint32_t nowhere, FringingRow row) {
+void pixelsOfRow(const Fringing& fringing, const ColumnDistances& columns, float rowDistance,
+                 std::uint32_t width, std::uint32_t nowhere, FringingRow row) {
     HWY_DYNAMIC_DISPATCH(pixelsOfRow)(fringing, columns, rowDistance, width, nowhere, row);
 }
-void rows::distortedRun(const Lens& lens, const float* distances, std::size_t count,
-                        float rowDistance, std::int32_t lastColumn, const RowRing& ring,
-                        MirroredRun& run) {
+void distortedRun(const Lens& lens, const float* distances, std::size_t count, float rowDistance,
+                  std::int32_t lastColumn, const RowRing& ring, MirroredRun& run) {
     HWY_DYNAMIC_DISPATCH(distortedRun)(lens, distances, count, rowDistance, lastColumn, ring, run);
 }
-void rows::fringedRun(const Fringing& fringing, const float* distances, std::size_t count,
-                      float rowDistance, const RowRing& ring, FringingRun& run) {
+void fringedRun(const Fringing& fringing, const float* distances, std::size_t count,
+                float rowDistance, const RowRing& ring, FringingRun& run) {
     HWY_DYNAMIC_DISPATCH(fringedRun)(fringing, distances, count, rowDistance, ring, run);
 }
-void rows::fetchFringed(const std::uint8_t* originals, const std::uint32_t* firsts,
-                        const std::uint32_t* seconds, const std::uint32_t* thirds,
-                        std::size_t count, std::uint8_t* pixels) {
+void fetchFringed(const std::uint8_t* originals, const std::uint32_t* firsts,
+                  const std::uint32_t* seconds, const std::uint32_t* thirds, std::size_t count,
+                  std::uint8_t* pixels) {
     HWY_DYNAMIC_DISPATCH(fetchFringed)(originals, firsts, seconds, thirds, count, pixels);
 }
 

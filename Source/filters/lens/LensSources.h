@@ -8,7 +8,7 @@
 
 /// Where the lens stages fetch the pixels of a row from, compiled for every instruction set and
 /// chosen when it runs. All of them give the same places.
-namespace keladjust::rows {
+namespace keladjust {
 
 /// Distances from the centre, `distance(i)` each. The last one is repeated for vectors that reach
 /// beyond it.
@@ -120,6 +120,6 @@ void fetchFringed(const std::uint8_t* originals, const std::uint32_t* firsts,
                   const std::uint32_t* seconds, const std::uint32_t* thirds, std::size_t count,
                   std::uint8_t* pixels);
 
-}  // namespace keladjust::rows
+}  // namespace keladjust
 
 #endif

@@ -1,17 +1,14 @@
 // Sharpen: a four-neighbour Laplacian. What is written at a pixel is the sharpened pixel to its
 // left, so the picture's inside moves one pixel to the right.
 
-#include <keladjust/CxImage.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <vector>
 
-#include "ImageFormat/Geometry.h"
-#include "filters/rows/Rows.h"
-#include "walks/InPlaceBands.h"
+#include "filters/sharpen/SharpenRows.h"
+#include "walks/HaloBands.h"
 #include "walks/StageForms.h"
 #include "walks/ThreadShare.h"
 
@@ -22,10 +19,9 @@ namespace {
 /// Sharpens in place: a thread keeps the row it is about to write and the one above it.
 class Sharpener {
 public:
-    Sharpener(CxImage& image, float strength)
-        : rows_{image.pBits, image.effWidth, std::size_t{image.width} * image.bytesPerPixel,
-                image.height},
-          step_(image.bytesPerPixel),
+    Sharpener(const Picture& picture, float strength)
+        : rows_(rowsOf(picture)),
+          step_(picture.bytesPerPixel),
           strength_(strength),
           bands_(rows_, 1, bytesPerThread / rows_.bytes + 1),
           spaces_(bands_.count()) {
@@ -37,7 +33,7 @@ public:
 
     void run() {
         bands_.run(
-            [this](const InPlaceBands::Band& band) { sharpenBand(band, spaces_[band.index()]); });
+            [this](const HaloBands::Band& band) { sharpenBand(band, spaces_[band.index()]); });
     }
 
 private:
@@ -49,7 +45,7 @@ private:
     };
 
     // All rows of the band but the picture's first and last.
-    void sharpenBand(const InPlaceBands::Band& band, Workspace& space) const {
+    void sharpenBand(const HaloBands::Band& band, Workspace& space) const {
         const std::size_t begin = std::max<std::size_t>(band.begin(), 1);
         const std::size_t end = std::min(band.end(), rows_.height - 1);
         if (begin >= end) return;
@@ -57,9 +53,8 @@ private:
         for (std::size_t y = begin; y < end; ++y) {
             std::memcpy(space.centre.data(), space.above.data() + rows_.bytes, step_);
             std::memcpy(space.centre.data() + step_, band.row(y), rows_.bytes);
-            rows::sharpenRow(space.above.data() + step_, space.centre.data() + step_,
-                             band.row(y + 1), rows_.bytes - 2 * step_, step_, strength_,
-                             rows_[y] + step_);
+            sharpenRow(space.above.data() + step_, space.centre.data() + step_, band.row(y + 1),
+                       rows_.bytes - 2 * step_, step_, strength_, rows_[y] + step_);
             space.above.swap(space.centre);
         }
     }
@@ -67,14 +62,14 @@ private:
     ByteRows rows_;
     std::size_t step_;
     float strength_;
-    InPlaceBands bands_;
+    HaloBands bands_;
     std::vector<Workspace> spaces_;
 };
 
 // Two-byte pixels hold no channel bytes, and a picture without an inside nothing to sharpen.
-bool canSharpen(const CxImage* image) {
-    return hasPixels(image) && image->width >= 3 && image->height >= 3 &&
-           (image->bytesPerPixel == 1 || image->bytesPerPixel >= 3);
+bool canSharpen(const Picture& picture) {
+    return picture.width >= 3 && picture.height >= 3 &&
+           (picture.bytesPerPixel == 1 || picture.bytesPerPixel >= 3);
 }
 
 }  // namespace
@@ -82,8 +77,8 @@ bool canSharpen(const CxImage* image) {
 }  // namespace keladjust
 
 CxImage* sharpen(CxImage* image, float amount) {
-    return keladjust::exportedForm(image, [&] {
-        if (amount == 0.0f || !keladjust::canSharpen(image)) return;
-        keladjust::Sharpener(*image, amount / 255.0f).run();
+    return keladjust::exportedForm(image, [&](const keladjust::Picture& picture) {
+        if (amount == 0.0f || !keladjust::canSharpen(picture)) return;
+        keladjust::Sharpener(picture, amount / 255.0f).run();
     });
 }

@@ -5,12 +5,13 @@
 #include <hwy/foreach_target.h>
 
 #include "arithmetic/Rounding.h"
-#include "filters/rows/Rows.h"
+#include "filters/sharpen/SharpenRows.h"
 #include "walks/RowVectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
+namespace {
 
 #if HWY_TARGET == HWY_SCALAR
 
@@ -65,6 +66,7 @@ void sharpenRow(const std::uint8_t* above, const std::uint8_t* middle, const std
 
 #endif
 
+}  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace keladjust
 HWY_AFTER_NAMESPACE();
@@ -74,9 +76,8 @@ namespace keladjust {
 
 HWY_EXPORT(sharpenRow);
 
-void rows::sharpenRow(const std::uint8_t* above, const std::uint8_t* middle,
-                      const std::uint8_t* below, std::size_t bytes, std::size_t pixelBytes,
-                      float strength, std::uint8_t* target) {
+void sharpenRow(const std::uint8_t* above, const std::uint8_t* middle, const std::uint8_t* below,
+                std::size_t bytes, std::size_t pixelBytes, float strength, std::uint8_t* target) {
     HWY_DYNAMIC_DISPATCH(sharpenRow)(above, middle, below, bytes, pixelBytes, strength, target);
 }
 

@@ -1,13 +1,18 @@
 #ifndef KELADJUST_FILTERS_TEMPERATURE_TEMPERATURE_H
 #define KELADJUST_FILTERS_TEMPERATURE_TEMPERATURE_H
 
-#include <cstdint>
-
-#include "filters/spans/Spans.h"
 #include "walks/ColourKernel.h"
 #include "walks/PixelKernel.h"
 
 namespace keladjust {
+
+/// A colour to multiply by, channels as shares, and how much of the product counts.
+struct ColourBlend {
+    float red;
+    float green;
+    float blue;
+    float strength;  ///< finite
+};
 
 /// Blends with the colour of a black body, then restores the lightness the pixel had.
 class TemperatureKernel final : public PixelKernel, public ColourKernel {
@@ -19,12 +24,9 @@ public:
     void change(ColourRun& run) const override;
 
 private:
-    /// Of any colour, inside 0..1 or not.
-    Colour blended(Colour c) const;
-
     bool active_;
-    spans::ColourBlend blend_;       ///< with the colour of pixels, in bytes
-    spans::ColourBlend exactBlend_;  ///< with that of tables
+    ColourBlend blend_;       ///< with the colour of pixels, in bytes
+    ColourBlend exactBlend_;  ///< with that of tables
 };
 
 }  // namespace keladjust

@@ -1,59 +1,84 @@
-// Vibrance: saturation for dull colours. Hue: a rotation about the grey axis.
+// Vibrance: saturation for dull colours. Pixels and table colours have arithmetic of their own.
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "filters/vibrance/Vibrance.cpp"
+#include <hwy/foreach_target.h>
+
+#include <cmath>
 
 #include "filters/vibrance/Vibrance.h"
-
-#include <algorithm>
-#include <cmath>
-#include <cstdint>
-
-#include "arithmetic/Angle.h"
-#include "arithmetic/Rounding.h"
-#include "filters/spans/Spans.h"
-#include "platform/Parallel.h"
-#include "walks/RawWalk.h"
+#include "walks/PixelVectors-inl.h"
 #include "walks/StageForms.h"
-#include "walks/ThreadShare.h"
 
+HWY_BEFORE_NAMESPACE();
 namespace keladjust {
-
+namespace HWY_NAMESPACE {
 namespace {
 
-float vibranceAmount(float vibrance) {
-    return vibrance / 100.0f * 0.8f;
+void stretchPixels(PackedSpan& span, float amount) {
+    const bool isModest = std::fabs(amount) < 1e6f;  // else numbers may not fit into 32 bits
+    const Ints whole = constant(std::int32_t{256});
+    forEachVector(span, [&](std::size_t i) HWY_ATTR {
+        const Channels<Ints> c = loadIntChannels(span, i);
+        const Ints largest = largestOf(c);
+        const Ints lightness = hn::ShiftRight<1>(hn::Add(smallestOf(c), largest));
+        // The smallest channel is never above the lightness, so only the largest one counts.
+        const Ints half = hn::ShiftRight<1>(hn::Sub(largest, lightness));
+        // Minus that as a byte: dull pixels gain most, and greyish ones (half of 0) nothing,
+        // because there the byte wraps to 0.
+        const Ints dullness = hn::And(hn::Sub(whole, half), constant(std::int32_t{255}));
+        const Floats product = hn::Mul(toFloats(dullness), constant(amount));
+        const Ints extra = isModest ? truncateInRange(product) : truncateToInts(product);
+        const Ints gain = hn::Add(whole, extra);
+        const Ints base = hn::Mul(lightness, hn::Sub(whole, gain));
+        storeClamped(
+            mapChannels(c,
+                        [&](Ints channel) HWY_ATTR {
+                            return hn::ShiftRight<8>(hn::Add(hn::Mul(channel, gain), base));
+                        }),
+            span, i);
+    });
 }
 
-// Rotation about the grey axis.
-spans::HueMatrix hueMatrix(float angle) {
-    const double radians = static_cast<double>(angle) * 3.141592653589793 / 180.0;
-    const float cosine = static_cast<float>(cosineOf(radians));
-    const float sine = static_cast<float>(sineOf(radians));
-    const float third = (1.0f - cosine) * 0.33333334f;
-    const float skew = std::sqrt(0.33333334f) * sine;
-    return {(1.0f - cosine) / 3.0f + cosine, third + cosine, third - skew, third + skew};
-}
-
-void rotateRawWalk(CxImage& image, const spans::HueMatrix& matrix) {
-    const RawWalk walk = rawWalkOf(image);
-    if (walk.channels < 3) return;
-    platform::parallelBands(walk.count, platform::bandCount(walk.count, pixelsPerThread),
-                            [&](std::size_t, std::size_t begin, std::size_t end) {
-                                changeRuns(walk, begin, end, [&](std::size_t, PixelSpan& span) {
-                                    spans::rotateHue(span, matrix);
-                                });
-                            });
+void stretchColours(ColourRun& run, float amount) {
+    const UnitColours colours(run);
+    forEachColour(colours, [&](std::size_t i) HWY_ATTR {
+        const Channels<Floats> c = colours.load(i);
+        const Floats one = constant(1.0f);
+        const Floats half = constant(0.5f);
+        const Floats lightness =
+            hn::Mul(hn::Add(UnitColours::smallestOf(c), UnitColours::largestOf(c)), half);
+        const Channels<Floats> above = mapChannels(
+            c, [&](Floats channel) HWY_ATTR { return clampTo(1.0f, hn::Sub(channel, lightness)); });
+        const Floats colourfulness = hn::Mul(hn::Add(smallestOf(above), largestOf(above)), half);
+        const Floats gain = hn::Add(hn::Mul(hn::Sub(one, colourfulness), constant(amount)), one);
+        const Floats offset = hn::Mul(hn::Sub(one, gain), lightness);
+        const auto stretched = [&](Floats channel)
+                                   HWY_ATTR { return hn::Add(hn::Mul(gain, channel), offset); };
+        colours.store(mapChannels(c, stretched), i);
+    });
 }
 
 }  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace keladjust
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace keladjust {
+
+HWY_EXPORT(stretchPixels);
+HWY_EXPORT(stretchColours);
 
 VibranceKernel::VibranceKernel(float vibrance)
-    : active_(vibrance != 0.0f), amount_(vibranceAmount(vibrance)) {}
+    : active_(vibrance != 0.0f), amount_(vibrance / 100.0f * 0.8f) {}
 
 void VibranceKernel::run(PackedSpan& span) const {
-    spans::stretchVibrance(span, amount_);
+    HWY_DYNAMIC_DISPATCH(stretchPixels)(span, amount_);
 }
 
 void VibranceKernel::change(ColourRun& run) const {
-    spans::stretchVibrance(run, amount_);
+    HWY_DYNAMIC_DISPATCH(stretchColours)(run, amount_);
 }
 
 }  // namespace keladjust
@@ -62,13 +87,8 @@ CxImage* vibranceAdjustment(CxImage* image, float vibrance) {
     return keladjust::applyKernel<keladjust::VibranceKernel>(image, vibrance);
 }
 
-CxImage* hueAdjustment(CxImage* image, float angle) {
-    return keladjust::exportedForm(image, [&] {
-        if (image == nullptr || angle == 0.0f) return;
-        keladjust::rotateRawWalk(*image, keladjust::hueMatrix(angle));
-    });
-}
-
 float* lut3d_vibranceAdjustment(float* lut, unsigned long count, int stride, float vibrance) {
     return keladjust::applyColourKernel<keladjust::VibranceKernel>(lut, count, stride, vibrance);
 }
+
+#endif

@@ -3,13 +3,10 @@
 
 #include "filters/vignette/Vignette.h"
 
-#include <keladjust/CxImage.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 
-#include "ImageFormat/Geometry.h"
 #include "platform/Parallel.h"
 #include "walks/StageForms.h"
 
@@ -59,7 +56,7 @@ VignetteKernel::VignetteKernel(unsigned width, unsigned height, float amount, fl
 
     const Ellipse inner(static_cast<float>(centreX_), static_cast<float>(centreY_), size / 100.0f,
                         roundness / 100.0f);
-    spans::VignetteBand band{};
+    VignetteBand band{};
     band.width = std::max(inner.width, inner.height) * 0.5f * (feather / 100.0f) + 3.0f;
     band.outerWidth = inner.width + band.width;
     band.outerHeight = inner.height + band.width;
@@ -109,7 +106,7 @@ VignetteKernel::BandRow VignetteKernel::bandRow(unsigned distance) const {
 }
 
 // A quarter of the picture has all masks there are.
-void VignetteKernel::fillMasks(const spans::VignetteBand& band) {
+void VignetteKernel::fillMasks(const VignetteBand& band) {
     std::size_t size = longestVector;
     for (unsigned distance = 0; distance <= centreY_; ++distance) {
         BandRow& row = bandRows_.emplace_back(bandRow(distance));
@@ -122,10 +119,9 @@ void VignetteKernel::fillMasks(const spans::VignetteBand& band) {
                             [&](std::size_t, std::size_t begin, std::size_t end) {
                                 for (std::size_t distance = begin; distance < end; ++distance) {
                                     const BandRow& row = bandRows_[distance];
-                                    spans::vignetteMasks(band, distances_.data() + row.begin,
-                                                         static_cast<float>(distance),
-                                                         row.end - row.begin,
-                                                         masks_.data() + row.firstMask);
+                                    vignetteMasks(band, distances_.data() + row.begin,
+                                                  static_cast<float>(distance), row.end - row.begin,
+                                                  masks_.data() + row.firstMask);
                                 }
                             });
 }
@@ -136,25 +132,25 @@ void VignetteKernel::run(PackedSpan& span) const {
     const auto fromSpan = [&](unsigned column) {
         return static_cast<std::ptrdiff_t>(column) - static_cast<std::ptrdiff_t>(span.x);
     };
-    const spans::VignetteRow row{{inner_.data() + span.x, outer_.data() + span.x},
-                                 innerOfRow_[distance],
-                                 outerOfRow_[distance],
-                                 masks_.data() + band.firstMask,
-                                 fromSpan(band.begin),
-                                 fromSpan(centreX_)};
-    spans::applyVignette(span, row, shade_);
+    const VignetteRow row{{inner_.data() + span.x, outer_.data() + span.x},
+                          innerOfRow_[distance],
+                          outerOfRow_[distance],
+                          masks_.data() + band.firstMask,
+                          fromSpan(band.begin),
+                          fromSpan(centreX_)};
+    applyVignette(span, row, shade_);
 }
 
 }  // namespace keladjust
 
 CxImage* vignetteAdjustFilter(CxImage* image, float amount, float feather, float highlights,
                               float size, float roundness, float exposure) {
-    return keladjust::exportedForm(image, [&] {
-        if (!keladjust::hasPixels(image)) return;
-        const keladjust::VignetteKernel kernel(image->width, image->height, amount, feather,
-                                               highlights, size, roundness, exposure);
+    return keladjust::exportedForm(image, [&](const keladjust::Picture& picture) {
+        const keladjust::VignetteKernel kernel(static_cast<unsigned>(picture.width),
+                                               static_cast<unsigned>(picture.height), amount,
+                                               feather, highlights, size, roundness, exposure);
         if (!kernel.active()) return;
         const keladjust::PixelKernel* const kernels[] = {&kernel};
-        keladjust::runKernels(*image, kernels);
+        keladjust::runKernels(picture, kernels);
     });
 }

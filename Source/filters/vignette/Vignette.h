@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "filters/spans/Spans.h"
+#include "filters/vignette/VignettePixels.h"
 #include "walks/PixelKernel.h"
 
 namespace keladjust {
@@ -28,13 +28,13 @@ private:
     };
 
     BandRow bandRow(unsigned distance) const;
-    void fillMasks(const spans::VignetteBand& band);
+    void fillMasks(const VignetteBand& band);
 
     bool active_;
-    spans::VignetteShade shade_{1.0f, 1.0f, 0.0f};
+    VignetteShade shade_{1.0f, 1.0f, 0.0f};
     unsigned centreX_ = 0;
     unsigned centreY_ = 0;
-    // One number a column; see spans::VignetteColumns.
+    // One number a column; see VignetteColumns.
     std::vector<float> distances_;
     std::vector<float> inner_;
     std::vector<float> outer_;

@@ -7,12 +7,14 @@
 #include <cmath>
 #include <cstring>
 
-#include "filters/spans/Spans.h"
+#include "arithmetic/Angle.h"
+#include "filters/vignette/VignettePixels.h"
 #include "walks/PixelVectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
+namespace {
 
 constexpr float pi = 3.1415927f;
 
@@ -51,7 +53,7 @@ HWY_INLINE Floats cosine(Floats angle) {
         HWY_ALIGN float angles[HWY_LANES(float)];
         hn::Store(angle, tag, angles);
         for (float& value : angles) {
-            value = static_cast<float>(std::cos(static_cast<double>(value)));
+            value = static_cast<float>(cosineOf(static_cast<double>(value)));
         }
         return hn::Load(tag, angles);
     }
@@ -64,8 +66,7 @@ HWY_INLINE Floats square(Floats value) {
 
 // A cosine of the way from the outer ellipse towards the centre, measured along the line through
 // both; for the pixels that `inBand` names.
-HWY_INLINE Floats maskInBand(const spans::VignetteBand& band, Floats dx, Floats dy,
-                             FloatMask inBand) {
+HWY_INLINE Floats maskInBand(const VignetteBand& band, Floats dx, Floats dy, FloatMask inBand) {
     const Floats one = constant(1.0f);
     const Floats width = constant(band.width);
     const Floats slope = square(hn::Div(dy, hn::Add(dx, constant(0.000001f))));
@@ -78,7 +79,7 @@ HWY_INLINE Floats maskInBand(const spans::VignetteBand& band, Floats dx, Floats 
     return hn::Mul(hn::Add(cosine(hn::IfThenElseZero(inBand, angle)), one), constant(0.5f));
 }
 
-void vignetteMasks(const spans::VignetteBand& band, const float* distances, float rowDistance,
+void vignetteMasks(const VignetteBand& band, const float* distances, float rowDistance,
                    std::size_t count, float* masks) {
     const FloatTag tag;
     const std::size_t lanes = hn::Lanes(tag);
@@ -93,7 +94,7 @@ void vignetteMasks(const spans::VignetteBand& band, const float* distances, floa
 }
 
 // The masks of the vector that begins at column i, in the lanes that are in the band.
-HWY_INLINE Floats loadMasks(const spans::VignetteRow& row, std::ptrdiff_t i) {
+HWY_INLINE Floats loadMasks(const VignetteRow& row, std::ptrdiff_t i) {
     const FloatTag tag;
     const auto lanes = static_cast<std::ptrdiff_t>(hn::Lanes(tag));
     if (i + lanes <= row.centre + 1) return hn::LoadU(tag, row.masks + (i - row.firstMask));
@@ -127,8 +128,7 @@ HWY_INLINE Floats darknessOf(const Channels<Floats>& c) {
 }
 
 // Channels between border and inside.
-HWY_INLINE Channels<Ints> shade(const spans::VignetteShade& look, const Channels<Floats>& c,
-                                Floats mask) {
+HWY_INLINE Channels<Ints> shade(const VignetteShade& look, const Channels<Floats>& c, Floats mask) {
     const Floats one = constant(1.0f);
     const Floats border =
         hn::Mul(hn::Sub(one, hn::Sub(hn::Mul(constant(2.0f), mask), one)), constant(0.5f));
@@ -149,7 +149,7 @@ HWY_INLINE Channels<Ints> shade(const spans::VignetteShade& look, const Channels
 
 // The same for a mask of 1 and of 0 and factors of the sliders' size: what they are multiplied by 0
 // for, and added, changes nothing, and every number is small enough for stores that saturate.
-bool isModest(const spans::VignetteShade& look) {
+bool isModest(const VignetteShade& look) {
     return std::fabs(look.outerFactor) <= 2.0f && std::fabs(look.innerFactor) <= 2.0f &&
            std::fabs(look.highlights) <= 1.0f;
 }
@@ -163,18 +163,15 @@ HWY_INLINE Channels<Floats> scaled(const Channels<Floats>& c, float factor) {
                        [&](Floats channel) HWY_ATTR { return hn::Mul(constant(factor), channel); });
 }
 
-HWY_INLINE Channels<Floats> shadeInside(const spans::VignetteShade& look,
-                                        const Channels<Floats>& c) {
+HWY_INLINE Channels<Floats> shadeInside(const VignetteShade& look, const Channels<Floats>& c) {
     return scaled(c, look.innerFactor);
 }
-HWY_INLINE Channels<Floats> shadeOutside(const spans::VignetteShade& look,
-                                         const Channels<Floats>& c) {
+HWY_INLINE Channels<Floats> shadeOutside(const VignetteShade& look, const Channels<Floats>& c) {
     const Channels<Floats> border = scaled(c, look.outerFactor);
     return screened(border, hn::Mul(constant(look.highlights), darknessOf(border)));
 }
 
-void applyVignette(PackedSpan& span, const spans::VignetteRow& row,
-                   const spans::VignetteShade& look) {
+void applyVignette(PackedSpan& span, const VignetteRow& row, const VignetteShade& look) {
     const FloatTag tag;
     const Floats zero = constant(0.0f);
     const Floats one = constant(1.0f);
@@ -202,6 +199,7 @@ void applyVignette(PackedSpan& span, const spans::VignetteRow& row,
     });
 }
 
+}  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace keladjust
 HWY_AFTER_NAMESPACE();
@@ -212,11 +210,11 @@ namespace keladjust {
 HWY_EXPORT(applyVignette);
 HWY_EXPORT(vignetteMasks);
 
-void spans::applyVignette(PackedSpan& span, const VignetteRow& row, const VignetteShade& shade) {
+void applyVignette(PackedSpan& span, const VignetteRow& row, const VignetteShade& shade) {
     HWY_DYNAMIC_DISPATCH(applyVignette)(span, row, shade);
 }
-void spans::vignetteMasks(const VignetteBand& band, const float* distances, float rowDistance,
-                          std::size_t count, float* masks) {
+void vignetteMasks(const VignetteBand& band, const float* distances, float rowDistance,
+                   std::size_t count, float* masks) {
     HWY_DYNAMIC_DISPATCH(vignetteMasks)(band, distances, rowDistance, count, masks);
 }
 

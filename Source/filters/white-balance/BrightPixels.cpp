@@ -7,11 +7,12 @@
 
 #include <algorithm>
 
-#include "filters/spans/Spans.h"
+#include "filters/white-balance/BrightPixels.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
+namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
@@ -34,7 +35,7 @@ std::size_t placesOfBright(const PixelSpan& span, unsigned leastSum, std::uint16
         hn::Store(sum, tag, sums);
         const std::size_t inSpan = std::min(vector, span.count - i);
         for (std::size_t k = 0; k < inSpan; ++k) {
-            // Without a branch, which would be foreseen wrongly too often.
+            // Without a branch, which would be predicted wrongly too often.
             places[count] = static_cast<std::uint16_t>(i + k);
             count += sums[k] >= leastSum ? 1 : 0;
         }
@@ -42,6 +43,7 @@ std::size_t placesOfBright(const PixelSpan& span, unsigned leastSum, std::uint16
     return count;
 }
 
+}  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace keladjust
 HWY_AFTER_NAMESPACE();
@@ -51,7 +53,7 @@ namespace keladjust {
 
 HWY_EXPORT(placesOfBright);
 
-std::size_t spans::placesOfBright(const PixelSpan& span, unsigned leastSum, std::uint16_t* places) {
+std::size_t placesOfBright(const PixelSpan& span, unsigned leastSum, std::uint16_t* places) {
     return HWY_DYNAMIC_DISPATCH(placesOfBright)(span, leastSum, places);
 }
 

@@ -7,13 +7,12 @@
 #include <cstdint>
 #include <vector>
 
-#include "ImageFormat/Geometry.h"
 #include "ImageFormat/PixelSpan.h"
-#include "filters/rows/Rows.h"
-#include "filters/spans/Spans.h"
+#include "filters/white-balance/BrightPixels.h"
 #include "platform/Parallel.h"
 #include "walks/ByteScale.h"
 #include "walks/PixelKernel.h"
+#include "walks/ScaleByFours.h"
 #include "walks/StageForms.h"
 #include "walks/ThreadShare.h"
 
@@ -48,7 +47,7 @@ struct Selection {
 
 void countSpan(const PixelSpan& span, unsigned leastSum, Histogram& histogram) {
     std::array<std::uint16_t, PixelSpan::capacity> places;
-    const std::size_t count = spans::placesOfBright(span, leastSum, places.data());
+    const std::size_t count = placesOfBright(span, leastSum, places.data());
     for (std::size_t i = 0; i < count; ++i) {
         const std::uint8_t red = span.red[places[i]];
         const std::uint8_t green = span.green[places[i]];
@@ -57,18 +56,18 @@ void countSpan(const PixelSpan& span, unsigned leastSum, Histogram& histogram) {
     }
 }
 
-Histogram histogramOf(const CxImage& image, PixelLayout layout, Selection selection) {
-    const std::size_t pixelBytes = bytesPerPixelOf(layout);
-    const std::size_t rows = (image.height + selection.rowStep - 1) / selection.rowStep;
-    const std::size_t bands = platform::bandCount(rows, pixelsPerThread / image.width + 1);
+Histogram histogramOf(const Picture& picture, Selection selection) {
+    const std::size_t pixelBytes = bytesPerPixelOf(picture.layout);
+    const std::size_t rows = (picture.height + selection.rowStep - 1) / selection.rowStep;
+    const std::size_t bands = platform::bandCount(rows, pixelsPerThread / picture.width + 1);
     std::vector<Histogram> shares(bands);
     platform::parallelBands(rows, bands, [&](std::size_t band, std::size_t begin, std::size_t end) {
         PixelSpan span;
         for (std::size_t i = begin; i < end; ++i) {
-            const std::uint8_t* const row = image.pBits + i * selection.rowStep * image.effWidth;
-            for (std::size_t x = 0; x < image.width; x += span.count) {
-                span.count = std::min(PixelSpan::capacity, image.width - x);
-                loadSpan(layout, row + x * pixelBytes, span);
+            const std::uint8_t* const row = picture.row(i * selection.rowStep);
+            for (std::size_t x = 0; x < picture.width; x += span.count) {
+                span.count = std::min(PixelSpan::capacity, picture.width - x);
+                loadSpan(picture.layout, row + x * pixelBytes, span);
                 countSpan(span, selection.leastSum, shares[band]);
             }
         }
@@ -101,19 +100,19 @@ struct BrightestPixels {
 
 // Most pixels are too dark to matter. Which ones, a sample of rows tells well enough: some more
 // than are asked for, so that the count of the others' rest seldom has to be done as well.
-Bin whiteOf(const CxImage& image, PixelLayout layout, float amount) {
+Bin whiteOf(const Picture& picture, float amount) {
     constexpr std::size_t sampleStep = 32;
     constexpr float surplus = 1.25f;
-    const auto total = static_cast<float>(std::uint64_t{image.width} * image.height);
+    const auto total = static_cast<float>(picture.pixels());
     const float wanted = total * (amount / 500.0f);
-    if (image.height >= 8 * sampleStep) {
-        const Histogram sample = histogramOf(image, layout, {0, sampleStep});
+    if (picture.height >= 8 * sampleStep) {
+        const Histogram sample = histogramOf(picture, {0, sampleStep});
         const BrightestPixels likely(sample, wanted * surplus / static_cast<float>(sampleStep));
         const auto leastSum = static_cast<unsigned>(likely.sumOfLast);
-        const BrightestPixels bright(histogramOf(image, layout, {leastSum, 1}), wanted);
+        const BrightestPixels bright(histogramOf(picture, {leastSum, 1}), wanted);
         if (bright.sumOfLast >= leastSum) return bright.all;
     }
-    return BrightestPixels(histogramOf(image, layout, {0, 1}), wanted).all;
+    return BrightestPixels(histogramOf(picture, {0, 1}), wanted).all;
 }
 
 /// Multiplies bytes by 255 / average and clamps. The factor is rounded up, to a 65536th, which adds
@@ -136,7 +135,7 @@ public:
     bool active() const override { return true; }
 
     void run(PackedSpan& span) const override {
-        rows::scaleByFours(span.pixels, 4 * span.count, {blue_, green_, red_, ByteScale{}});
+        scaleByFours(span.pixels, 4 * span.count, {blue_, green_, red_, ByteScale{}});
     }
 
 private:
@@ -145,12 +144,11 @@ private:
     ByteScale blue_;
 };
 
-void balance(CxImage& image, float amount) {
-    const PixelLayout layout = layoutOf(image);
-    if (!hasPixels(&image) || layout == PixelLayout::none) return;
-    const BalanceKernel kernel(whiteOf(image, layout, amount));
+void balance(const Picture& picture, float amount) {
+    if (picture.layout == PixelLayout::none) return;
+    const BalanceKernel kernel(whiteOf(picture, amount));
     const PixelKernel* const kernels[] = {&kernel};
-    runKernels(image, kernels);
+    runKernels(picture, kernels);
 }
 
 }  // namespace
@@ -158,7 +156,7 @@ void balance(CxImage& image, float amount) {
 }  // namespace keladjust
 
 CxImage* whiteBalanceAdjustment(CxImage* image, float amount) {
-    return keladjust::exportedForm(image, [&] {
-        if (image != nullptr && amount != 0.0f) keladjust::balance(*image, amount);
+    return keladjust::exportedForm(image, [&](const keladjust::Picture& picture) {
+        if (amount != 0.0f) keladjust::balance(picture, amount);
     });
 }

@@ -1,17 +1,18 @@
 // A byte table, or a ramp in its place, applied to many bytes at once.
 
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "walks/ByteTable.cpp"
+#define HWY_TARGET_INCLUDE "walks/ByteMap.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
 #include <cstring>
 
-#include "filters/spans/Spans.h"
+#include "walks/ByteMap.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
+namespace {
 
 template <class Map>
 void mapOneByOne(Map map, bool keepsFourth, std::uint8_t* bytes, std::size_t count) {
@@ -180,6 +181,7 @@ void rampBytes(const ByteRamp& ramp, bool keepsFourth, std::uint8_t* bytes, std:
 
 #endif
 
+}  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace keladjust
 HWY_AFTER_NAMESPACE();
@@ -190,12 +192,12 @@ namespace keladjust {
 HWY_EXPORT(mapBytes);
 HWY_EXPORT(rampBytes);
 
-void spans::mapBytes(const std::uint8_t* table, Bytes which, std::uint8_t* bytes,
-                     std::size_t count) {
-    HWY_DYNAMIC_DISPATCH(mapBytes)(table, which == Bytes::threeOfFour, bytes, count);
+void mapBytes(const ByteTable& table, MappedBytes which, std::uint8_t* bytes, std::size_t count) {
+    HWY_DYNAMIC_DISPATCH(mapBytes)
+    (table.data(), which == MappedBytes::threeOfFour, bytes, count);
 }
-void spans::rampBytes(const ByteRamp& ramp, Bytes which, std::uint8_t* bytes, std::size_t count) {
-    HWY_DYNAMIC_DISPATCH(rampBytes)(ramp, which == Bytes::threeOfFour, bytes, count);
+void rampBytes(const ByteRamp& ramp, MappedBytes which, std::uint8_t* bytes, std::size_t count) {
+    HWY_DYNAMIC_DISPATCH(rampBytes)(ramp, which == MappedBytes::threeOfFour, bytes, count);
 }
 
 }  // namespace keladjust

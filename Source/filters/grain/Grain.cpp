@@ -1,8 +1,10 @@
-// Grain over a span, and over pixels of four bytes in their places.
+// Grain: grey noise of a fixed pattern.
 
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "filters/grain/GrainPixels.cpp"
+#define HWY_TARGET_INCLUDE "filters/grain/Grain.cpp"
 #include <hwy/foreach_target.h>
+
+#include <keladjust/CxImage.h>
 
 #include <algorithm>
 #include <array>
@@ -12,12 +14,14 @@
 
 #include "arithmetic/Rounding.h"
 #include "filters/grain/GrainGenerator.h"
-#include "filters/spans/Spans.h"
 #include "walks/PixelVectors-inl.h"
+#include "walks/RawWalk.h"
+#include "walks/StageForms.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
+namespace {
 
 using WordTag = hn::RebindToUnsigned<FloatTag>;
 using Words = hn::Vec<WordTag>;
@@ -177,6 +181,7 @@ void addGrainInPlace(std::uint8_t* pixels, std::size_t count, std::size_t firstP
     std::memcpy(pixels + 4 * i, rest, 4 * (count - i));
 }
 
+}  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace keladjust
 HWY_AFTER_NAMESPACE();
@@ -187,13 +192,31 @@ namespace keladjust {
 HWY_EXPORT(addGrain);
 HWY_EXPORT(addGrainInPlace);
 
-void spans::addGrain(PixelSpan& span, std::size_t channels, std::size_t firstPixel, float scale) {
-    HWY_DYNAMIC_DISPATCH(addGrain)(span, channels, firstPixel, scale);
-}
-void spans::addGrainInPlace(std::uint8_t* pixels, std::size_t count, std::size_t firstPixel,
-                            float scale) {
-    HWY_DYNAMIC_DISPATCH(addGrainInPlace)(pixels, count, firstPixel, scale);
+namespace {
+
+void addGrainTo(const RawWalk& walk, float scale) {
+    if (walk.channels == 0) return;
+    if (walk.step == 4) {
+        forEachShare(walk, [&](std::size_t begin, std::size_t end) {
+            HWY_DYNAMIC_DISPATCH(addGrainInPlace)
+            (walk.first + 4 * begin, end - begin, begin, scale);
+        });
+        return;
+    }
+    changeRuns(walk, [&](std::size_t first, PixelSpan& span) {
+        HWY_DYNAMIC_DISPATCH(addGrain)(span, walk.channels, first, scale);
+    });
 }
 
+}  // namespace
+
 }  // namespace keladjust
+
+CxImage* addNoiseFilter(CxImage* image, float amount, float size) {
+    return keladjust::exportedForm(image, [&](const keladjust::Picture& picture) {
+        if (amount == 0.0f || size == 0.0f) return;
+        keladjust::addGrainTo(keladjust::rawWalkOf(picture), size / 100.0f * (amount / 100.0f));
+    });
+}
+
 #endif

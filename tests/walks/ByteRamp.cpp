@@ -9,9 +9,10 @@
 #include <vector>
 
 #include "filters/contrast/Contrast.h"
-#include "filters/spans/Spans.h"
-#include "filters/tonal/TonalRanges.h"
+#include "filters/exposure/Brightness.h"
+#include "filters/exposure/Exposure.h"
 #include "support/InstructionSets.h"
+#include "walks/ByteMap.h"
 
 namespace {
 
@@ -86,10 +87,10 @@ TEST(ByteRamp, GivesTheSameBytesInVectors) {
                     if (!keepsFourth || i % 4 != 3) expected[i] = ramp(bytes[i]);
                 }
                 std::vector<std::uint8_t> mapped = bytes;
-                keladjust::spans::rampBytes(ramp,
-                                            keepsFourth ? keladjust::spans::Bytes::threeOfFour
-                                                        : keladjust::spans::Bytes::all,
-                                            mapped.data(), mapped.size());
+                keladjust::rampBytes(
+                    ramp,
+                    keepsFourth ? keladjust::MappedBytes::threeOfFour : keladjust::MappedBytes::all,
+                    mapped.data(), mapped.size());
                 ASSERT_EQ(mapped, expected)
                     << name << ", " << int{ramp.low} << ", " << int{ramp.base} << ", "
                     << ramp.slope.whole << ", " << ramp.slope.fraction << ", " << keepsFourth;

@@ -100,7 +100,7 @@ TEST(ColourMemory, DoesNotShowInAPicture) {
         HostPicture inTurn(whole);
         const keladjust::VignetteKernel vignette(400, 300, -40, 50, 60, 40, 20, 10);
         const PixelKernel* const all[] = {&temperature, &saturation, &range, &vignette, &range};
-        runKernels(*whole.image(), all);
+        keladjust::runKernels(*keladjust::pictureOf(whole.image()), all);
 
         const PixelLayout layout = keladjust::layoutOf(*inTurn.image());
         for (unsigned y = 0; y < 300; ++y) {
