@@ -481,8 +481,8 @@ TEST(Denoise, ResultsAreKept) {
     EXPECT_EQ(fnv1a(inPlace(plane, 203, 119, 208, 15.0f)), 1030138388953402086u);
 }
 
-// The rows of an image that owns its pixels are written into a fresh buffer, as Combine() does it; a
-// host's own buffer keeps its padding.
+// The rows of an image that owns its pixels are written into a fresh buffer, as Combine() does it;
+// a host's own buffer keeps its padding.
 TEST(Denoise, ClearsThePaddingOfOwnedPixelsAlone) {
     for (const auto stage : {deNoiseRGB, deNoiseLumiance}) {
         CxImage owned(5, 3, 24, IMAGE_FORMAT_RGB);
