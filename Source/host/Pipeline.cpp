@@ -2,23 +2,13 @@
 
 #include <array>
 #include <cstddef>
-#include <iterator>
 #include <memory>
 #include <new>
 #include <utility>
 
 #include "ImageFormat/Geometry.h"
 #include "ImageFormat/PixelSpan.h"
-#include "filters/colour-ranges/ColourRanges.h"
-#include "filters/contrast/Contrast.h"
-#include "filters/exposure/Brightness.h"
-#include "filters/exposure/Exposure.h"
-#include "filters/saturation/Saturation.h"
-#include "filters/temperature/Temperature.h"
-#include "filters/temperature/Tint.h"
-#include "filters/tonal/TonalRanges.h"
-#include "filters/vibrance/Vibrance.h"
-#include "filters/vignette/Vignette.h"
+#include "filters/Stages.h"
 #include "walks/RawWalk.h"
 #include "walks/StageForms.h"
 
@@ -27,95 +17,6 @@ namespace keladjust {
 namespace {
 
 using KernelPointer = std::unique_ptr<PixelKernel>;
-
-/// How the image form of a stage finds its pixels.
-enum class Addressing {
-    pixels,   ///< by row and column
-    rawWalk,  ///< along the buffer, ignoring the padding of rows
-};
-
-/// One row of the pipeline. A stage with a kernel can share a pass with its neighbours.
-struct Stage {
-    CxImage* (*run)(CxImage*, const _AdjustParam&);
-    KernelPointer (*kernel)(const CxImage&, const _AdjustParam&) = nullptr;
-    Addressing addressing = Addressing::pixels;
-};
-
-/// A stage whose image form `form` and whose kernel take one setting.
-template <auto form, class Kernel, auto setting>
-constexpr Stage perPixel(Addressing addressing = Addressing::pixels) {
-    return {[](CxImage* image, const _AdjustParam& p) { return form(image, p.*setting); },
-            [](const CxImage&, const _AdjustParam& p) -> KernelPointer {
-                return std::make_unique<Kernel>(p.*setting);
-            },
-            addressing};
-}
-
-/// A stage that sees the whole picture.
-template <auto form, auto setting>
-constexpr Stage spatial() {
-    return {[](CxImage* image, const _AdjustParam& p) { return form(image, p.*setting); }};
-}
-
-template <std::size_t place>
-constexpr Stage colourRange() {
-    return {[](CxImage* image, const _AdjustParam& p) {
-                const _AdjustColourRange& r = p.range[place];
-                return doHSLAdjustFilter(image, r.minDegree, r.maxDegree, r.hue, r.saturation,
-                                         r.brightness);
-            },
-            [](const CxImage&, const _AdjustParam& p) -> KernelPointer {
-                const _AdjustColourRange& r = p.range[place];
-                return std::make_unique<ColourRangeKernel>(r.minDegree, r.maxDegree, r.hue,
-                                                           r.saturation, r.brightness);
-            }};
-}
-
-constexpr Stage vignette() {
-    return {[](CxImage* image, const _AdjustParam& p) {
-                return vignetteAdjustFilter(image, p.vignetteAmount, p.vignetteFeather,
-                                            p.vignetteHighlights, p.vignetteSize,
-                                            p.vignetteRoundness, p.vignetteExposure);
-            },
-            [](const CxImage& image, const _AdjustParam& p) -> KernelPointer {
-                return std::make_unique<VignetteKernel>(
-                    image.width, image.height, p.vignetteAmount, p.vignetteFeather,
-                    p.vignetteHighlights, p.vignetteSize, p.vignetteRoundness, p.vignetteExposure);
-            }};
-}
-
-using P = _AdjustParam;
-
-constexpr Stage stages[] = {
-    perPixel<temperatureAdjustment, TemperatureKernel, &P::temperature>(),
-    perPixel<tintAdjustment, TintKernel, &P::tint>(),
-    perPixel<exposureAdjustment, ExposureKernel, &P::exposure>(),
-    perPixel<brightnessAdjustment, BrightnessKernel, &P::brightness>(Addressing::rawWalk),
-    perPixel<contrastAdjustment, ContrastKernel, &P::contrast>(),
-    perPixel<vibranceAdjustment, VibranceKernel, &P::vibrance>(),
-    perPixel<saturationAdjustment, SaturationKernel, &P::saturation>(),
-    perPixel<hdrHighlight, HighlightKernel, &P::highlights>(),
-    perPixel<hdrShadow, ShadowKernel, &P::shadows>(),
-    perPixel<hdrWhiteLevel, WhiteLevelKernel, &P::whites>(),
-    perPixel<hdrBlackLevel, BlackLevelKernel, &P::blacks>(),
-    colourRange<KELADJUST_RANGE_RED>(),
-    colourRange<KELADJUST_RANGE_ORANGE>(),
-    colourRange<KELADJUST_RANGE_YELLOW>(),
-    colourRange<KELADJUST_RANGE_GREEN>(),
-    colourRange<KELADJUST_RANGE_MAGENTA>(),
-    colourRange<KELADJUST_RANGE_PURPLE>(),
-    colourRange<KELADJUST_RANGE_BLUE>(),
-    colourRange<KELADJUST_RANGE_AQUA>(),
-    vignette(),
-    spatial<clarity, &P::clarity>(),
-    spatial<sharpen, &P::sharpen>(),
-    spatial<distortFilter, &P::distortion>(),
-    spatial<fringingFilter, &P::fringing>(),
-    spatial<dehaze, &P::dehaze>(),
-    spatial<diffuse, &P::diffuse>(),
-    spatial<deNoiseRGB, &P::colourNoiseReduction>(),
-    spatial<deNoiseLumiance, &P::luminanceNoiseReduction>(),
-};
 
 /// Neighbouring per-pixel stages that wait for their common pass.
 class CommonPass {
@@ -136,7 +37,7 @@ public:
     }
 
     void run() {
-        std::array<const PixelKernel*, std::size(stages)> kernels;
+        std::array<const PixelKernel*, stages.size()> kernels;
         for (std::size_t i = 0; i < count_; ++i) kernels[i] = kernels_[i].get();
         runKernels(image_, {kernels.data(), count_});
         count_ = 0;
@@ -145,12 +46,12 @@ public:
 private:
     CxImage& image_;
     PixelLayout layout_;
-    std::array<KernelPointer, std::size(stages)> kernels_;
+    std::array<KernelPointer, stages.size()> kernels_;
     std::size_t count_ = 0;
 };
 
 bool canShareAPass(const Stage& stage, const CxImage& image) {
-    if (stage.kernel == nullptr || !hasPixels(&image)) return false;
+    if (stage.forms.pixels == nullptr || !hasPixels(&image)) return false;
     return stage.addressing == Addressing::pixels || rawWalkMeetsPixels(image);
 }
 
@@ -159,7 +60,7 @@ bool joinPass(const Stage& stage, const CxImage& image, const _AdjustParam& para
               CommonPass& pass) {
     if (!canShareAPass(stage, image)) return false;
     try {
-        KernelPointer kernel = stage.kernel(image, parameters);
+        KernelPointer kernel = stage.forms.pixels(image, stage.slots(parameters));
         if (kernel->active()) pass.add(std::move(kernel));
         return true;
     } catch (const std::bad_alloc&) {

@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "filters/contrast/Contrast.h"
+#include "filters/exposure/Brightness.h"
+#include "filters/exposure/Exposure.h"
 #include "filters/spans/Spans.h"
 #include "filters/tonal/TonalRanges.h"
 #include "support/InstructionSets.h"
