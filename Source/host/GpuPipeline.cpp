@@ -6,8 +6,10 @@
 
 #include "engine/KelOgreEffectBase.h"
 #include "engine/KelOgreRenderThread.h"
-#include "filters/Stages.h"
+#include "filters/Stage.h"
+#include "host/Pipeline.h"
 #include "host/Uniforms.h"
+#include "platform/CallScope.h"
 #include "walks/StageForms.h"
 
 namespace keladjust {
@@ -50,49 +52,67 @@ void setUniforms(KelOgreEffectBase& effect, Program program, const _AdjustParam&
     }
 }
 
-void render(const GpuEngine& engine, KelOgreEffectBase& effect, CxImage& image) {
-    engine.thread->render(&effect, nullptr, image.GetBits(), image.GetBpp() / 8, nullptr,
-                          evaluateMilliseconds);
+bool render(const GpuEngine& engine, KelOgreEffectBase& effect, CxImage& image) {
+    return engine.thread->render(&effect, nullptr, image.GetBits(), image.GetBpp() / 8, nullptr,
+                                 evaluateMilliseconds) != 0;
 }
 
-void renderTones(const GpuEngine& engine, CxImage& image, const _AdjustParam& record) {
+bool renderTones(const GpuEngine& engine, CxImage& image, const _AdjustParam& record) {
     KelOgreEffectBase& effect = *engine.basicAdjust;
     setPicture(effect, image);
     setUniforms(effect, Program::tone, record);
-    render(engine, effect, image);
+    return render(engine, effect, image);
 }
 
-void renderRanges(const GpuEngine& engine, CxImage& image, const _AdjustParam& record) {
+bool renderRanges(const GpuEngine& engine, CxImage& image, const _AdjustParam& record) {
     KelOgreEffectBase& effect = *engine.range;
     setPicture(effect, image);
     effect.setParameter(fragmentProgram, "imageWidth", static_cast<std::int32_t>(image.GetWidth()));
     effect.setParameter(fragmentProgram, "imageHeight",
                         static_cast<std::int32_t>(image.GetHeight()));
     setUniforms(effect, Program::range, record);
-    render(engine, effect, image);
+    return render(engine, effect, image);
 }
 
-void runStages(CxImage* image, const _AdjustParam& record, const GpuEngine& engine) {
-    if (image == nullptr) return;
-    if (startsProgram(Program::tone, record) && engine.isRunning()) {
-        renderTones(engine, *image, record);
+// False at a refused render, which is the end if nothing may go on without it.
+bool renderStages(CxImage& image, const _AdjustParam& record, const GpuEngine& engine,
+                  bool goesOnWithout) {
+    if (startsProgram(Program::tone, record)) {
+        const bool rendered = engine.isRunning() && renderTones(engine, image, record);
+        if (!rendered && !goesOnWithout) return false;
     }
     // Clarity works on either side of the colour ranges; sharpening once more than they did.
-    clarity(image, record.clarity);
+    if (!platform::isCancelled()) clarity(&image, record.clarity);
     // The first render may have found the window closed: the engine is down then, effects and all.
-    if (startsProgram(Program::range, record) && engine.isRunning()) {
-        renderRanges(engine, *image, record);
+    if (startsProgram(Program::range, record) && !platform::isCancelled()) {
+        const bool rendered = engine.isRunning() && renderRanges(engine, image, record);
+        if (!rendered && !goesOnWithout) return false;
     }
-    for (const Stage& stage : stages) {
-        if (stage.wing == Wing::spatial) stage.run(image, record);
+    return true;
+}
+
+// What is rendered stands for this part of the progress.
+constexpr float renderedShare = 0.3f;
+
+bool runStages(CxImage& image, const _AdjustParam& record, const GpuEngine& engine,
+               bool goesOnWithout) {
+    {
+        const platform::ProgressPart part(0.0f, renderedShare);
+        if (!renderStages(image, record, engine, goesOnWithout)) return false;
     }
+    const platform::ProgressPart part(renderedShare, 1.0f);
+    runSpatialStages(image, record);
+    return true;
 }
 
 }  // namespace
 
-CxImage* runGpuPipeline(CxImage* image, const _AdjustParam& parameters,
-                        const GpuEngine& engine) noexcept {
-    return exportedForm(image, [&] { runStages(image, parameters, engine); });
+CxImage* runGpuPipeline(CxImage* image, const _AdjustParam& parameters, const GpuEngine& engine,
+                        std::string* reason) noexcept {
+    return exportedForm(image, [&] {
+        if (image == nullptr || runStages(*image, parameters, engine, reason == nullptr)) return;
+        *reason = "the engine refused to render the picture";
+    });
 }
 
 }  // namespace keladjust

@@ -9,6 +9,7 @@
 #include "ImageFormat/Geometry.h"
 #include "ImageFormat/PixelSpan.h"
 #include "filters/Stages.h"
+#include "platform/CallScope.h"
 #include "walks/RawWalk.h"
 #include "walks/StageForms.h"
 
@@ -37,6 +38,7 @@ public:
     }
 
     void run() {
+        if (count_ == 0) return;
         std::array<const PixelKernel*, stages.size()> kernels;
         for (std::size_t i = 0; i < count_; ++i) kernels[i] = kernels_[i].get();
         runKernels(image_, {kernels.data(), count_});
@@ -68,17 +70,69 @@ bool joinPass(const Stage& stage, const CxImage& image, const _AdjustParam& para
     }
 }
 
+unsigned effortOf(const Stage& stage, const _AdjustParam& parameters) {
+    return stage.isActive(parameters) ? stage.effort : 0;
+}
+
+/// Gives stages their parts of the progress, by what they take.
+class Efforts {
+public:
+    /// Of the stages from a wing on.
+    Efforts(const _AdjustParam& parameters, Wing first) {
+        for (const Stage& stage : stages) {
+            if (stage.wing >= first) total_ += effortOf(stage, parameters);
+        }
+    }
+
+    /// The next part of the whole.
+    platform::ProgressPart next(unsigned effort) {
+        const float begin = share();
+        done_ += effort;
+        return {begin, share()};
+    }
+
+private:
+    float share() const {
+        return total_ == 0 ? 0.0f : static_cast<float>(done_) / static_cast<float>(total_);
+    }
+
+    unsigned total_ = 0;
+    unsigned done_ = 0;
+};
+
 void runStages(CxImage& image, const _AdjustParam& parameters) {
+    Efforts efforts(parameters, Wing::tone);
     CommonPass pass(image);
-    for (const Stage& stage : stages) {
-        if (joinPass(stage, image, parameters, pass)) continue;
+    unsigned passEffort = 0;
+    const auto runPass = [&] {
+        const platform::ProgressPart part = efforts.next(passEffort);
         pass.run();
+        passEffort = 0;
+    };
+    for (const Stage& stage : stages) {
+        if (joinPass(stage, image, parameters, pass)) {
+            passEffort += effortOf(stage, parameters);
+            continue;
+        }
+        runPass();
+        if (platform::isCancelled()) return;
+        const platform::ProgressPart part = efforts.next(effortOf(stage, parameters));
         stage.run(&image, parameters);
     }
-    pass.run();
+    runPass();
 }
 
 }  // namespace
+
+void runSpatialStages(CxImage& image, const _AdjustParam& parameters) {
+    Efforts efforts(parameters, Wing::spatial);
+    for (const Stage& stage : stages) {
+        if (stage.wing != Wing::spatial) continue;
+        if (platform::isCancelled()) return;
+        const platform::ProgressPart part = efforts.next(effortOf(stage, parameters));
+        stage.run(&image, parameters);
+    }
+}
 
 CxImage* runCpuPipeline(CxImage* image, const _AdjustParam& parameters) noexcept {
     return exportedForm(image, [&] {
