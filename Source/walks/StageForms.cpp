@@ -7,6 +7,7 @@
 
 #include "ImageFormat/Geometry.h"
 #include "filters/spans/Spans.h"
+#include "platform/CallScope.h"
 #include "platform/Parallel.h"
 #include "walks/ColourMemory.h"
 #include "walks/RawWalk.h"
@@ -112,6 +113,7 @@ void mapRows(CxImage& image, PixelLayout layout, const ByteTable& table) {
     platform::parallelBands(
         image.height, rowBands(image), [&](std::size_t, std::size_t begin, std::size_t end) {
             for (std::size_t y = begin; y < end; ++y) {
+                if (platform::checkpoint(y - begin, end - begin)) return;
                 map(image.pBits + y * image.effWidth, pixelBytes, image.width * pixelBytes);
             }
         });
@@ -134,6 +136,7 @@ void runKernels(CxImage& image, std::span<const PixelKernel* const> kernels) {
                             [&](std::size_t, std::size_t begin, std::size_t end) {
                                 SpanRunner runner(image, layout, kernels, end - begin);
                                 for (std::size_t y = begin; y < end; ++y) {
+                                    if (platform::checkpoint(y - begin, end - begin)) return;
                                     runner.run(static_cast<unsigned>(y));
                                 }
                             });

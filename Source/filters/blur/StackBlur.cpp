@@ -11,6 +11,7 @@
 
 #include "filters/blur/SmallBlur.h"
 #include "filters/blur/StackBlurRows.h"
+#include "platform/CallScope.h"
 #include "walks/ThreadShare.h"
 
 namespace keladjust {
@@ -91,6 +92,8 @@ public:
         std::array<rows::BlurStep, stepsPerCall> steps;
         // The first row that counts for the band's first comes within reach of this one.
         for (std::ptrdiff_t y = begin - 2 * radius - 1; y < end;) {
+            const auto done = static_cast<std::size_t>(std::max<std::ptrdiff_t>(y - begin, 0));
+            if (platform::checkpoint(done, band_.end() - band_.begin())) return;
             std::size_t count = 0;
             for (; count < steps.size() && y < end; ++count, ++y) {
                 makeReady(y + radius + 1);

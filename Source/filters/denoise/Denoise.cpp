@@ -13,6 +13,7 @@
 #include "ImageFormat/Geometry.h"
 #include "ImageFormat/PixelSpan.h"
 #include "filters/denoise/DctThreshold.h"
+#include "platform/CallScope.h"
 #include "platform/Parallel.h"
 #include "walks/StageForms.h"
 
@@ -124,6 +125,7 @@ void forEachRow(const PlaneShape& shape, Body body) {
     platform::parallelBands(shape.height, platform::bandCount(shape.height, rowsPerThread),
                             [&](std::size_t, std::size_t begin, std::size_t end) {
                                 for (std::size_t y = begin; y < end; ++y) {
+                                    if (platform::checkpoint(0, 1)) return;
                                     body(static_cast<unsigned>(y));
                                 }
                             });
@@ -140,7 +142,10 @@ void denoise(CxImage& image, float setting, ColourSpace space) {
         splitRow(image, y, space, {row(0), row(1), row(2)});
     });
     const float sigma = setting * 0.15f;
-    for (auto& plane : planes) denoisePlane(shape, plane.data(), plane.data(), sigma);
+    for (std::size_t i = 0; i < planes.size(); ++i) {
+        const platform::ProgressPart part(i, planes.size());
+        denoisePlane(shape, planes[i].data(), planes[i].data(), sigma);
+    }
     forEachRow(shape, [&](unsigned y) {
         const auto row = [&](std::size_t i) { return planes[i].data() + shape.stride * y; };
         joinRow(image, y, space, {row(0), row(1), row(2)});

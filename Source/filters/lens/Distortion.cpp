@@ -10,6 +10,7 @@
 
 #include "filters/lens/LensRows.h"
 #include "filters/lens/LensSources.h"
+#include "platform/CallScope.h"
 #include "platform/Parallel.h"
 #include "walks/RawWalk.h"
 #include "walks/StageForms.h"
@@ -112,6 +113,7 @@ void distortPartly(CxImage& image, const RawWalk& walk, const rows::Lens& lens) 
     platform::parallelBands(
         image.height, bands, [&](std::size_t band, std::size_t begin, std::size_t end) {
             for (std::size_t y = begin; y < end; ++y) {
+                if (platform::checkpoint(y - begin, end - begin)) return;
                 rows::placesOfRow(lens, columns, rowDistance(lens, y), places[band].data());
                 std::uint8_t* pixel = walk.first + y * rows.width * walk.step;
                 for (const rows::Place place : places[band]) {

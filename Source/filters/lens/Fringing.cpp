@@ -14,6 +14,7 @@
 #include "ImageFormat/PixelSpan.h"
 #include "filters/lens/LensRows.h"
 #include "filters/lens/LensSources.h"
+#include "platform/CallScope.h"
 #include "platform/Parallel.h"
 #include "walks/StageForms.h"
 
@@ -175,6 +176,7 @@ void correctPartly(CxImage& image, PixelLayout layout, const rows::Fringing& fri
                                 std::uint32_t* const green = red + width;
                                 std::uint32_t* const blue = green + width;
                                 for (std::size_t y = begin; y < end; ++y) {
+                                    if (platform::checkpoint(y - begin, end - begin)) return;
                                     rows::pixelsOfRow(fringing, columns, rowDistance(lens, y),
                                                       image.width, nowhere, {red, green, blue});
                                     fetchPixels(copy.get(), layout, {red, green, blue}, width,

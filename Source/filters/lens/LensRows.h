@@ -11,6 +11,7 @@
 
 #include "filters/lens/LensSources.h"
 #include "filters/lens/RowWindow.h"
+#include "platform/CallScope.h"
 #include "platform/Parallel.h"
 #include "walks/ThreadShare.h"
 
@@ -99,7 +100,10 @@ void changeLensRows(const OriginalRows& rows, std::size_t width, ReachOf reachOf
         all.moveTo(0);
         platform::parallelBands(rows.height, bands,
                                 [&](std::size_t, std::size_t begin, std::size_t end) {
-                                    for (std::size_t y = begin; y < end; ++y) change(y, all);
+                                    for (std::size_t y = begin; y < end; ++y) {
+                                        if (platform::checkpoint(y - begin, end - begin)) return;
+                                        change(y, all);
+                                    }
                                 });
         return;
     }
@@ -107,6 +111,7 @@ void changeLensRows(const OriginalRows& rows, std::size_t width, ReachOf reachOf
                             [&](std::size_t band, std::size_t begin, std::size_t end) {
                                 RowWindow& window = *windows[band];
                                 for (std::size_t y = begin; y < end; ++y) {
+                                    if (platform::checkpoint(y - begin, end - begin)) return;
                                     window.moveTo(y);
                                     change(y, std::as_const(window));
                                 }

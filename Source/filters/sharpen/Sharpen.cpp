@@ -11,6 +11,7 @@
 
 #include "ImageFormat/Geometry.h"
 #include "filters/rows/Rows.h"
+#include "platform/CallScope.h"
 #include "walks/InPlaceBands.h"
 #include "walks/StageForms.h"
 #include "walks/ThreadShare.h"
@@ -55,6 +56,7 @@ private:
         if (begin >= end) return;
         std::memcpy(space.above.data() + step_, band.row(begin - 1), rows_.bytes);
         for (std::size_t y = begin; y < end; ++y) {
+            if (platform::checkpoint(y - begin, end - begin)) return;
             std::memcpy(space.centre.data(), space.above.data() + rows_.bytes, step_);
             std::memcpy(space.centre.data() + step_, band.row(y), rows_.bytes);
             rows::sharpenRow(space.above.data() + step_, space.centre.data() + step_,
