@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "platform/CallScope.h"
 #include "platform/Parallel.h"
 #include "walks/Picture.h"
 
@@ -135,6 +136,15 @@ private:
     std::size_t changed_;
     std::vector<Halo> halos_;
 };
+
+/// Calls `body(y)` for the rows of a band, unless the call is cancelled.
+template <class Body>
+void forEachRow(const HaloBands::Band& band, Body body) {
+    for (std::size_t y = band.begin(); y < band.end(); ++y) {
+        if (platform::checkpoint(y - band.begin(), band.end() - band.begin())) return;
+        body(y);
+    }
+}
 
 }  // namespace keladjust
 

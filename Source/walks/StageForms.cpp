@@ -5,6 +5,7 @@
 #include <new>
 #include <optional>
 
+#include "platform/CallScope.h"
 #include "platform/Parallel.h"
 #include "walks/ByteMap.h"
 #include "walks/ColourMemory.h"
@@ -111,6 +112,7 @@ void mapRows(const Picture& picture, const ByteTable& table) {
     platform::parallelBands(picture.height, rowBands(picture),
                             [&](std::size_t, std::size_t begin, std::size_t end) {
                                 for (std::size_t y = begin; y < end; ++y) {
+                                    if (platform::checkpoint(y - begin, end - begin)) return;
                                     map(picture.row(y), pixelBytes, picture.width * pixelBytes);
                                 }
                             });
@@ -131,7 +133,10 @@ void runKernels(const Picture& picture, std::span<const PixelKernel* const> kern
     platform::parallelBands(picture.height, rowBands(picture),
                             [&](std::size_t, std::size_t begin, std::size_t end) {
                                 SpanRunner runner(picture, kernels, end - begin);
-                                for (std::size_t y = begin; y < end; ++y) runner.run(y);
+                                for (std::size_t y = begin; y < end; ++y) {
+                                    if (platform::checkpoint(y - begin, end - begin)) return;
+                                    runner.run(y);
+                                }
                             });
 }
 

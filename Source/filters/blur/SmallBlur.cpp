@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "filters/blur/SmallBlurRows.h"
+#include "platform/CallScope.h"
 #include "walks/ThreadShare.h"
 
 namespace keladjust {
@@ -49,6 +50,7 @@ void SmallBlur::blurBand(const HaloBands::Band& band, Workspace& space) const {
     blurRow(band.row(band.begin() > 0 ? band.begin() - 1 : 0), space, blurred, nullptr);
     blurRow(band.row(band.begin()), space, blurred, nullptr);
     for (std::size_t y = band.begin(); y < band.end(); ++y) {
+        if (platform::checkpoint(y - band.begin(), band.end() - band.begin())) return;
         blurRow(band.row(std::min(y + 1, bottom)), space, blurred, rows_[y]);
     }
 }

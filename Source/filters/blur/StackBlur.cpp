@@ -12,6 +12,7 @@
 #include "ImageFormat/Geometry.h"
 #include "filters/blur/SmallBlur.h"
 #include "filters/blur/StackBlurRows.h"
+#include "platform/CallScope.h"
 #include "walks/StageForms.h"
 #include "walks/ThreadShare.h"
 
@@ -89,6 +90,8 @@ public:
         std::array<BlurStep, stepsPerCall> steps;
         // The first row that counts for the band's first comes within reach of this one.
         for (std::ptrdiff_t y = begin - 2 * radius - 1; y < end;) {
+            const auto done = static_cast<std::size_t>(std::max<std::ptrdiff_t>(y - begin, 0));
+            if (platform::checkpoint(done, band_.end() - band_.begin())) return;
             std::size_t count = 0;
             for (; count < steps.size() && y < end; ++count, ++y) {
                 makeReady(y + radius + 1);

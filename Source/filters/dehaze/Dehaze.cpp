@@ -14,6 +14,7 @@
 #include "arithmetic/Rounding.h"
 #include "filters/dehaze/DehazeRows.h"
 #include "filters/dehaze/MeanWindow.h"
+#include "platform/CallScope.h"
 #include "platform/LargePages.h"
 #include "platform/Parallel.h"
 #include "walks/RawWalk.h"
@@ -88,6 +89,7 @@ public:
         const auto leaving = [&](std::size_t y) { return darkestOfRow(y); };
         window_.beginAt(begin);
         for (std::size_t y = begin; y < end; ++y) {
+            if (platform::checkpoint(y - begin, 2 * (end - begin))) return;
             window_.moveTo(y, height, entering, leaving);
             window_.means(means + y * width_);
             deepest = std::max(deepest, largestByte(means + y * width_, width_));
@@ -134,6 +136,7 @@ void removeHaze(const Picture& picture, float amount) {
     if (walk.channels == 0) return;
     const Haze haze = hazeOf(walk, picture.width, picture.height);
     if (haze.brightest == 0) return;  // all is black
+    if (platform::isCancelled()) return;
     const auto mean = static_cast<std::uint8_t>(haze.sum / walk.count);
     const Veil veil{veilFactor(mean, amount),
                     static_cast<float>(haze.deepest + haze.brightest) * 0.5f};

@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/CallScope.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
@@ -310,6 +312,7 @@ private:
 void filterBand(const DctBand& band) {
     TileFilter filter(band);
     for (std::size_t column = 0; column < band.width - dctSize; column += tileWidth) {
+        if (platform::checkpoint(column, band.width)) return;
         filter.run(column);
     }
 }

@@ -12,6 +12,7 @@
 #include "ImageFormat/ChannelPlanes.h"
 #include "ImageFormat/Geometry.h"
 #include "filters/denoise/DctThreshold.h"
+#include "platform/CallScope.h"
 #include "platform/Parallel.h"
 #include "walks/StageForms.h"
 
@@ -78,7 +79,10 @@ void forEachRow(const PlaneShape& shape, Body body) {
     const std::size_t rowsPerThread = pixelsPerSplitThread / shape.width + 1;
     platform::parallelBands(shape.height, platform::bandCount(shape.height, rowsPerThread),
                             [&](std::size_t, std::size_t begin, std::size_t end) {
-                                for (std::size_t y = begin; y < end; ++y) body(y);
+                                for (std::size_t y = begin; y < end; ++y) {
+                                    if (platform::checkpoint(0, 1)) return;
+                                    body(y);
+                                }
                             });
 }
 
@@ -92,7 +96,10 @@ void denoise(const Picture& picture, float setting, ColourSpace space) {
         splitRow(picture.layout, picture.row(y), picture.width, space, {row(0), row(1), row(2)});
     });
     const float sigma = setting * 0.15f;
-    for (auto& plane : planes) denoisePlane(shape, plane.data(), plane.data(), sigma);
+    for (std::size_t i = 0; i < planes.size(); ++i) {
+        const platform::ProgressPart part(i, planes.size());
+        denoisePlane(shape, planes[i].data(), planes[i].data(), sigma);
+    }
     forEachRow(shape, [&](std::size_t y) {
         const auto row = [&](std::size_t i) { return planes[i].data() + shape.stride * y; };
         joinRow(picture.layout, {row(0), row(1), row(2)}, picture.width, space, picture.row(y));

@@ -8,6 +8,7 @@
 
 #include "filters/lens/LensRows.h"
 #include "filters/lens/LensSources.h"
+#include "platform/CallScope.h"
 #include "platform/Parallel.h"
 #include "walks/RawWalk.h"
 #include "walks/StageForms.h"
@@ -110,6 +111,7 @@ void distortPartly(const Picture& picture, const RawWalk& walk, const Lens& lens
     platform::parallelBands(
         picture.height, bands, [&](std::size_t band, std::size_t begin, std::size_t end) {
             for (std::size_t y = begin; y < end; ++y) {
+                if (platform::checkpoint(y - begin, end - begin)) return;
                 placesOfRow(lens, columns, rowDistance(lens, y), places[band].data());
                 std::uint8_t* pixel = walk.first + y * rows.width * walk.step;
                 for (const Place place : places[band]) {

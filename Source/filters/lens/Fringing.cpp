@@ -11,6 +11,7 @@
 #include "ImageFormat/PixelSpan.h"
 #include "filters/lens/LensRows.h"
 #include "filters/lens/LensSources.h"
+#include "platform/CallScope.h"
 #include "platform/Parallel.h"
 #include "walks/StageForms.h"
 
@@ -173,6 +174,7 @@ void correctPartly(const Picture& picture, const Fringing& fringing) {
             std::uint32_t* const green = red + width;
             std::uint32_t* const blue = green + width;
             for (std::size_t y = begin; y < end; ++y) {
+                if (platform::checkpoint(y - begin, end - begin)) return;
                 pixelsOfRow(fringing, columns, rowDistance(lens, y),
                             static_cast<std::uint32_t>(width), nowhere, {red, green, blue});
                 fetchPixels(copy.get(), picture.layout, {red, green, blue}, width, picture.row(y));

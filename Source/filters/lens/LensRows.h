@@ -11,6 +11,7 @@
 
 #include "filters/lens/LensSources.h"
 #include "filters/lens/RowWindow.h"
+#include "platform/CallScope.h"
 #include "platform/Parallel.h"
 #include "walks/ThreadShare.h"
 
@@ -101,7 +102,7 @@ void changeLensRows(const OriginalRows& rows, std::size_t width, ReachOf reachOf
         RowWindow all(rows, {0, rows.height}, whole.band(0));
         all.moveTo(0);
         alone.runKept([&](const HaloBands::Band& band) {
-            for (std::size_t y = band.begin(); y < band.end(); ++y) change(y, std::as_const(all));
+            forEachRow(band, [&](std::size_t y) { change(y, std::as_const(all)); });
         });
         return;
     }
@@ -117,10 +118,10 @@ void changeLensRows(const OriginalRows& rows, std::size_t width, ReachOf reachOf
     });
     bands.runKept([&](const HaloBands::Band& band) {
         RowWindow& window = *windows[band.index()];
-        for (std::size_t y = band.begin(); y < band.end(); ++y) {
+        forEachRow(band, [&](std::size_t y) {
             window.moveTo(y);
             change(y, std::as_const(window));
-        }
+        });
     });
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "filters/sharpen/SharpenRows.h"
+#include "platform/CallScope.h"
 #include "walks/HaloBands.h"
 #include "walks/StageForms.h"
 #include "walks/ThreadShare.h"
@@ -51,6 +52,7 @@ private:
         if (begin >= end) return;
         std::memcpy(space.above.data() + step_, band.row(begin - 1), rows_.bytes);
         for (std::size_t y = begin; y < end; ++y) {
+            if (platform::checkpoint(y - begin, end - begin)) return;
             std::memcpy(space.centre.data(), space.above.data() + rows_.bytes, step_);
             std::memcpy(space.centre.data() + step_, band.row(y), rows_.bytes);
             sharpenRow(space.above.data() + step_, space.centre.data() + step_, band.row(y + 1),
