@@ -111,40 +111,46 @@ void KelOgreEffectBase::chooseReadBackMode() {
 void KelOgreEffectBase::process(unsigned char* outputBuffer, unsigned char* inputPixels,
                                 std::uint32_t bytesPerPixel) {
     try {
-        if (!runPass(outputBuffer, inputPixels, bytesPerPixel)) {
-            logMessage("The picture is not rendered and stays as it was");
-        }
+        const char* const refusal = runPass(outputBuffer, inputPixels, bytesPerPixel);
+        failure_ = refusal != nullptr ? refusal : "";
+        if (refusal != nullptr) logMessage("The picture is not rendered and stays as it was");
     } catch (...) {
         logCurrentException("The picture is not rendered and stays as it was");
+        failure_ = keladjust::currentExceptionText();
         releaseTextures();
     }
 }
 
 // Everything that can refuse or fail comes before the first byte of the result is written.
-bool KelOgreEffectBase::runPass(unsigned char* outputBuffer, unsigned char* inputPixels,
-                                std::uint32_t bytesPerPixel) {
-    if (!prepareScene()) return false;
+// @return null; or why nothing was rendered, which the log has in more words
+const char* KelOgreEffectBase::runPass(unsigned char* outputBuffer, unsigned char* inputPixels,
+                                       std::uint32_t bytesPerPixel) {
+    constexpr const char* windowIsClosed = "The engine's window has been closed";
+    constexpr const char* outOfMemory = "The graphics driver is out of memory";
+    if (!prepareScene()) return "The engine is not up";
     // Before anything is asked of the driver: on some systems a window takes its context along.
-    if (!KelOgreEffectBase::frameStarted(Ogre::FrameEvent())) return false;
-    if (!acceptsInputs()) return false;
+    if (!KelOgreEffectBase::frameStarted(Ogre::FrameEvent())) return windowIsClosed;
+    if (!acceptsInputs()) return "The picture is missing, empty or larger than a texture may be";
     if (!keladjust::isRenderable(pictureFormat(), bytesPerPixel)) {
-        logMessage("Pictures of this depth and format are not rendered");
-        return false;
+        constexpr const char* unsuitable = "Pictures of this depth and format are not rendered";
+        logMessage(unsuitable);
+        return unsuitable;
     }
     buildPrograms();
-    if (getMaterial() == nullptr) return false;
+    if (getMaterial() == nullptr) return "The effect's program does not compile";
     if (usesOpenGl()) ranOutOfMemory();
     if (sizeChanged_ || renderTexture_ == nullptr || camera_ == nullptr) {
-        if (!resizeScene(outputBuffer)) return false;
+        if (!resizeScene(outputBuffer)) return "There is no render texture of that size";
     }
-    if (!uploadInputs()) return false;
-    if (driverLacksMemory()) return false;
+    if (!uploadInputs()) return "The picture cannot be uploaded";
+    if (driverLacksMemory()) return outOfMemory;
     applyParameters();
-    if (!renderOneFrame() || driverLacksMemory()) return false;
+    if (!renderOneFrame()) return stopped_ ? windowIsClosed : "The programs do not link";
+    if (driverLacksMemory()) return outOfMemory;
     output_.data = outputBuffer;
     output_.changed = true;
     readResult(&output_, inputPixels, bytesPerPixel);
-    return !output_.changed;
+    return output_.changed ? "The render cannot be read back" : nullptr;
 }
 
 // The engine goes on with a texture that the driver has no memory for, and would render black.

@@ -139,8 +139,8 @@ private:
     using ParameterTable = std::map<_CommDataType, Value>;
 
     void chooseReadBackMode();
-    bool runPass(unsigned char* outputBuffer, unsigned char* inputPixels,
-                 std::uint32_t bytesPerPixel);
+    const char* runPass(unsigned char* outputBuffer, unsigned char* inputPixels,
+                        std::uint32_t bytesPerPixel);
     bool driverLacksMemory();
     void releaseTextures() noexcept;
     bool prepareScene();

@@ -1,14 +1,12 @@
 #include "host/GpuPipeline.h"
 
-#include <OgrePixelFormat.h>
-
 #include <algorithm>
 #include <cstdint>
+#include <initializer_list>
 #include <iterator>
 #include <string>
+#include <vector>
 
-#include "engine/KelOgreEffectBase.h"
-#include "engine/KelOgreRenderThread.h"
 #include "filters/StageForms.h"
 
 namespace keladjust {
@@ -18,8 +16,6 @@ namespace {
 using P = _AdjustParam;
 
 constexpr std::int32_t neutralTemperature = 11500;
-// What a render may take; the pipeline does not ask whether it did.
-constexpr std::uint32_t evaluateMilliseconds = 20;
 
 /// A setting under the name that a program has for it.
 struct Uniform {
@@ -69,77 +65,77 @@ bool changesRanges(const P& p) {
            });
 }
 
-std::uint32_t enginePixelFormat(_ImagePixelFormat format) {
-    switch (format) {
-        case IMAGE_FORMAT_GRAY:
-            return Ogre::PF_L8;
-        case IMAGE_FORMAT_RGB:
-            return Ogre::PF_B8G8R8;
-        case IMAGE_FORMAT_BGR:
-            return Ogre::PF_R8G8B8;
-        case IMAGE_FORMAT_RGBA:
-            return Ogre::PF_A8B8G8R8;
-        case IMAGE_FORMAT_BGRA:
-            return Ogre::PF_A8R8G8B8;
-        default:
-            return Ogre::PF_UNKNOWN;
+constexpr const char* rangeUniformEndings[] = {"_degreeMinVal", "_degreeMaxVal", "_hueVal",
+                                               "_satVal", "_brightnessVal"};
+constexpr float _AdjustColourRange::*rangeSettings[] = {
+    &_AdjustColourRange::minDegree, &_AdjustColourRange::maxDegree, &_AdjustColourRange::hue,
+    &_AdjustColourRange::saturation, &_AdjustColourRange::brightness};
+
+/// The renders of one adjustment.
+class Renders {
+public:
+    Renders(const GpuEngine& engine, CxImage& image, std::string* reason)
+        : engine_(engine), image_(image), reason_(reason) {}
+
+    /// Renders the picture, if it can be, with these uniforms after the picture's own.
+    void render(GpuEffect effect, std::initializer_list<EngineInt> ints,
+                const std::vector<EngineFloat>& floats) {
+        std::vector<EngineInt> allInts{{"Sample", 0}};
+        allInts.insert(allInts.end(), ints);
+        EngineReason failure;
+        // A render may have found the window closed: the engine is down then, effects and all.
+        if (!engine_.isRunning()) {
+            failure.set("The engine has stopped");
+        } else if (engine_.file.module->render(
+                       {effect, image_.GetBits(), image_.GetWidth(), image_.GetHeight(),
+                        image_.GetBpp(), image_.getFormat(), allInts.data(),
+                        static_cast<std::uint32_t>(allInts.size()), floats.data(),
+                        static_cast<std::uint32_t>(floats.size())},
+                       failure)) {
+            return;
+        }
+        if (reason_ != nullptr && reason_->empty()) *reason_ = failure.text;
     }
+
+private:
+    const GpuEngine& engine_;
+    CxImage& image_;
+    std::string* reason_;
+};
+
+template <std::size_t count>
+void append(std::vector<EngineFloat>& floats, const Uniform (&uniforms)[count], const P& p) {
+    for (const Uniform& uniform : uniforms) floats.push_back({uniform.name, p.*uniform.setting});
 }
 
-void setPicture(KelOgreEffectBase& effect, CxImage& image) {
-    effect.setInputImage(image.GetBits(), image.GetWidth(), image.GetHeight(), 0,
-                         enginePixelFormat(image.getFormat()));
-    effect.setRenderSize(image.GetWidth(), image.GetHeight());
-    effect.setParameter(fragmentProgram, "Sample", 0);
+void renderBasicAdjust(Renders& renders, const P& p) {
+    std::vector<EngineFloat> floats;
+    append(floats, basicAdjustUniforms, p);
+    renders.render(basicAdjustEffect, {{"temperature", p.temperature}}, floats);
 }
 
-void setFloat(KelOgreEffectBase& effect, const std::string& name, float value) {
-    effect.setParameter(fragmentProgram, name.c_str(), value);
-}
-
-void render(const GpuEngine& engine, KelOgreEffectBase& effect, CxImage& image) {
-    engine.thread->render(&effect, nullptr, image.GetBits(), image.GetBpp() / 8, nullptr,
-                          evaluateMilliseconds);
-}
-
-void renderBasicAdjust(const GpuEngine& engine, CxImage& image, const P& p) {
-    KelOgreEffectBase& effect = *engine.basicAdjust;
-    setPicture(effect, image);
-    effect.setParameter(fragmentProgram, "temperature", p.temperature);
-    for (const Uniform& uniform : basicAdjustUniforms) {
-        setFloat(effect, uniform.name, p.*uniform.setting);
-    }
-    render(engine, effect, image);
-}
-
-void renderRanges(const GpuEngine& engine, CxImage& image, const P& p) {
-    KelOgreEffectBase& effect = *engine.range;
-    setPicture(effect, image);
-    effect.setParameter(fragmentProgram, "imageWidth", static_cast<std::int32_t>(image.GetWidth()));
-    effect.setParameter(fragmentProgram, "imageHeight",
-                        static_cast<std::int32_t>(image.GetHeight()));
-    setFloat(effect, "sharpeness", p.sharpen);
+void renderRanges(Renders& renders, const CxImage& image, const P& p) {
+    std::vector<EngineFloat> floats{{"sharpeness", p.sharpen}};
+    std::string names[KELADJUST_RANGE_COUNT][std::size(rangeSettings)];
     for (int i = 0; i < KELADJUST_RANGE_COUNT; ++i) {
-        const std::string word = rangeWords[i];
-        const _AdjustColourRange& range = p.range[i];
-        setFloat(effect, word + "_degreeMinVal", range.minDegree);
-        setFloat(effect, word + "_degreeMaxVal", range.maxDegree);
-        setFloat(effect, word + "_hueVal", range.hue);
-        setFloat(effect, word + "_satVal", range.saturation);
-        setFloat(effect, word + "_brightnessVal", range.brightness);
+        for (std::size_t j = 0; j < std::size(rangeSettings); ++j) {
+            names[i][j] = std::string(rangeWords[i]) + rangeUniformEndings[j];
+            floats.push_back({names[i][j].c_str(), p.range[i].*rangeSettings[j]});
+        }
     }
-    for (const Uniform& uniform : vignetteUniforms) {
-        setFloat(effect, uniform.name, p.*uniform.setting);
-    }
-    render(engine, effect, image);
+    append(floats, vignetteUniforms, p);
+    renders.render(rangeEffect,
+                   {{"imageWidth", static_cast<std::int32_t>(image.GetWidth())},
+                    {"imageHeight", static_cast<std::int32_t>(image.GetHeight())}},
+                   floats);
 }
 
-void runStages(CxImage* image, const P& p, const GpuEngine& engine) {
+void runStages(CxImage* image, const P& p, const GpuEngine& engine, std::string* reason) {
     if (image == nullptr) return;
-    if (changesTones(p) && engine.isRunning()) renderBasicAdjust(engine, *image, p);
+    Renders renders(engine, *image, reason);
+    if (changesTones(p)) renderBasicAdjust(renders, p);
     clarity(image, p.clarity);
-    // The first render may have found the window closed: the engine is down then, effects and all.
-    if (changesRanges(p) && engine.isRunning()) renderRanges(engine, *image, p);
+    if (changesRanges(p)) renderRanges(renders, *image, p);
     // Clarity works on either side of the colour ranges; sharpening once more than they did.
     clarity(image, p.clarity);
     sharpen(image, p.sharpen);
@@ -153,9 +149,10 @@ void runStages(CxImage* image, const P& p, const GpuEngine& engine) {
 
 }  // namespace
 
-CxImage* runGpuPipeline(CxImage* image, const _AdjustParam& parameters,
-                        const GpuEngine& engine) noexcept {
-    return exportedForm(image, [&] { runStages(image, parameters, engine); });
+CxImage* runGpuPipeline(CxImage* image, const _AdjustParam& parameters, const GpuEngine& engine,
+                        std::string* reason) noexcept {
+    if (reason != nullptr) reason->clear();
+    return exportedForm(image, [&] { runStages(image, parameters, engine, reason); });
 }
 
 }  // namespace keladjust
