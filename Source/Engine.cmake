@@ -7,6 +7,7 @@ add_library(keladjust_engine_objects OBJECT
     engine/EffectFactory.cpp
     engine/EngineLog.cpp
     engine/GlBuffers.cpp
+    engine/GlErrors.cpp
     engine/KelEffectBase.cpp
     engine/KelOgreBase.cpp
     engine/KelOgreEffectBase.cpp
@@ -19,6 +20,7 @@ add_library(keladjust_engine_objects OBJECT
     engine/OgreEngine.cpp
     engine/PictureFile.cpp
     engine/PictureRows.cpp
+    engine/ReadBack.cpp
     engine/RenderSystemOptions.cpp
     engine/SoftwareRenderer.cpp)
 if(WIN32)
