@@ -260,9 +260,10 @@ typedef struct KeladjustRun {
      * engine nor call doAdjust(). Sees the default floating-point environment.
      */
     int32_t (*progress)(void* user, float share);
-    void* user;        /**< for `progress` */
-    int32_t pathTaken; /**< out: KELADJUST_CPU or KELADJUST_GPU; KELADJUST_AUTO if refused */
-    char reason[128];  /**< out: why not the path asked for, or why refused; "" otherwise */
+    void* user;           /**< for `progress` */
+    int32_t pathTaken;    /**< out: KELADJUST_CPU or KELADJUST_GPU; KELADJUST_AUTO if refused */
+    char reason[128];     /**< out: why not the path asked for, or why refused; "" otherwise */
+    int32_t hardwareOnly; /**< KELADJUST_AUTO: if not 0, a driver without hardware counts as none */
 } KeladjustRun;
 
 /** How keladjustRun() ended. */

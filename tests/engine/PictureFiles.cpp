@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "engine/KelOgreRenderThread.h"
+#include "engine/OgreEngine.h"
 #include "host/LibraryState.h"
 #include "support/HostName.h"
 #include "support/HostPicture.h"
@@ -19,6 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using keladjust::libraryState;
+using keladjust::OgreEngine;
 
 class PictureFiles : public testing::Test {
 protected:
@@ -52,8 +54,8 @@ protected:
               unsigned char seed) {
         const auto rows = tightRows(
             width, height, static_cast<unsigned>(Ogre::PixelUtil::getNumElemBytes(format)), seed);
-        return libraryState().gpu.thread->storePicture(file.string().c_str(), rows.data(), width,
-                                                       height, format);
+        return OgreEngine::instance().thread()->storePicture(file.string().c_str(), rows.data(),
+                                                             width, height, format);
     }
     void expectPicture(const std::string& name, unsigned width, unsigned height, unsigned bytes,
                        _ImagePixelFormat format, unsigned char seed) {
@@ -200,12 +202,16 @@ TEST_F(PictureFiles, ThatCannotBeStoredAreNot) {
     EXPECT_EQ(store("no/such/folder/p.png", 2, 2, Ogre::PF_B8G8R8, 1), 0);
     EXPECT_EQ(store("p.nosuchkind", 2, 2, Ogre::PF_B8G8R8, 1), 0);
     EXPECT_EQ(store("p", 2, 2, Ogre::PF_B8G8R8, 1), 0);
-    EXPECT_EQ(libraryState().gpu.thread->storePicture("p.png", nullptr, 2, 2, Ogre::PF_B8G8R8), 0);
-    EXPECT_EQ(libraryState().gpu.thread->storePicture(nullptr, nullptr, 2, 2, Ogre::PF_B8G8R8), 0);
+    EXPECT_EQ(
+        OgreEngine::instance().thread()->storePicture("p.png", nullptr, 2, 2, Ogre::PF_B8G8R8), 0);
+    EXPECT_EQ(
+        OgreEngine::instance().thread()->storePicture(nullptr, nullptr, 2, 2, Ogre::PF_B8G8R8), 0);
     const unsigned char pixel[4] = {};
-    EXPECT_EQ(libraryState().gpu.thread->storePicture("p.png", pixel, 0, 0, Ogre::PF_B8G8R8), 0);
-    EXPECT_EQ(libraryState().gpu.thread->storePicture("p.png", pixel, 1, 1, Ogre::PF_UNKNOWN), 0);
-    EXPECT_EQ(libraryState().gpu.thread->storePicture("p.png", pixel, 1, 1, 0xFFFFFFFF), 0);
+    EXPECT_EQ(OgreEngine::instance().thread()->storePicture("p.png", pixel, 0, 0, Ogre::PF_B8G8R8),
+              0);
+    EXPECT_EQ(OgreEngine::instance().thread()->storePicture("p.png", pixel, 1, 1, Ogre::PF_UNKNOWN),
+              0);
+    EXPECT_EQ(OgreEngine::instance().thread()->storePicture("p.png", pixel, 1, 1, 0xFFFFFFFF), 0);
     std::ifstream log("Ogre.log");
     std::string text{std::istreambuf_iterator<char>(log), {}};
     EXPECT_NE(text.find("Could not store picture. Maybe something that you specified is wrong."),
