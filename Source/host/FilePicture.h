@@ -7,8 +7,8 @@
 
 namespace keladjust {
 
-/// Pixels of the file that was loaded last, with the row padding that images have. Images made
-/// from it hold them by the address of this object's pointer, so it outlives those images.
+/// Loads pictures from files. The pixels of the last one, with the row padding that images have,
+/// are kept for its image until the next one is loaded.
 class FilePicture : private EnginePictureTaker {
 public:
     FilePicture() = default;
@@ -22,10 +22,7 @@ public:
 
 private:
     void take(const EnginePicture& picture) noexcept override;
-    void free();
 
-    /// From malloc, because CxImage::Copy() may free it; it sets the pointer to null then.
-    unsigned char* bits_ = nullptr;
     unsigned int width_ = 0;
     unsigned int height_ = 0;
     unsigned int bpp_ = 0;

@@ -136,6 +136,10 @@ typedef struct CxImage CxImage;
  * @param pluginPrefix   text that stands directly before "plugins.cfg"; null is empty
  * @return true if the engine came up. Otherwise every adjustment runs on the CPU; calling again
  *         tries again. While the engine runs, true and nothing else happens.
+ *
+ * The engine is a file of its own beside the library's, which is loaded here and unloaded by
+ * releaseOgre(). An adjustment that another thread asks for meanwhile waits until the start is
+ * over.
  */
 KELADJUST_API bool initOgreRunTime(const char* resourcePrefix, const char* pluginPrefix);
 

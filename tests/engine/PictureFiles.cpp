@@ -1,5 +1,6 @@
 // Pictures from files, as a host gets them, and pictures stored.
 
+#include <OgreImage.h>
 #include <OgrePixelFormat.h>
 #include <gtest/gtest.h>
 #include <keladjust/CxImage.h>
@@ -8,8 +9,10 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include "engine/HookEffect.h"
 #include "engine/KelOgreRenderThread.h"
 #include "engine/OgreEngine.h"
 #include "host/LibraryState.h"
@@ -171,6 +174,35 @@ TEST_F(PictureFiles, ThatCannotBeLoadedAreEmpty) {
     }
     expectNone(nullptr);
     EXPECT_TRUE(libraryState().gpu.isRunning());
+}
+
+// A render that finds its window closed ends the engine and the picture with it, but not while the
+// picture is read: the two are commands of one thread.
+TEST_F(PictureFiles, AreReadBeforeARenderThatEndsTheEngine) {
+    ASSERT_EQ(store("photo.png", 61, 17, Ogre::PF_B8G8R8, 1), 1);
+    KelOgreRenderThread& engine = *OgreEngine::instance().thread();
+    const keladjust::test::HookFactory hooks;
+    auto* const hook = static_cast<keladjust::test::HookEffect*>(engine.createEffect("HookEffect"));
+    ASSERT_NE(hook, nullptr);
+    hook->onProcess = [hook](auto...) { hook->setStopped(true); };
+
+    std::thread render;
+    std::vector<unsigned char> rows;
+    EXPECT_EQ(engine.loadPicture("photo.png",
+                                 [&](const Ogre::Image& picture) {
+                                     render = std::thread([&] {
+                                         engine.render(hook, nullptr, nullptr, 4, nullptr, 20);
+                                     });
+                                     for (int i = 0; i < 100; ++i) std::this_thread::yield();
+                                     EXPECT_TRUE(engine.isEngineInitialised());
+                                     rows.assign(picture.getData(),
+                                                 picture.getData() + picture.getSize());
+                                 }),
+              1);
+    render.join();
+    EXPECT_FALSE(engine.isEngineInitialised());
+    EXPECT_EQ(rows, tightRows(61, 17, 3, 1));
+    EXPECT_EQ(engine.loadPicture("photo.png", [](const Ogre::Image&) { FAIL(); }), 0);
 }
 
 TEST_F(PictureFiles, AreAdjustedLikeAnyOther) {
