@@ -102,6 +102,8 @@ struct StageForms {
     std::unique_ptr<PixelKernel> (*pixels)(const Picture&, const StageSlots&) = nullptr;
     /// Null if the stage has no part in colour tables.
     std::unique_ptr<ColourKernel> (*colours)(const StageSlots&) = nullptr;
+    /// Its text in the engine's program; null if it runs on the CPU alone.
+    const char* program = nullptr;
 };
 
 /// A row of the catalogue.
@@ -190,6 +192,7 @@ constexpr StageForms kernelForms() {
     if constexpr (std::is_base_of_v<ColourKernel, Kernel>) {
         forms.colours = Form::template colours<Kernel>;
     }
+    forms.program = Kernel::program;
     return forms;
 }
 

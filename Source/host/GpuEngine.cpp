@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
+#include "host/StagePrograms.h"
 #include "platform/ModuleReference.h"
-#include "shaders/Programs.h"
 
 namespace keladjust {
 
@@ -32,9 +32,10 @@ bool GpuEngine::canAdjust() const {
 
 GpuEngine startGpuEngine(const char* resourcePrefix, const char* pluginPrefix,
                          const char* logPrefix, EngineReason& reason) {
-    const std::string combined = std::string(shaders::combinedDeclarations) + shaders::combinedMain;
-    const char* const programs[] = {shaders::adjustProgram, shaders::rangeProgram,
-                                    shaders::lensProgram, combined.c_str()};
+    const std::string texts[] = {adjustProgram(), rangeProgram(), lensProgram(),
+                                 combinedDeclarations() + combinedMain()};
+    const char* const programs[] = {texts[basicAdjustEffect].c_str(), texts[rangeEffect].c_str(),
+                                    texts[lensEffect].c_str(), texts[combinedEffect].c_str()};
     auto library = std::make_unique<platform::ModuleReference>();
     GpuEngine engine;
     engine.file = openEngineFile(reason);

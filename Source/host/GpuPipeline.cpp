@@ -94,6 +94,7 @@ bool runStages(CxImage& image, const _AdjustParam& record, const GpuEngine& engi
 
 CxImage* runGpuPipeline(CxImage* image, const _AdjustParam& parameters, const GpuEngine& engine,
                         std::string* reason) noexcept {
+    if (reason != nullptr) reason->clear();
     guarded([&] {
         if (image == nullptr) return;
         EngineReason refusal;

@@ -14,7 +14,7 @@
 #include "host/GpuEngine.h"
 #include "host/GpuPipeline.h"
 #include "host/Pipeline.h"
-#include "shaders/Programs.h"
+#include "host/StagePrograms.h"
 #include "support/BenchPicture.h"
 #include "support/StageSettings.h"
 
@@ -74,11 +74,11 @@ const DYN_CLASS::CFactoryManager timedEffectsPlace{&timedEffects};
 
 /// The engine with timed effects; null if it does not come up.
 const GpuEngine* timedEngine() {
-    namespace shaders = keladjust::shaders;
     static keladjust::OgreEngine module{"TimedEffect"};
     static const GpuEngine engine{{&module, nullptr}, nullptr};
-    const char* const programs[] = {shaders::adjustProgram, shaders::rangeProgram,
-                                    shaders::lensProgram};
+    const std::string texts[] = {keladjust::adjustProgram(), keladjust::rangeProgram(),
+                                 keladjust::lensProgram()};
+    const char* const programs[] = {texts[0].c_str(), texts[1].c_str(), texts[2].c_str()};
     keladjust::EngineReason reason;
     static const bool started =
         module.start({KELADJUST_ENGINE_CONFIG, KELADJUST_ENGINE_CONFIG, KELADJUST_ENGINE_CONFIG,

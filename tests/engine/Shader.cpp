@@ -17,6 +17,7 @@
 
 #include "engine/Md5.h"
 #include "engine/RunningEngine.h"
+#include "host/StagePrograms.h"
 #include "shaders/Programs.h"
 
 namespace {
@@ -51,15 +52,15 @@ protected:
 };
 
 TEST_F(Shader, NamesProgramsAfterTheirText) {
-    KelOgreEffectBase& first = *effectWith(keladjust::shaders::lensProgram);
-    KelOgreEffectBase& second = *effectWith(keladjust::shaders::lensProgram);
+    KelOgreEffectBase& first = *effectWith(keladjust::lensProgram().c_str());
+    KelOgreEffectBase& second = *effectWith(keladjust::lensProgram().c_str());
     EXPECT_EQ(thread->getMaterial(&first), 1);
     std::size_t programs = 0;
     onThread([&] { programs = programCount(); });
     EXPECT_EQ(thread->getMaterial(&second), 1);
     onThread([&] { EXPECT_EQ(programCount(), programs); });
     EXPECT_EQ(first.shader()->fragmentProgramName(),
-              keladjust::md5Hex(keladjust::shaders::lensProgram) + "_FRAG_GLSL");
+              keladjust::md5Hex(keladjust::lensProgram().c_str()) + "_FRAG_GLSL");
     EXPECT_EQ(second.shader()->fragmentProgramName(), first.shader()->fragmentProgramName());
     EXPECT_EQ(first.shader()->vertexProgramName(), "defaultVertexProgram");
 }

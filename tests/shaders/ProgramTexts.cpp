@@ -12,6 +12,7 @@
 #include <sstream>
 #include <string>
 
+#include "host/StagePrograms.h"
 #include "shaders/Programs.h"
 
 namespace {
@@ -111,27 +112,27 @@ Declarations ranges() {
 }
 
 TEST(ProgramTexts, AdjustmentHasItsSettings) {
-    expectProgram(shaders::adjustProgram, picture + adjustment);
+    expectProgram(keladjust::adjustProgram(), picture + adjustment);
 }
 
 TEST(ProgramTexts, RangeHasItsSettings) {
-    expectProgram(shaders::rangeProgram,
+    expectProgram(keladjust::rangeProgram(),
                   picture + size + floats({"sharpeness", "exposure"}) + ranges() + vignette);
 }
 
 TEST(ProgramTexts, LensHasItsSettings) {
-    expectProgram(shaders::lensProgram, picture + size + floats({"distortion", "fringing"}));
+    expectProgram(keladjust::lensProgram(), picture + size + floats({"distortion", "fringing"}));
 }
 
 TEST(ProgramTexts, CombinedHasTheSettingsOfBothButSharpening) {
     expectProgram(
-        std::string(shaders::combinedDeclarations) + shaders::combinedMain,
+        keladjust::combinedDeclarations() + keladjust::combinedMain(),
         picture + size + adjustment + ranges() + vignette + floats({"vignette_exposure"}));
 }
 
 TEST(ProgramTexts, CombinedIsCutBeforeItsMain) {
-    EXPECT_EQ(std::string(shaders::combinedDeclarations).find("main"), std::string::npos);
-    EXPECT_EQ(std::string(shaders::combinedMain).rfind("void main()", 0), 0u);
+    EXPECT_EQ(keladjust::combinedDeclarations().find("main"), std::string::npos);
+    EXPECT_EQ(keladjust::combinedMain().rfind("void main()", 0), 0u);
 }
 
 // Programs are known by these texts outside this library, blank for blank.

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/StagePrograms.h"
 #include "models/gpu/Adjustment.h"
 #include "models/gpu/Lens.h"
 #include "models/gpu/RangeVignette.h"
@@ -34,7 +35,7 @@ namespace shaders = keladjust::shaders;
 constexpr double requiredShare = 0.995;
 
 std::string combinedProgram() {
-    return std::string(shaders::combinedDeclarations) + shaders::combinedMain;
+    return keladjust::combinedDeclarations() + keladjust::combinedMain();
 }
 
 ProgramSettings pictureSettings(const Texture& picture) {
@@ -138,7 +139,7 @@ TEST_F(Programs, AdjustmentFollowsItsModel) {
     cases.push_back(everyGpuStage());
     for (const auto& [name, p] : cases) {
         expectModel(
-            name, shaders::adjustProgram, [&](const Texture&) { return adjustmentSettings(p); },
+            name, keladjust::adjustProgram(), [&](const Texture&) { return adjustmentSettings(p); },
             [&](const Texture& picture, int x, int y) {
                 return gpu::adjustment(p, picture.at(x, y));
             });
@@ -152,7 +153,7 @@ TEST_F(Programs, ContrastOf255TakesTheWindowOfItsNeighbours) {
     const std::vector<std::uint8_t> expected{0, 0, 0, 9, 17, 68, 102, 9, 255, 255, 255, 9};
     for (const float contrast : {200.0f, 255.0f}) {
         const _AdjustParam p = only("contrast", &_AdjustParam::contrast, contrast).settings;
-        EXPECT_EQ(runner_.render(shaders::adjustProgram, adjustmentSettings(p), levels).bytes(),
+        EXPECT_EQ(runner_.render(keladjust::adjustProgram(), adjustmentSettings(p), levels).bytes(),
                   expected)
             << contrast;
         ProgramSettings settings = adjustmentSettings(p);
@@ -163,7 +164,7 @@ TEST_F(Programs, ContrastOf255TakesTheWindowOfItsNeighbours) {
     }
     const _AdjustParam p = only("contrast", &_AdjustParam::contrast, 255.0f).settings;
     expectModel(
-        "contrast 255", shaders::adjustProgram,
+        "contrast 255", keladjust::adjustProgram(),
         [&](const Texture&) { return adjustmentSettings(p); },
         [&](const Texture& picture, int x, int y) { return gpu::adjustment(p, picture.at(x, y)); });
 }
@@ -175,7 +176,7 @@ TEST_F(Programs, RangeFollowsItsModel) {
     cases.push_back(everyGpuStage());
     for (const auto& [name, p] : cases) {
         expectModel(
-            name, shaders::rangeProgram,
+            name, keladjust::rangeProgram(),
             [&](const Texture& picture) {
                 ProgramSettings settings = rangeSettings(p, picture);
                 settings["sharpeness"] = p.sharpen;
@@ -213,7 +214,7 @@ TEST_F(Programs, LensFollowsItsModel) {
         p.fringing = static_cast<float>(fringing);
         expectModel(
             "distortion " + std::to_string(distortion) + ", fringing " + std::to_string(fringing),
-            shaders::lensProgram,
+            keladjust::lensProgram(),
             [&](const Texture& picture) {
                 ProgramSettings settings = pictureSettings(picture);
                 settings["distortion"] = p.distortion;
@@ -242,7 +243,7 @@ protected:
     Pixel adjusted(Pixel pixel, const ProgramSettings& settings) {
         ProgramSettings all = adjustmentSettings(only("identity", [](_AdjustParam&) {}).settings);
         for (const auto& [name, value] : settings) all[name] = value;
-        return pixelOf(runner_.render(shaders::adjustProgram, all, plane(pixel)), 0, 0);
+        return pixelOf(runner_.render(keladjust::adjustProgram(), all, plane(pixel)), 0, 0);
     }
 
     Texture ranged(const Texture& picture, const ProgramSettings& settings) {
@@ -250,14 +251,14 @@ protected:
         all["sharpeness"] = 0.0f;
         all["exposure"] = 0.0f;
         for (const auto& [name, value] : settings) all[name] = value;
-        return runner_.render(shaders::rangeProgram, all, picture);
+        return runner_.render(keladjust::rangeProgram(), all, picture);
     }
 
     Texture lensed(const Texture& picture, float distortion, float fringing) {
         ProgramSettings settings = pictureSettings(picture);
         settings["distortion"] = distortion;
         settings["fringing"] = fringing;
-        return runner_.render(shaders::lensProgram, settings, picture);
+        return runner_.render(keladjust::lensProgram(), settings, picture);
     }
 };
 
@@ -265,7 +266,8 @@ TEST_F(ProgramEdges, IdentityKeepsEveryByte) {
     const _AdjustParam p = only("identity", [](_AdjustParam&) {}).settings;
     for (const Texture& picture : pictures()) {
         ProgramSettings adjust = adjustmentSettings(p);
-        EXPECT_EQ(runner_.render(shaders::adjustProgram, adjust, picture).bytes(), picture.bytes());
+        EXPECT_EQ(runner_.render(keladjust::adjustProgram(), adjust, picture).bytes(),
+                  picture.bytes());
         EXPECT_EQ(ranged(picture, {{"Red_degreeMinVal", 330.0f}, {"size", 50.0f}}).bytes(),
                   picture.bytes());
         EXPECT_EQ(lensed(picture, 0, 0).bytes(), picture.bytes());

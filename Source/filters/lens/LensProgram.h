@@ -1,3 +1,15 @@
+#ifndef KELADJUST_FILTERS_LENS_LENSPROGRAM_H
+#define KELADJUST_FILTERS_LENS_LENSPROGRAM_H
+
+namespace keladjust {
+
+/// Distortion and fringing in a program of their own: its uniforms, then its functions.
+inline constexpr char lensUniforms[] = R"glsl(
+// Percent; 0 is none.
+uniform float distortion;
+uniform float fringing;
+)glsl";
+inline constexpr char lensFunctions[] = R"glsl(
 // From the middle of the picture, where there is none.
 vec2 directionOf(vec2 offset, float len) {
     return len == 0.0 ? vec2(0.0) : offset / len;
@@ -41,3 +53,8 @@ void main() {
     }
     gl_FragColor = result;
 }
+)glsl";
+
+}  // namespace keladjust
+
+#endif

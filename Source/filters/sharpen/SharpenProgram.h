@@ -1,3 +1,10 @@
+#ifndef KELADJUST_FILTERS_SHARPEN_SHARPENPROGRAM_H
+#define KELADJUST_FILTERS_SHARPEN_SHARPENPROGRAM_H
+
+namespace keladjust {
+
+/// Sharpening in the engine's program: its uniform, the slider value, and its function.
+inline constexpr char sharpenProgram[] = R"glsl(
 // Strength on a scale of 0..255.
 uniform float sharpeness;
 
@@ -14,4 +21,8 @@ vec3 sharpened(vec3 centre) {
                   texelAt(textureCoord + down) - texelAt(textureCoord - down);
     return clampUnit(centre + detail * (sharpeness / 255.0));
 }
+)glsl";
 
+}  // namespace keladjust
+
+#endif

@@ -1,4 +1,0 @@
-// Percent; 0 is none.
-uniform float distortion;
-uniform float fringing;
-
