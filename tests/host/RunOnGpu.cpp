@@ -1,0 +1,197 @@
+// What an adjustment does with an engine that renders, and with one that refuses to. The effects
+// here render nothing, so no display is needed.
+
+#include <keladjust/keladjust.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+#include "engine/EffectFactory.h"
+#include "engine/KelOgreEffectBase.h"
+#include "engine/KelOgreRenderThread.h"
+#include "engine/LogCapture.h"
+#include "engine/StubEngine.h"
+#include "host/LibraryState.h"
+#include "support/HostPicture.h"
+#include "support/StageSettings.h"
+
+namespace {
+
+using keladjust::libraryState;
+using keladjust::test::everyStage;
+using keladjust::test::HostPicture;
+using keladjust::test::identity;
+using keladjust::test::StubEngine;
+
+/// Adds one to every byte of the picture, or refuses to.
+class AddingEffect : public KelOgreEffectBase {
+public:
+    static constexpr const char* typeName = "class AddingEffect";
+
+    using KelOgreEffectBase::setParameter;
+    void setParameter(std::int32_t, const char*, float) override {}
+    void setParameter(std::int32_t, const char*, std::int32_t) override {}
+    void process(unsigned char*, unsigned char* pixels, std::uint32_t) override {
+        if (refuses) throw std::runtime_error("refused");
+        ++renders;
+        for (std::size_t i = 0; i < input(0)->byteSize; ++i) ++pixels[i];
+    }
+
+    int renders = 0;
+    bool refuses = false;
+};
+
+class RunOnGpu : public testing::Test {
+protected:
+    RunOnGpu() {
+        releaseOgre();
+        StubEngine::nextStart = StubEngine::Start::succeeds;
+        thread =
+            std::make_unique<KelOgreRenderThread>(nullptr, nullptr, nullptr, 0u, StubEngine::make);
+        auto busy = std::make_shared<keladjust::platform::Event>();
+        busy->signal();
+        libraryState().cpuOnly = false;
+        libraryState().gpu.thread = thread.get();
+        libraryState().gpu.basicAdjust = tones = create();
+        libraryState().gpu.range = ranges = create();
+        libraryState().gpu.lens = create();
+        libraryState().setBusyEvent(std::move(busy));
+    }
+    ~RunOnGpu() override {
+        libraryState().setBusyEvent(nullptr);
+        libraryState().gpu = {};
+    }
+    AddingEffect* create() {
+        return static_cast<AddingEffect*>(thread->createEffect("AddingEffect"));
+    }
+    KeladjustResult run(HostPicture& picture, const _AdjustParam& record, int path) {
+        wishes = {};
+        wishes.size = sizeof wishes;
+        wishes.path = path;
+        return keladjustRun(picture.image(), &record, sizeof record, &wishes);
+    }
+    static HostPicture randomPicture() {
+        HostPicture picture(40, 30, 32, IMAGE_FORMAT_BGRA);
+        picture.fillRandom(3);
+        return picture;
+    }
+    static std::vector<std::uint8_t> onCpu(const HostPicture& picture, const _AdjustParam& record) {
+        HostPicture copy(picture);
+        EXPECT_EQ(keladjustRun(copy.image(), &record, sizeof record, nullptr), KELADJUST_DONE);
+        return copy.bytes();
+    }
+
+    keladjust::test::LogCapture log;
+    DYN_CLASS::CFactory<AddingEffect> factory;
+    DYN_CLASS::CFactoryManager place{&factory};
+    std::unique_ptr<KelOgreRenderThread> thread;
+    AddingEffect* tones = nullptr;
+    AddingEffect* ranges = nullptr;
+    KeladjustRun wishes{};
+};
+
+TEST_F(RunOnGpu, DoesWhatDoAdjustDoes) {
+    const _AdjustParam record = everyStage().settings;
+    HostPicture expected = randomPicture();
+    doAdjust(expected.image(), record);
+    for (const int path : {KELADJUST_AUTO, KELADJUST_GPU}) {
+        tones->renders = ranges->renders = 0;
+        HostPicture picture = randomPicture();
+        EXPECT_EQ(run(picture, record, path), KELADJUST_DONE);
+        EXPECT_EQ(tones->renders + ranges->renders, 2);
+        EXPECT_EQ(wishes.pathTaken, KELADJUST_GPU);
+        EXPECT_STREQ(wishes.reason, "");
+        EXPECT_TRUE(picture.bytes() == expected.bytes());
+    }
+}
+
+TEST_F(RunOnGpu, LeavesTheEngineAloneOnTheCpu) {
+    HostPicture picture = randomPicture();
+    EXPECT_EQ(run(picture, everyStage().settings, KELADJUST_CPU), KELADJUST_DONE);
+    EXPECT_EQ(tones->renders + ranges->renders, 0);
+    EXPECT_EQ(wishes.pathTaken, KELADJUST_CPU);
+}
+
+// On the CPU while an adjustment on the GPU holds the engine: nothing waits.
+TEST_F(RunOnGpu, OnTheCpuWaitsForNobody) {
+    libraryState().busyEvent()->wait();
+    HostPicture picture = randomPicture();
+    EXPECT_EQ(run(picture, everyStage().settings, KELADJUST_CPU), KELADJUST_DONE);
+    libraryState().busyEvent()->signal();
+}
+
+// Whichever render is refused, no stage has worked on the picture twice.
+TEST_F(RunOnGpu, AdjustsOnTheCpuWhatTheEngineRefuses) {
+    const _AdjustParam record = everyStage().settings;
+    HostPicture picture = randomPicture();
+    libraryState().cpuOnly = true;
+    const auto expected = onCpu(picture, record);
+    libraryState().cpuOnly = false;
+    for (AddingEffect* const refusing : {tones, ranges}) {
+        refusing->refuses = true;
+        HostPicture copy(picture);
+        EXPECT_EQ(run(copy, record, KELADJUST_AUTO), KELADJUST_DONE);
+        EXPECT_EQ(wishes.pathTaken, KELADJUST_CPU);
+        EXPECT_STRNE(wishes.reason, "");
+        EXPECT_TRUE(copy.bytes() == expected);
+        refusing->refuses = false;
+    }
+}
+
+TEST_F(RunOnGpu, LeavesThePictureAloneThatTheEngineRefuses) {
+    const _AdjustParam record = everyStage().settings;
+    HostPicture picture = randomPicture();
+    const auto before = picture.bytes();
+    for (AddingEffect* const refusing : {tones, ranges}) {
+        refusing->refuses = true;
+        EXPECT_EQ(run(picture, record, KELADJUST_GPU), KELADJUST_REFUSED);
+        EXPECT_STRNE(wishes.reason, "");
+        EXPECT_TRUE(picture.bytes() == before);
+        refusing->refuses = false;
+    }
+    _AdjustParam clarityAndRange = identity;
+    clarityAndRange.clarity = 40;
+    clarityAndRange.range[KELADJUST_RANGE_BLUE].hue = 10;
+    ranges->refuses = true;
+    EXPECT_EQ(run(picture, clarityAndRange, KELADJUST_GPU), KELADJUST_REFUSED);
+    EXPECT_TRUE(picture.bytes() == before);
+}
+
+TEST_F(RunOnGpu, RendersNothingForADriverThatIsTooOld) {
+    libraryState().cpuOnly = true;
+    HostPicture picture = randomPicture();
+    const auto before = picture.bytes();
+    EXPECT_EQ(run(picture, everyStage().settings, KELADJUST_GPU), KELADJUST_REFUSED);
+    EXPECT_STRNE(wishes.reason, "");
+    EXPECT_EQ(picture.bytes(), before);
+    EXPECT_EQ(tones->renders + ranges->renders, 0);
+}
+
+std::int32_t note(void* user, float share) {
+    static_cast<std::vector<float>*>(user)->push_back(share);
+    return 0;
+}
+
+TEST_F(RunOnGpu, TellsAShareThatGrowsFromNothingToAll) {
+    const _AdjustParam record = everyStage().settings;
+    HostPicture picture(701, 503, 32, IMAGE_FORMAT_BGRA);
+    std::vector<float> shares;
+    wishes = {};
+    wishes.size = sizeof wishes;
+    wishes.progress = note;
+    wishes.user = &shares;
+    EXPECT_EQ(keladjustRun(picture.image(), &record, sizeof record, &wishes), KELADJUST_DONE);
+    ASSERT_GE(shares.size(), 2u);
+    EXPECT_EQ(shares.front(), 0.0f);
+    EXPECT_EQ(shares.back(), 1.0f);
+    EXPECT_TRUE(std::is_sorted(shares.begin(), shares.end()));
+}
+
+}  // namespace
