@@ -1,15 +1,12 @@
 // What the stages that see the whole picture share: every format and size against the plain models,
-// depths without a meaning, absurd settings, threads, the caller's floating-point mode, bad
-// pictures.
+// depths without a meaning, absurd settings, bad pictures.
 
 #include <gtest/gtest.h>
 
-#include <cfenv>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
-
-#include <xmmintrin.h>
 
 #include "models/SpatialStages.h"
 #include "support/HostPicture.h"
@@ -149,53 +146,6 @@ TEST(SpatialStages, ReturnPicturesWithoutPixels) {
             }
             EXPECT_EQ(byte, 7) << stage.name;
         }
-    }
-}
-
-TEST(SpatialStages, DoNotDependOnTheNumberOfThreads) {
-    for (const PixelFormat format :
-         {PixelFormat{32, IMAGE_FORMAT_BGRA}, PixelFormat{24, IMAGE_FORMAT_RGB}}) {
-        for (const auto& [width, height] : {std::pair{1001u, 517u}, {3u, 200000u}}) {
-            HostPicture picture(width, height, format.bpp, format.format);
-            picture.fillRandom(23);
-            for (const Stage& stage : stages()) {
-                setMaxThreads(1);
-                HostPicture alone(picture);
-                stage.run(alone.image(), 70.0f);
-                for (const int threads : {2, 3, 16}) {
-                    setMaxThreads(threads);
-                    HostPicture shared(picture);
-                    stage.run(shared.image(), 70.0f);
-                    EXPECT_TRUE(shared.bytes() == alone.bytes()) << stage.name << ", " << threads;
-                }
-            }
-        }
-    }
-    setMaxThreads(0);
-}
-
-TEST(SpatialStages, ComputeInTheDefaultEnvironmentAndRestoreTheCallers) {
-    HostPicture picture(300, 200, 32, IMAGE_FORMAT_BGRA);
-    picture.fillRandom(29);
-    for (const Stage& stage : stages()) {
-        releaseOgre();  // maps made in one mode must not serve the other
-        HostPicture usual(picture);
-        stage.run(usual.image(), 35.0f);
-        releaseOgre();
-
-        std::fesetround(FE_UPWARD);
-        _mm_setcsr(_mm_getcsr() | 0x8040u);          // flush to zero, denormals are zero
-        const unsigned odd = _mm_getcsr() & ~0x3Fu;  // without the exception flags
-        HostPicture underOddMode(picture);
-        stage.run(underOddMode.image(), 35.0f);
-        const unsigned after = _mm_getcsr() & ~0x3Fu;
-        const int rounding = std::fegetround();
-        std::fesetenv(FE_DFL_ENV);
-        _mm_setcsr(0x1F80u);
-
-        EXPECT_EQ(underOddMode.bytes(), usual.bytes()) << stage.name;
-        EXPECT_EQ(after, odd) << stage.name;
-        EXPECT_EQ(rounding, FE_UPWARD) << stage.name;
     }
 }
 

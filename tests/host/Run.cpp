@@ -208,7 +208,7 @@ TEST(Run, ReadsAndWritesNoMoreOfTheHostsStructureThanItSays) {
 
 TEST(Run, TellsAShareThatGrowsFromNothingToAll) {
     const _AdjustParam record = everyStage().settings;
-    HostPicture picture = randomPicture(701, 503);
+    HostPicture picture = randomPicture(301, 203);
     Notes notes;
     KeladjustRun wishes = notes.run();
     EXPECT_EQ(keladjustRun(picture.image(), &record, sizeof record, &wishes), KELADJUST_DONE);
@@ -233,7 +233,7 @@ TEST(Run, AsTheFirstQuestionIsAnsweredLeavesThePictureAlone) {
 
 // At whatever question it is cancelled, it asks no more, and the next call knows nothing of it.
 TEST(Run, CancelledAnywhereLeavesTheNextCallRight) {
-    HostPicture original = randomPicture(701, 503);
+    HostPicture original = randomPicture(301, 203);
     for (const keladjust::Stage& stage : keladjust::stages) {
         const _AdjustParam record = stageAlone(stage);
         HostPicture expected(original);

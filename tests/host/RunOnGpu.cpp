@@ -181,7 +181,7 @@ std::int32_t note(void* user, float share) {
 
 TEST_F(RunOnGpu, TellsAShareThatGrowsFromNothingToAll) {
     const _AdjustParam record = everyStage().settings;
-    HostPicture picture(701, 503, 32, IMAGE_FORMAT_BGRA);
+    HostPicture picture(151, 103, 32, IMAGE_FORMAT_BGRA);
     std::vector<float> shares;
     wishes = {};
     wishes.size = sizeof wishes;

@@ -4,26 +4,12 @@
 #include <keladjust/keladjust.h>
 
 #include <cstddef>
-#include <cstdint>
-#include <cstring>
 
 #include "filters/Stages.h"
 #include "support/StageSettings.h"
 
 /// Records made from the catalogue of stages.
 namespace keladjust::test {
-
-/// Sets the slot of one of a stage's settings.
-inline void setSlot(_AdjustParam& record, const Stage& stage, std::size_t place, float value) {
-    char* const slot =
-        reinterpret_cast<char*>(&record) + 4 * (static_cast<std::size_t>(stage.firstSlot) + place);
-    if (stage.settings()[place].isInteger) {
-        const auto whole = static_cast<std::int32_t>(value);
-        std::memcpy(slot, &whole, sizeof whole);
-    } else {
-        std::memcpy(slot, &value, sizeof value);
-    }
-}
 
 /// A stage alone, each of its settings so far up or down its range; what only shapes is at its
 /// usual value.
