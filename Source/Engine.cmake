@@ -51,7 +51,7 @@ set_target_properties(keladjust_engine_objects PROPERTIES UNITY_BUILD_BATCH_SIZE
 add_library(keladjust-engine SHARED)
 target_link_libraries(keladjust-engine PRIVATE keladjust_engine_objects keladjust_options)
 set(description "${PROJECT_DESCRIPTION}: rendering engine")
-keladjust_shared(keladjust-engine engine/exports.txt)
+keladjust_shared(keladjust-engine ${CMAKE_CURRENT_SOURCE_DIR}/engine/exports.txt)
 # Whoever builds the library has beside it what it loads.
 add_dependencies(keladjust keladjust-engine)
 

@@ -1,3 +1,20 @@
+# keladjust_write_export_list(<list> <header> <names>): the names that the shared library exports, one a
+# line: the functions that the C header declares with KELADJUST_API and the names in the file, in which
+# lines that start with # are comments.
+function(keladjust_write_export_list list header names)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${header} ${names})
+    file(READ ${header} text)
+    string(REGEX REPLACE "\n#[^\n]*" "" text "${text}")
+    string(REPLACE ";" " ; " text "${text}")  # lists leave out what is empty
+    string(REGEX MATCHALL "KELADJUST_API[^()]*[(]" functions "${text}")
+    list(TRANSFORM functions REPLACE "^.*[ *]([A-Za-z0-9_]+)[(]$" "\\1")
+    list(SORT functions)
+    file(STRINGS ${names} others REGEX "^[^#]")
+    list(JOIN functions "\n" functions)
+    list(JOIN others "\n" others)
+    file(CONFIGURE OUTPUT ${list} CONTENT "${functions}\n${others}\n")
+endfunction()
+
 # keladjust_export_only(<target> <list>): the shared library exports the names in the file and no
 # others. Lines that start with # are comments.
 #

@@ -16,6 +16,8 @@ struct Place {
 thread_local constinit Place here;
 
 constexpr std::chrono::milliseconds betweenQuestions{4};
+// All is done once the call says so itself.
+constexpr float mostBeforeTheEnd = 0.999f;
 
 }  // namespace
 
@@ -49,7 +51,7 @@ bool CallScope::report(std::size_t done, std::size_t total) noexcept {
     if (std::chrono::steady_clock::now() - asked_ < betweenQuestions) return false;
     const float share =
         static_cast<float>(done) / static_cast<float>(std::max<std::size_t>(total, 1));
-    return tell(begin_ + (end_ - begin_) * share);
+    return tell(std::min(begin_ + (end_ - begin_) * share, mostBeforeTheEnd));
 }
 
 CallScope* currentCall() noexcept {

@@ -28,7 +28,7 @@ public:
     bool hasProgress() const { return progress_ != nullptr; }
     bool isCancelled() const { return cancelled_.load(std::memory_order_relaxed); }
 
-    /// Asks the host at once, with a share that is not below the last one.
+    /// Asks the host at once, with a share that is not below the last one; 1 says that all is done.
     /// @return true if the call is cancelled
     bool tell(float share) noexcept;
 

@@ -3,8 +3,12 @@
 
 #include <keladjust/keladjust.h>
 
+#include <algorithm>
+#include <functional>
+#include <string_view>
 #include <vector>
 
+#include "filters/Stages.h"
 #include "models/BrightnessContrast.h"
 #include "models/ColourRanges.h"
 #include "models/ExposureTonalRanges.h"
@@ -12,6 +16,7 @@
 #include "models/TemperatureTint.h"
 #include "models/VibranceHue.h"
 #include "support/Rows.h"
+#include "support/StageSettings.h"
 
 namespace {
 
@@ -21,7 +26,7 @@ using keladjust::bench::plainly;
 
 struct Stage {
     const char* name;
-    CxImage* (*library)(CxImage*);
+    std::function<CxImage*(CxImage*)> library;
     Bytes (*formula)(Bytes);
     bool onPhotographToo = false;
 };
@@ -49,35 +54,37 @@ Bytes changeEightBandsModel(Bytes c) {
     return c;
 }
 
+/// A stage of the catalogue at a setting that a user might choose.
+Stage catalogued(const char* name, float value, Bytes (*formula)(Bytes)) {
+    const auto stage = std::find_if(
+        keladjust::stages.begin(), keladjust::stages.end(),
+        [&](const keladjust::Stage& each) { return std::string_view(each.name.c_str()) == name; });
+    _AdjustParam record = identity;
+    setSlot(record, *stage, 0, value);
+    return {name, [stage, record](CxImage* i) { return stage->run(i, record); }, formula};
+}
+
 // The formulas compute their constants anew for every pixel, as the plainest host code would.
 const Stage stages[] = {
-    {"temperature", [](CxImage* i) { return temperatureAdjustment(i, 9000); },
-     [](Bytes c) { return temperatureModel(9000, c); }},
-    {"tint", [](CxImage* i) { return tintAdjustment(i, 40); },
-     [](Bytes c) { return tintModel(40, c); }},
-    {"exposure", [](CxImage* i) { return exposureAdjustment(i, 10); },
-     [](Bytes c) { return exposureModel(10, c); }},
-    {"brightness", [](CxImage* i) { return brightnessAdjustment(i, 10); },
-     [](Bytes c) {
-         return Bytes{brightnessModel(10, c[0]), brightnessModel(10, c[1]),
-                      brightnessModel(10, c[2])};
-     }},
-    {"contrast", [](CxImage* i) { return contrastAdjustment(i, 20); },
-     [](Bytes c) {
-         return Bytes{contrastModel(20, c[0]), contrastModel(20, c[1]), contrastModel(20, c[2])};
-     }},
-    {"vibrance", [](CxImage* i) { return vibranceAdjustment(i, 50); },
-     [](Bytes c) { return vibranceModel(50, c); }},
-    {"saturation", [](CxImage* i) { return saturationAdjustment(i, 30); },
-     [](Bytes c) { return saturationModel(30, c); }},
-    {"highlights", [](CxImage* i) { return hdrHighlight(i, -40); },
-     [](Bytes c) { return tonalModel(highlights, -40, c); }},
-    {"shadows", [](CxImage* i) { return hdrShadow(i, 40); },
-     [](Bytes c) { return tonalModel(shadows, 40, c); }},
-    {"whites", [](CxImage* i) { return hdrWhiteLevel(i, 20); },
-     [](Bytes c) { return tonalModel(whites, 20, c); }},
-    {"blacks", [](CxImage* i) { return hdrBlackLevel(i, -20); },
-     [](Bytes c) { return tonalModel(blacks, -20, c); }},
+    catalogued("temperature", 9000, [](Bytes c) { return temperatureModel(9000, c); }),
+    catalogued("tint", 40, [](Bytes c) { return tintModel(40, c); }),
+    catalogued("exposure", 10, [](Bytes c) { return exposureModel(10, c); }),
+    catalogued("brightness", 10,
+               [](Bytes c) {
+                   return Bytes{brightnessModel(10, c[0]), brightnessModel(10, c[1]),
+                                brightnessModel(10, c[2])};
+               }),
+    catalogued(
+        "contrast", 20,
+        [](Bytes c) {
+            return Bytes{contrastModel(20, c[0]), contrastModel(20, c[1]), contrastModel(20, c[2])};
+        }),
+    catalogued("vibrance", 50, [](Bytes c) { return vibranceModel(50, c); }),
+    catalogued("saturation", 30, [](Bytes c) { return saturationModel(30, c); }),
+    catalogued("highlights", -40, [](Bytes c) { return tonalModel(highlights, -40, c); }),
+    catalogued("shadows", 40, [](Bytes c) { return tonalModel(shadows, 40, c); }),
+    catalogued("whites", 20, [](Bytes c) { return tonalModel(whites, 20, c); }),
+    catalogued("blacks", -20, [](Bytes c) { return tonalModel(blacks, -20, c); }),
     {"hue", [](CxImage* i) { return hueAdjustment(i, 30); },
      [](Bytes c) {
          const Bytes bgr = hueModel(30, {c[2], c[1], c[0]});

@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "filters/Stages.h"
 #include "support/BenchPicture.h"
 #include "support/BenchSettings.h"
 #include "support/Rows.h"
@@ -25,17 +26,9 @@ void adjust(CxImage& image) {
 
 void elevenStageByStage(CxImage& image) {
     const _AdjustParam p = elevenSettings();
-    temperatureAdjustment(&image, p.temperature);
-    tintAdjustment(&image, p.tint);
-    exposureAdjustment(&image, p.exposure);
-    brightnessAdjustment(&image, p.brightness);
-    contrastAdjustment(&image, p.contrast);
-    vibranceAdjustment(&image, p.vibrance);
-    saturationAdjustment(&image, p.saturation);
-    hdrHighlight(&image, p.highlights);
-    hdrShadow(&image, p.shadows);
-    hdrWhiteLevel(&image, p.whites);
-    hdrBlackLevel(&image, p.blacks);
+    for (const keladjust::Stage& stage : keladjust::stages) {
+        if (stage.wing == keladjust::Wing::tone) stage.run(&image, p);
+    }
 }
 
 const bool added = addRows("library", {{"eleven settings", plainly(adjust<elevenSettings>), true},

@@ -25,6 +25,8 @@ bool loadKeladjust(KeladjustLibrary* library, const char* path) {
         find(module, "createCxImage", &library->createCxImage) &&
         find(module, "releaseCxImage", &library->releaseCxImage) &&
         find(module, "doAdjust", &library->doAdjust) &&
+        find(module, "keladjustRun", &library->keladjustRun) &&
+        find(module, "keladjustVersion", &library->keladjustVersion) &&
         find(module, "getLut3dData", &library->getLut3dData) &&
         find(module, "writeLut3DFile", &library->writeLut3DFile)) {
         return true;

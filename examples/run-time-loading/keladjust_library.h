@@ -14,6 +14,9 @@ typedef struct KeladjustLibrary {
                               unsigned int bpp, _ImagePixelFormat format);
     void (*releaseCxImage)(CxImage* image);
     CxImage* (*doAdjust)(CxImage* image, _AdjustParam parameters);
+    KeladjustResult (*keladjustRun)(CxImage* image, const _AdjustParam* record, size_t recordBytes,
+                                    KeladjustRun* run);
+    const char* (*keladjustVersion)(void);
     float* (*getLut3dData)(_AdjustParam parameters);
     bool (*writeLut3DFile)(_AdjustParam parameters, const char* path);
 } KeladjustLibrary;

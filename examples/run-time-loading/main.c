@@ -22,8 +22,18 @@ static void folderOf(const char* path, char* folder, size_t size) {
     snprintf(folder, size, "%.*s", end == NULL ? 0 : (int)(end + 1 - path), path);
 }
 
+/* A host with a window would draw a bar, and let its user cancel with another result than 0. */
+static int32_t showProgress(void* user, float share) {
+    (void)user;
+    printf("\r%3.0f %%", (double)share * 100);
+    fflush(stdout);
+    return 0;
+}
+
 static int adjust(const KeladjustLibrary* library, Picture* picture, char* files[]) {
     _AdjustParam settings = {0};
+    KeladjustRun run = {0};
+    KeladjustResult result;
     CxImage* image;
     settings.temperature = 12500;
     settings.exposure = 20;
@@ -37,8 +47,14 @@ static int adjust(const KeladjustLibrary* library, Picture* picture, char* files
     image = library->createCxImage(&picture->bits, picture->width, picture->height, 24,
                                    IMAGE_FORMAT_BGR);
     if (image == NULL) return EXIT_FAILURE;
-    library->doAdjust(image, settings);
+    run.size = sizeof run;
+    run.progress = showProgress;
+    result = library->keladjustRun(image, &settings, sizeof settings, &run);
     library->releaseCxImage(image);
+    printf(
+        "\n%s%s\n",
+        run.pathTaken == KELADJUST_GPU ? "on the graphics card" : "on the processor: ", run.reason);
+    if (result != KELADJUST_DONE) return EXIT_FAILURE;
 
     if (!writePicture(picture, files[0])) return EXIT_FAILURE;
     return library->writeLut3DFile(settings, files[1]) ? EXIT_SUCCESS : EXIT_FAILURE;
@@ -64,8 +80,8 @@ int main(int count, char* arguments[]) {
         return EXIT_FAILURE;
     }
     folderOf(arguments[1], folder, sizeof folder);
-    if (!library.initOgreRunTime(folder, folder))
-        puts("No graphics card for this: on the processor.");
+    printf("keladjust %s\n", library.keladjustVersion());
+    library.initOgreRunTime(folder, folder);
     result = adjust(&library, &picture, arguments + 3);
     library.releaseOgre();
     unloadKeladjust(&library);

@@ -11,6 +11,11 @@
  * result. A null image, or one without pixels, comes back as it is. A stage that runs short of
  * memory leaves its picture untouched. No function throws.
  *
+ * Any number of threads may call keladjustRun() on the CPU path, keladjustBake(), the stages and
+ * the building blocks at a time, each on pictures and tables of its own, while the engine runs,
+ * starts or stops. The colour table of getLut3dData() and writeLut3DFile() is one for all: these
+ * two, initOgreRunTime() and releaseOgre() are called by one thread at a time.
+ *
  * Results do not depend on the machine, the instruction set, the number of threads or the caller's
  * floating-point environment, which every call restores.
  */
@@ -86,19 +91,24 @@ enum {
  * 0 for all others. Ranges in the comments are the useful ones.
  */
 typedef struct _AdjustParam {
-    int32_t temperature; /**< 1700..16400; identity 11500, warmer above, cooler below */
-    float tint;          /**< -100..100, green to magenta */
-    float exposure;      /**< -100..100; 50 is a factor of 2^0.6 */
-    float brightness;    /**< -100..100 */
-    float contrast;      /**< -100..100 */
-    float vibrance;      /**< -100..100 */
-    float saturation;    /**< -100..100 */
-    float highlights;    /**< -100..100 */
-    float shadows;       /**< -100..100 */
-    float whites;        /**< -100..100 */
-    float blacks;        /**< -100..100 */
-    float clarity;       /**< -100..100 */
-    float sharpen;       /**< 0..255 */
+    /**
+     * 1700..16400; identity 11500, warmer above, cooler below. Warmth ends at 16400: its black body
+     * has 1700 kelvin there and is not let cool down any further. Cold has no such end, only
+     * colours that are cut off more and more.
+     */
+    int32_t temperature;
+    float tint;       /**< -100..100, green to magenta */
+    float exposure;   /**< -100..100; 50 is a factor of 2^0.6 */
+    float brightness; /**< -100..100 */
+    float contrast;   /**< -100..100 */
+    float vibrance;   /**< -100..100 */
+    float saturation; /**< -100..100 */
+    float highlights; /**< -100..100 */
+    float shadows;    /**< -100..100 */
+    float whites;     /**< -100..100 */
+    float blacks;     /**< -100..100 */
+    float clarity;    /**< -100..100 */
+    float sharpen;    /**< 0..255 */
 
     _AdjustColourRange range[KELADJUST_RANGE_COUNT];
 
@@ -143,7 +153,7 @@ typedef struct CxImage CxImage;
  */
 KELADJUST_API bool initOgreRunTime(const char* resourcePrefix, const char* pluginPrefix);
 
-/** Stops the engine and frees the colour table and every cache. Harmless at any time. */
+/** Stops the engine and frees the colour table. Harmless at any time. */
 KELADJUST_API void releaseOgre(void);
 
 /**
@@ -171,11 +181,10 @@ KELADJUST_API const char* keladjustVersion(void);
 /**
  * One slot of `_AdjustParam`, as options, sliders, properties and help show it.
  *
- * A record in which every slot has its `identity` leaves pictures alone; one that starts from
- * `usual` does so, too, and has colour ranges and vignette of a shape that makes sense as soon as
- * one of their other settings is moved. The two differ in no slot of this version. Slots that only
- * say how others act, which are the bounds of colour ranges and the shape of the vignette, leave
- * the picture alone at any value.
+ * A record with the `identity` of every slot leaves pictures alone. Slots that only say how others
+ * act, which are the bounds of the colour ranges and the shape of the vignette, do so at any value;
+ * their identity is their `usual` value, at which a slider that is moved does what its name says. A
+ * front end starts from `usual`.
  */
 typedef struct KeladjustSetting {
     const char* name;  /**< in kebab-case: "exposure", "red-hue", "vignette-amount" */
@@ -237,8 +246,9 @@ KELADJUST_API void releaseCxImage(CxImage* image);
  */
 
 /**
- * Applies every setting, in a fixed order, in place. Calls exclude one another once
- * initOgreRunTime() has run; before, the host calls from one thread at a time.
+ * Applies every setting, in a fixed order, in place. From initOgreRunTime() to releaseOgre() calls
+ * wait for one another, on whichever path; without the engine any number of threads may call it at
+ * a time, as they always may keladjustRun() on the CPU.
  *
  * @return `image`
  */
@@ -331,8 +341,12 @@ KELADJUST_API bool writeLut3DFile(_AdjustParam parameters, const char* path);
 
 /**
  * @name Stages on a picture
- * Each returns `image` at once if its setting is the identity value. Stage functions keep state
- * between calls and are called from one thread at a time.
+ * Each returns `image` at once if its setting is the identity value. None keeps anything between
+ * calls.
+ *
+ * Some work on the raw buffer: along it from its first byte, pixel by pixel, as if rows had no
+ * padding. Where they have some, it is changed like pixels, and as many pixels at the end are left
+ * as they were.
  * @{
  */
 
@@ -342,7 +356,7 @@ KELADJUST_API CxImage* temperatureAdjustment(CxImage* image, long temperature);
 KELADJUST_API CxImage* tintAdjustment(CxImage* image, float tint);
 /** Multiplies every channel by 2^(exposure / 50 * 0.6). */
 KELADJUST_API CxImage* exposureAdjustment(CxImage* image, float exposure);
-/** A gain for positive settings, an offset for negative ones. Works on the raw buffer: see docs. */
+/** A gain for positive settings, an offset for negative ones. Works on the raw buffer. */
 KELADJUST_API CxImage* brightnessAdjustment(CxImage* image, float brightness);
 /** Stretches the channels about the middle, or squeezes them towards it. */
 KELADJUST_API CxImage* contrastAdjustment(CxImage* image, float contrast);

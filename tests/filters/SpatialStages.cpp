@@ -1,15 +1,12 @@
 // What the stages that see the whole picture share: every format and size against the plain models,
-// depths without a meaning, absurd settings, threads, the caller's floating-point mode, bad
-// pictures.
+// depths without a meaning, absurd settings, bad pictures.
 
 #include <gtest/gtest.h>
 
-#include <cfenv>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
-
-#include <xmmintrin.h>
 
 #include "models/SpatialStages.h"
 #include "support/HostPicture.h"
@@ -19,7 +16,7 @@ namespace {
 
 using namespace keladjust::test;
 
-struct Stage {
+struct ModelledStage {
     std::string name;
     std::function<CxImage*(CxImage*, float)> run;
     std::function<void(CxImage&, float)> model;
@@ -27,8 +24,8 @@ struct Stage {
 };
 
 // Every kind of setting a stage treats in a way of its own.
-const std::vector<Stage>& stages() {
-    static const std::vector<Stage> all = {
+const std::vector<ModelledStage>& modelledStages() {
+    static const std::vector<ModelledStage> all = {
         {"clarity", clarity, clarityModel, {0, 1, 2, 3, 40, 100, 252, 253.9f, 254, -1, -50, -300}},
         {"sharpen",
          [](CxImage* i, float s) { return sharpen(i, s); },
@@ -57,7 +54,7 @@ const std::vector<Stage>& stages() {
     return all;
 }
 
-void expectAsModel(const Stage& stage, float setting, HostPicture& picture) {
+void expectAsModel(const ModelledStage& stage, float setting, HostPicture& picture) {
     HostPicture expected(picture);
     if (expected.image()->GetSize() > 0) stage.model(*expected.image(), setting);
     ASSERT_EQ(stage.run(picture.image(), setting), picture.image());
@@ -73,7 +70,7 @@ constexpr std::pair<unsigned, unsigned> sizes[] = {{1, 1}, {1, 9},   {9, 1},    
                                                    {7, 3}, {61, 43}, {130, 29}, {17, 300}};
 
 TEST(SpatialStages, FollowTheirFormulasInEveryFormatAndSize) {
-    for (const Stage& stage : stages()) {
+    for (const ModelledStage& stage : modelledStages()) {
         for (const PixelFormat format : everyFormat) {
             for (const auto& [width, height] : sizes) {
                 for (const float setting : stage.settings) {
@@ -88,7 +85,7 @@ TEST(SpatialStages, FollowTheirFormulasInEveryFormatAndSize) {
 
 // Random bytes have no dark neighbourhoods and no even parts; slopes do.
 TEST(SpatialStages, FollowTheirFormulasOnSmoothPictures) {
-    for (const Stage& stage : stages()) {
+    for (const ModelledStage& stage : modelledStages()) {
         for (const float setting : stage.settings) {
             HostPicture picture(150, 90, 32, IMAGE_FORMAT_BGRA);
             for (unsigned y = 0; y < 90; ++y) {
@@ -106,7 +103,7 @@ TEST(SpatialStages, FollowTheirFormulasOnSmoothPictures) {
 // A stage goes along the buffer by bytes, or through pixel access: at depths and formats without a
 // meaning the first kind changes the bytes there are, the second none, and neither any other's.
 TEST(SpatialStages, StayInsideTheBufferAtDepthsWithoutAMeaning) {
-    for (const Stage& stage : stages()) {
+    for (const ModelledStage& stage : modelledStages()) {
         for (const unsigned bpp : {1u, 4u, 7u, 12u, 15u, 40u, 48u, 64u, 96u, 300u}) {
             for (const auto& [width, height] : {std::pair{1u, 1u}, {5u, 7u}, {33u, 20u}}) {
                 for (const float setting : {60.0f, -60.0f}) {
@@ -120,7 +117,7 @@ TEST(SpatialStages, StayInsideTheBufferAtDepthsWithoutAMeaning) {
 }
 
 TEST(SpatialStages, TakeEverySetting) {
-    for (const Stage& stage : stages()) {
+    for (const ModelledStage& stage : modelledStages()) {
         for (const PixelFormat format : everyFormat) {
             for (const float setting : {quietNan, infinity, -infinity, 1e30f, -1e30f, 1e-42f}) {
                 HostPicture picture(21, 12, format.bpp, format.format);
@@ -141,7 +138,7 @@ TEST(SpatialStages, ReturnPicturesWithoutPixels) {
     CxImage wrapping(&bits, 1u << 30, 1, 32, IMAGE_FORMAT_BGRA);
     CxImage noHeight(&bits, 5, 0, 32, IMAGE_FORMAT_BGRA);
     CxImage noWidth(&bits, 0, 5, 32, IMAGE_FORMAT_BGRA);
-    for (const Stage& stage : stages()) {
+    for (const ModelledStage& stage : modelledStages()) {
         for (const float setting : {0.0f, 50.0f, -50.0f}) {
             EXPECT_EQ(stage.run(nullptr, setting), nullptr) << stage.name;
             for (CxImage* image : {&empty, &withoutBits, &wrapping, &noHeight, &noWidth}) {
@@ -149,53 +146,6 @@ TEST(SpatialStages, ReturnPicturesWithoutPixels) {
             }
             EXPECT_EQ(byte, 7) << stage.name;
         }
-    }
-}
-
-TEST(SpatialStages, DoNotDependOnTheNumberOfThreads) {
-    for (const PixelFormat format :
-         {PixelFormat{32, IMAGE_FORMAT_BGRA}, PixelFormat{24, IMAGE_FORMAT_RGB}}) {
-        for (const auto& [width, height] : {std::pair{1001u, 517u}, {3u, 200000u}}) {
-            HostPicture picture(width, height, format.bpp, format.format);
-            picture.fillRandom(23);
-            for (const Stage& stage : stages()) {
-                setMaxThreads(1);
-                HostPicture alone(picture);
-                stage.run(alone.image(), 70.0f);
-                for (const int threads : {2, 3, 16}) {
-                    setMaxThreads(threads);
-                    HostPicture shared(picture);
-                    stage.run(shared.image(), 70.0f);
-                    EXPECT_TRUE(shared.bytes() == alone.bytes()) << stage.name << ", " << threads;
-                }
-            }
-        }
-    }
-    setMaxThreads(0);
-}
-
-TEST(SpatialStages, ComputeInTheDefaultEnvironmentAndRestoreTheCallers) {
-    HostPicture picture(300, 200, 32, IMAGE_FORMAT_BGRA);
-    picture.fillRandom(29);
-    for (const Stage& stage : stages()) {
-        releaseOgre();  // maps made in one mode must not serve the other
-        HostPicture usual(picture);
-        stage.run(usual.image(), 35.0f);
-        releaseOgre();
-
-        std::fesetround(FE_UPWARD);
-        _mm_setcsr(_mm_getcsr() | 0x8040u);          // flush to zero, denormals are zero
-        const unsigned odd = _mm_getcsr() & ~0x3Fu;  // without the exception flags
-        HostPicture underOddMode(picture);
-        stage.run(underOddMode.image(), 35.0f);
-        const unsigned after = _mm_getcsr() & ~0x3Fu;
-        const int rounding = std::fegetround();
-        std::fesetenv(FE_DFL_ENV);
-        _mm_setcsr(0x1F80u);
-
-        EXPECT_EQ(underOddMode.bytes(), usual.bytes()) << stage.name;
-        EXPECT_EQ(after, odd) << stage.name;
-        EXPECT_EQ(rounding, FE_UPWARD) << stage.name;
     }
 }
 

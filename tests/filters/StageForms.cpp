@@ -1,42 +1,49 @@
-// What all per-pixel stages share: formats, depths, padding, threads, bad pictures, tables.
+// What all per-pixel stages share: formats, depths, padding, bad pictures, tables.
 
 #include <gtest/gtest.h>
 
-#include <cfenv>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include <xmmintrin.h>
-
+#include "filters/Stages.h"
+#include "support/EveryStage.h"
 #include "support/HostPicture.h"
-#include "support/InstructionSets.h"
 
 namespace {
 
 using keladjust::test::everyFormat;
 using keladjust::test::HostPicture;
 using keladjust::test::PixelFormat;
+using keladjust::test::stageAlone;
 
 struct NamedStage {
     std::string name;
     std::function<CxImage*(CxImage*)> run;
 };
 
+// Those of the catalogue with a kernel, at half of what they can do.
+std::vector<NamedStage> kernelStages() {
+    std::vector<NamedStage> all;
+    for (const keladjust::Stage& stage : keladjust::stages) {
+        if (stage.forms.pixels == nullptr) continue;
+        all.push_back({stage.name.c_str(), [&stage, record = stageAlone(stage)](CxImage* image) {
+                           return stage.run(image, record);
+                       }});
+    }
+    return all;
+}
+
+// Those of them that find pixels by row and column and treat them alike everywhere.
 const std::vector<NamedStage>& perPixelStages() {
-    static const std::vector<NamedStage> stages = {
-        {"temperature", [](CxImage* i) { return temperatureAdjustment(i, 8000); }},
-        {"tint", [](CxImage* i) { return tintAdjustment(i, 60.0f); }},
-        {"exposure", [](CxImage* i) { return exposureAdjustment(i, 20.0f); }},
-        {"contrast", [](CxImage* i) { return contrastAdjustment(i, 40.0f); }},
-        {"vibrance", [](CxImage* i) { return vibranceAdjustment(i, 70.0f); }},
-        {"saturation", [](CxImage* i) { return saturationAdjustment(i, 30.0f); }},
-        {"highlights", [](CxImage* i) { return hdrHighlight(i, -50.0f); }},
-        {"shadows", [](CxImage* i) { return hdrShadow(i, 50.0f); }},
-        {"whites", [](CxImage* i) { return hdrWhiteLevel(i, 30.0f); }},
-        {"blacks", [](CxImage* i) { return hdrBlackLevel(i, -30.0f); }},
-        {"colour range", [](CxImage* i) { return doHSLAdjustFilter(i, 0, 120, 20, 30, 40); }},
-    };
+    static const std::vector<NamedStage> stages = [] {
+        std::vector<NamedStage> all;
+        for (const NamedStage& stage : kernelStages()) {
+            if (stage.name != "vignette" && stage.name != "brightness") all.push_back(stage);
+        }
+        return all;
+    }();
     return stages;
 }
 
@@ -99,8 +106,7 @@ TEST(PerPixelStages, ReturnPicturesWithoutPixels) {
     unsigned char* bits = &byte;
     CxImage wrapping(&bits, 1u << 30, 1, 32, IMAGE_FORMAT_BGRA);
     CxImage noHeight(&bits, 5, 0, 32, IMAGE_FORMAT_BGRA);
-    std::vector<NamedStage> stages = perPixelStages();
-    stages.push_back({"brightness", [](CxImage* i) { return brightnessAdjustment(i, 10.0f); }});
+    std::vector<NamedStage> stages = kernelStages();
     stages.push_back({"hue", [](CxImage* i) { return hueAdjustment(i, 10.0f); }});
     for (const NamedStage& stage : stages) {
         EXPECT_EQ(stage.run(nullptr), nullptr) << stage.name;
@@ -108,67 +114,6 @@ TEST(PerPixelStages, ReturnPicturesWithoutPixels) {
             EXPECT_EQ(stage.run(image), image) << stage.name;
         }
         EXPECT_EQ(byte, 7) << stage.name;
-    }
-}
-
-TEST(PerPixelStages, DoNotDependOnTheNumberOfThreads) {
-    HostPicture picture(700, 300, 32, IMAGE_FORMAT_BGRA);
-    picture.fillRandom(23);
-    std::vector<NamedStage> stages = perPixelStages();
-    stages.push_back({"brightness", [](CxImage* i) { return brightnessAdjustment(i, 10.0f); }});
-    stages.push_back({"hue", [](CxImage* i) { return hueAdjustment(i, 10.0f); }});
-    for (const NamedStage& stage : stages) {
-        setMaxThreads(1);
-        HostPicture alone(picture);
-        stage.run(alone.image());
-        for (const int threads : {2, 3, 16, 0, -5}) {
-            setMaxThreads(threads);
-            HostPicture shared(picture);
-            stage.run(shared.image());
-            EXPECT_EQ(shared.bytes(), alone.bytes()) << stage.name << ", " << threads;
-        }
-    }
-    setMaxThreads(0);
-}
-
-TEST(PerPixelStages, DoNotDependOnTheInstructionSet) {
-    // Every layout: loading and storing have vectors of their own. A row is longer than a span and
-    // no multiple of any vector.
-    for (const PixelFormat format : everyFormat) {
-        HostPicture picture(2511, 9, format.bpp, format.format);
-        picture.fillRandom(31);
-        for (const NamedStage& stage : perPixelStages()) {
-            HostPicture usual(picture);
-            stage.run(usual.image());
-            keladjust::test::forEachInstructionSet([&](const std::string& name) {
-                HostPicture each(picture);
-                stage.run(each.image());
-                EXPECT_EQ(each.bytes(), usual.bytes()) << stage.name << " on " << name;
-            });
-        }
-    }
-}
-
-TEST(PerPixelStages, ComputeInTheDefaultEnvironmentAndRestoreTheCallers) {
-    HostPicture picture(300, 200, 32, IMAGE_FORMAT_BGRA);
-    picture.fillRandom(29);
-    for (const NamedStage& stage : perPixelStages()) {
-        HostPicture usual(picture);
-        stage.run(usual.image());
-
-        std::fesetround(FE_UPWARD);
-        _mm_setcsr(_mm_getcsr() | 0x8040u);          // flush to zero, denormals are zero
-        const unsigned odd = _mm_getcsr() & ~0x3Fu;  // without the exception flags
-        HostPicture underOddMode(picture);
-        stage.run(underOddMode.image());
-        const unsigned after = _mm_getcsr() & ~0x3Fu;
-        const int rounding = std::fegetround();
-        std::fesetenv(FE_DFL_ENV);
-        _mm_setcsr(0x1F80u);
-
-        EXPECT_EQ(underOddMode.bytes(), usual.bytes()) << stage.name;
-        EXPECT_EQ(after, odd) << stage.name;
-        EXPECT_EQ(rounding, FE_UPWARD) << stage.name;
     }
 }
 

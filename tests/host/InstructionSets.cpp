@@ -11,10 +11,13 @@
 #include <cstring>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <xmmintrin.h>
 
+#include "filters/Stages.h"
+#include "support/EveryStage.h"
 #include "support/HostPicture.h"
 #include "support/InstructionSets.h"
 #include "support/StageSettings.h"
@@ -55,53 +58,42 @@ void veilOfMap(const unsigned char* from, unsigned char* to, int width, int heig
     to[0] = mapMaximum(to, width, height);
 }
 
-// Stages with a branch for the sign of their setting stand there once for each.
+// Every stage of the catalogue up and down, and what it does not hold: stages that are called by
+// themselves, building blocks, settings at which a stage does something else, all at once.
 const std::vector<Work>& everyWork() {
-    static const std::vector<Work> all = {
-        {"temperature, warm", [](CxImage* i) { temperatureAdjustment(i, 14000); }},
-        {"temperature, cool", [](CxImage* i) { temperatureAdjustment(i, 8000); }},
-        {"tint", [](CxImage* i) { tintAdjustment(i, 60); }},
-        {"exposure", [](CxImage* i) { exposureAdjustment(i, 20); }},
-        {"brightness, up", [](CxImage* i) { brightnessAdjustment(i, 30); }},
-        {"brightness, down", [](CxImage* i) { brightnessAdjustment(i, -30); }},
-        {"contrast, up", [](CxImage* i) { contrastAdjustment(i, 40); }},
-        {"contrast, down", [](CxImage* i) { contrastAdjustment(i, -40); }},
-        {"vibrance, up", [](CxImage* i) { vibranceAdjustment(i, 70); }},
-        {"vibrance, down", [](CxImage* i) { vibranceAdjustment(i, -70); }},
-        {"saturation, up", [](CxImage* i) { saturationAdjustment(i, 30); }},
-        {"saturation, down", [](CxImage* i) { saturationAdjustment(i, -30); }},
-        {"highlights", [](CxImage* i) { hdrHighlight(i, -50); }},
-        {"highlights, wrapping", [](CxImage* i) { hdrHighlight(i, 450); }},
-        {"shadows", [](CxImage* i) { hdrShadow(i, 50); }},
-        {"whites", [](CxImage* i) { hdrWhiteLevel(i, 30); }},
-        {"blacks", [](CxImage* i) { hdrBlackLevel(i, -30); }},
-        {"hue", [](CxImage* i) { hueAdjustment(i, 77); }},
-        {"hue of a range", [](CxImage* i) { adjustHueFilter(i, 20, 200, 40); }},
-        {"saturation of a range", [](CxImage* i) { adjustSaturationFilter(i, 300, 60, -40); }},
-        {"lightness of a range", [](CxImage* i) { adjustBrightnessFilter(i, 100, 260, 50); }},
-        {"colour range", [](CxImage* i) { doHSLAdjustFilter(i, 300, 120, 20, 30, 40); }},
-        {"vignette, dark", [](CxImage* i) { vignetteAdjustFilter(i, -60, 50, 80, 40, 20, 15); }},
-        {"vignette, bright", [](CxImage* i) { vignetteAdjustFilter(i, 60, 80, 20, 60, 0, -15); }},
-        {"clarity", [](CxImage* i) { clarity(i, 60); }},
-        {"clarity, negative", [](CxImage* i) { clarity(i, -60); }},
-        {"sharpen", [](CxImage* i) { sharpen(i, 80); }},
-        {"distortion", [](CxImage* i) { distortFilter(i, 30); }},
-        {"fringing", [](CxImage* i) { fringingFilter(i, -30); }},
-        {"dehaze", [](CxImage* i) { dehaze(i, 60); }},
-        {"haze", [](CxImage* i) { dehaze(i, -60); }},
-        {"diffuse", [](CxImage* i) { diffuse(i, 60); }},
-        {"colour noise", [](CxImage* i) { deNoiseRGB(i, 40); }},
-        {"luminance noise", [](CxImage* i) { deNoiseLumiance(i, 40); }},
-        {"grain", [](CxImage* i) { addNoiseFilter(i, 40, 60); }},
-        {"white balance", [](CxImage* i) { whiteBalanceAdjustment(i, 60); }},
-        {"blur, radius 1", [](CxImage* i) { blurOf(i, 1); }},
-        {"blur, radius 50", [](CxImage* i) { blurOf(i, 50); }},
-        {"15 x 15 mean", asMap<meanFilter15>},
-        {"veil", asMap<veilOfMap>},
-        {"DCT thresholding", asMap<denoiseMap>},
-        {"pipeline, every stage", [](CxImage* i) { doAdjust(i, everyStage().settings); }},
-        {"pipeline, per-pixel stages", [](CxImage* i) { doAdjust(i, everyGpuStage().settings); }},
-    };
+    static const std::vector<Work> all = [] {
+        std::vector<Work> works;
+        for (const keladjust::Stage& stage : keladjust::stages) {
+            for (const float strength : {0.6f, -0.6f}) {
+                const _AdjustParam record = stageAlone(stage, strength);
+                if (!stage.isActive(record)) continue;
+                works.push_back(
+                    {std::string(stage.name.c_str()) + (strength > 0 ? ", up" : ", down"),
+                     [&stage, record](CxImage* i) { stage.run(i, record); }});
+            }
+        }
+        const std::vector<Work> others = {
+            {"highlights, wrapping", [](CxImage* i) { hdrHighlight(i, 450); }},
+            {"hue", [](CxImage* i) { hueAdjustment(i, 77); }},
+            {"hue of a range", [](CxImage* i) { adjustHueFilter(i, 20, 200, 40); }},
+            {"saturation of a range", [](CxImage* i) { adjustSaturationFilter(i, 300, 60, -40); }},
+            {"lightness of a range", [](CxImage* i) { adjustBrightnessFilter(i, 100, 260, 50); }},
+            {"vignette, round",
+             [](CxImage* i) { vignetteAdjustFilter(i, -60, 50, 80, 40, 20, 15); }},
+            {"grain", [](CxImage* i) { addNoiseFilter(i, 40, 60); }},
+            {"white balance", [](CxImage* i) { whiteBalanceAdjustment(i, 60); }},
+            {"blur, radius 1", [](CxImage* i) { blurOf(i, 1); }},
+            {"blur, radius 50", [](CxImage* i) { blurOf(i, 50); }},
+            {"15 x 15 mean", asMap<meanFilter15>},
+            {"veil", asMap<veilOfMap>},
+            {"DCT thresholding", asMap<denoiseMap>},
+            {"pipeline, every stage", [](CxImage* i) { doAdjust(i, everyStage().settings); }},
+            {"pipeline, per-pixel stages",
+             [](CxImage* i) { doAdjust(i, everyGpuStage().settings); }},
+        };
+        works.insert(works.end(), others.begin(), others.end());
+        return works;
+    }();
     return all;
 }
 
@@ -125,6 +117,9 @@ public:
         constexpr unsigned usual = 0x1F80u;
         _mm_setcsr(usual);
     }
+    /// What the thread has of it, without the flags of exceptions.
+    static unsigned control() { return _mm_getcsr() & ~0x3Fu; }
+
     OddFloatingPoint(const OddFloatingPoint&) = delete;
     OddFloatingPoint& operator=(const OddFloatingPoint&) = delete;
 };
@@ -147,9 +142,9 @@ TEST(InstructionSets, AllThatTheProcessorHasAreForced) {
 }
 
 TEST(InstructionSets, DoNotShowInAnyFormat) {
-    // Rows are longer than the widest vector and no multiple of any.
+    // Rows are longer than what is taken at a time, and no multiple of any vector.
     for (const PixelFormat format : everyFormat) {
-        HostPicture picture(261, 37, format.bpp, format.format);
+        HostPicture picture(2111, 17, format.bpp, format.format);
         picture.fillRandom(31);
         for (const Work& work : everyWork()) {
             const Bytes usual = resultOf(work, picture);
@@ -202,8 +197,11 @@ TEST(InstructionSets, DoNotShowInOddFloatingPointModes) {
         forEachInstructionSet([&](const std::string& name) {
             for (const int rounding : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
                 const OddFloatingPoint mode(rounding);
-                EXPECT_TRUE(resultOf(work, picture) == usual)
-                    << work.name << " on " << name << ", rounding mode " << rounding;
+                const unsigned before = OddFloatingPoint::control();
+                const bool same = resultOf(work, picture) == usual;
+                EXPECT_EQ(OddFloatingPoint::control(), before) << work.name;
+                EXPECT_EQ(std::fegetround(), rounding) << work.name;
+                EXPECT_TRUE(same) << work.name << " on " << name << ", rounding mode " << rounding;
             }
         });
     }
@@ -228,6 +226,23 @@ TEST(InstructionSets, DoNotShowInTheColourTable) {
                 << name << ", rounding mode " << rounding;
         }
     });
+}
+
+// With the processor's best instructions, and pictures of few columns as well.
+TEST(Threads, DoNotShow) {
+    for (const auto& [width, height] : {std::pair{1001u, 517u}, {3u, 100000u}}) {
+        HostPicture picture(width, height, 32, IMAGE_FORMAT_BGRA);
+        picture.fillRandom(23);
+        for (const Work& work : everyWork()) {
+            setMaxThreads(1);
+            const Bytes alone = resultOf(work, picture);
+            for (const int threads : {2, 16, 0, -5}) {
+                setMaxThreads(threads);
+                EXPECT_TRUE(resultOf(work, picture) == alone) << work.name << ", " << threads;
+            }
+        }
+    }
+    setMaxThreads(0);
 }
 
 }  // namespace

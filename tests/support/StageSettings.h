@@ -3,9 +3,15 @@
 
 #include <keladjust/keladjust.h>
 
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <map>
 #include <ostream>
 #include <string>
 #include <vector>
+
+#include "filters/Stages.h"
 
 namespace keladjust::test {
 
@@ -38,6 +44,18 @@ inline NamedSettings only(std::string name, float _AdjustParam::*setting, float 
     return only(std::move(name), [&](_AdjustParam& p) { p.*setting = value; });
 }
 
+/// Sets the slot of one of a stage's settings.
+inline void setSlot(_AdjustParam& record, const Stage& stage, std::size_t place, float value) {
+    char* const slot =
+        reinterpret_cast<char*>(&record) + 4 * (static_cast<std::size_t>(stage.firstSlot) + place);
+    if (stage.settings()[place].isInteger) {
+        const auto whole = static_cast<std::int32_t>(value);
+        std::memcpy(slot, &whole, sizeof whole);
+    } else {
+        std::memcpy(slot, &value, sizeof value);
+    }
+}
+
 /// The bounds that photo editors give the eight ranges.
 inline void setRangeBounds(_AdjustParam& p) {
     constexpr float bounds[KELADJUST_RANGE_COUNT][2] = {
@@ -50,50 +68,39 @@ inline void setRangeBounds(_AdjustParam& p) {
 
 /// Each stage of the adjustment program alone, in both directions.
 inline std::vector<NamedSettings> adjustmentStages() {
-    using P = _AdjustParam;
-    const auto temperature = [](int value) {
-        return only("temperature " + std::to_string(value),
-                    [value](P& p) { p.temperature = value; });
+    // Where other values than usual show more: ends, and either side of where a formula bends.
+    static const std::map<std::string, std::vector<int>> tellingValues = {
+        {"temperature", {2000, 9000, 11600, 14000, 20000}},
+        {"tint", {100, -60}},
+        {"exposure", {100, -70}},
+        {"brightness", {60, -60}},
+        {"vibrance", {100, -100}},
+        {"saturation", {60, -60}},
     };
-    return {
-        temperature(2000),
-        temperature(9000),
-        temperature(11600),
-        temperature(14000),
-        temperature(20000),
-        only("tint 100", &P::tint, 100),
-        only("tint -60", &P::tint, -60),
-        only("exposure 100", &P::exposure, 100),
-        only("exposure -70", &P::exposure, -70),
-        only("brightness 60", &P::brightness, 60),
-        only("brightness -60", &P::brightness, -60),
-        only("contrast 80", &P::contrast, 80),
-        only("contrast -80", &P::contrast, -80),
-        only("vibrance 100", &P::vibrance, 100),
-        only("vibrance -100", &P::vibrance, -100),
-        only("saturation 60", &P::saturation, 60),
-        only("saturation -60", &P::saturation, -60),
-        only("highlights 80", &P::highlights, 80),
-        only("highlights -80", &P::highlights, -80),
-        only("shadows 80", &P::shadows, 80),
-        only("shadows -80", &P::shadows, -80),
-        only("whites 80", &P::whites, 80),
-        only("whites -80", &P::whites, -80),
-        only("blacks 80", &P::blacks, 80),
-        only("blacks -80", &P::blacks, -80),
-    };
+    std::vector<NamedSettings> all;
+    for (const Stage& stage : stages) {
+        if (stage.program != Program::tone) continue;
+        const auto telling = tellingValues.find(stage.name.c_str());
+        const std::vector<int> values =
+            telling != tellingValues.end() ? telling->second : std::vector<int>{80, -80};
+        for (const int value : values) {
+            all.push_back(
+                only(std::string(stage.name.c_str()) + " " + std::to_string(value),
+                     [&](_AdjustParam& p) { setSlot(p, stage, 0, static_cast<float>(value)); }));
+        }
+    }
+    return all;
 }
 
 /// Each stage of the range program alone.
 inline std::vector<NamedSettings> rangeStages() {
     using P = _AdjustParam;
-    constexpr const char* names[KELADJUST_RANGE_COUNT] = {"red",     "orange", "yellow", "green",
-                                                          "magenta", "purple", "blue",   "aqua"};
-    std::vector<NamedSettings> stages;
-    for (int i = 0; i < KELADJUST_RANGE_COUNT; ++i) {
-        const std::string name = names[i];
+    std::vector<NamedSettings> all;
+    std::size_t i = 0;
+    for (const Stage& stage : stages) {
+        if (stage.wing != Wing::range) continue;
         const auto range = [&](const std::string& change, float hue, float sat, float bright) {
-            stages.push_back(only(name + " " + change, [&](P& p) {
+            all.push_back(only(std::string(stage.name.c_str()) + " " + change, [&](P& p) {
                 setRangeBounds(p);
                 p.range[i].hue = hue;
                 p.range[i].saturation = sat;
@@ -105,15 +112,16 @@ inline std::vector<NamedSettings> rangeStages() {
         range("saturation 80", 0, 80, 0);
         range("brightness -90", 0, 0, -90);
         range("all three", 35, -50, 100);
+        ++i;
     }
-    stages.push_back(only("shifts beyond the circle", [](P& p) {
+    all.push_back(only("shifts beyond the circle", [](P& p) {
         setRangeBounds(p);
         p.range[KELADJUST_RANGE_GREEN].hue = 420;
         p.range[KELADJUST_RANGE_BLUE].hue = -650;
     }));
     const auto vignette = [&](const char* name, float amount, float size, float roundness,
                               float feather, float exposure, float protection) {
-        stages.push_back(only(name, [&](P& p) {
+        all.push_back(only(name, [&](P& p) {
             p.vignetteAmount = amount;
             p.vignetteSize = size;
             p.vignetteRoundness = roundness;
@@ -126,7 +134,7 @@ inline std::vector<NamedSettings> rangeStages() {
     vignette("bright vignette", 70, 20, 60, 100, 0, 80);
     vignette("vignette exposure", 0, 60, -40, 30, 80, 50);
     vignette("vignette with all settings", -60, 30, 100, 50, -50, 90);
-    return stages;
+    return all;
 }
 
 /// Every stage of both programs at once, at strengths that a user might choose.
