@@ -91,14 +91,17 @@ void renderOrRestore(CxImage& image, const _AdjustParam& record, const GpuEngine
 
 /// Adjusts on the GPU; the reason says why not, the picture then being as it was.
 void adjustOnGpu(CxImage& image, const _AdjustParam& record, std::string& reason) {
-    const BusyLock lock;
     const LibraryState& state = libraryState();
+    if (state.cpuOnly) {
+        // Known without waiting for adjustments that run.
+        reason = "there is no engine, or its graphics driver is too old";
+        return;
+    }
+    const BusyLock lock;
     if (!lock.isHeld() || !state.gpu.isRunning()) {
         reason = "the engine is not running";
-    } else if (state.cpuOnly) {
-        reason = "the graphics driver is too old";
-    } else if (!state.gpu.canAdjust()) {
-        reason = "the engine lacks an effect";
+    } else if (state.cpuOnly || !state.gpu.canAdjust()) {
+        reason = "the engine cannot adjust";
     } else {
         renderOrRestore(image, record, state.gpu, reason);
     }
