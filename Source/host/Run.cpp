@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <mutex>
 #include <new>
 #include <optional>
 #include <string>
@@ -94,18 +95,26 @@ bool rendersInSoftware(const GpuEngine& engine) {
     return engine.file.module->readDriver(driver) && !driver.isHardware;
 }
 
+// What the last start said, or these words if it said nothing.
+std::string reasonOr(const LibraryState& state, const char* words) {
+    return state.whyNotOnGpu.text[0] != '\0' ? state.whyNotOnGpu.text : words;
+}
+
 /// Adjusts on the GPU; the reason says why not, the picture then being as it was.
 void adjustOnGpu(CxImage& image, const _AdjustParam& record, bool hardwareOnly,
                  std::string& reason) {
+    LibraryState& state = libraryState();
+    if (state.cpuOnly) {
+        // Known without waiting for adjustments that run.
+        const std::lock_guard life(state.life);
+        reason = reasonOr(state, "there is no engine, or its graphics driver is too old");
+        return;
+    }
     const BusyLock lock;
-    const LibraryState& state = libraryState();
-    const std::string atStart = lock.isHeld() ? state.whyNotOnGpu.text : "";
-    if (!lock.isHeld() || !state.gpu.isRunning()) {
-        reason = atStart.empty() ? "the engine is not running" : atStart;
-    } else if (state.cpuOnly) {
-        reason = atStart.empty() ? "the graphics driver is too old" : atStart;
-    } else if (!state.gpu.canAdjust()) {
-        reason = atStart.empty() ? "the engine lacks an effect" : atStart;
+    if (!lock.isHeld()) {
+        reason = "the engine is not running";
+    } else if (state.cpuOnly || !state.gpu.canAdjust()) {
+        reason = reasonOr(state, "the engine is not running");
     } else if (hardwareOnly && rendersInSoftware(state.gpu)) {
         reason = "the driver renders in software";
     } else {

@@ -19,6 +19,7 @@
 namespace {
 
 using keladjust::cataloguedSlots;
+using keladjust::pictureOf;
 using keladjust::Program;
 using keladjust::Setting;
 using keladjust::Stage;
@@ -107,7 +108,7 @@ TEST(Stages, RunOnlyForSettingsThatDoSomething) {
                 unsigned char bytes[64] = {};
                 unsigned char* bits = bytes;
                 CxImage image(&bits, 4, 4, 32, IMAGE_FORMAT_BGRA);
-                EXPECT_EQ(stage.forms.pixels(image, stage.slots(record))->active(),
+                EXPECT_EQ(stage.forms.pixels(*pictureOf(&image), stage.slots(record))->active(),
                           !setting.shapesOnly)
                     << setting.name.c_str();
             }

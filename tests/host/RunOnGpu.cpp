@@ -130,11 +130,14 @@ TEST_F(RunOnGpu, LeavesTheEngineAloneOnTheCpu) {
     EXPECT_EQ(wishes.pathTaken, KELADJUST_CPU);
 }
 
-// On the CPU while an adjustment on the GPU holds the engine: nothing waits.
-TEST_F(RunOnGpu, OnTheCpuWaitsForNobody) {
+// While another adjustment holds the engine, or what there is of it.
+TEST_F(RunOnGpu, WaitsForNobodyOnTheCpu) {
     libraryState().busyEvent()->wait();
     HostPicture picture = randomPicture();
     EXPECT_EQ(run(picture, everyStage().settings, KELADJUST_CPU), KELADJUST_DONE);
+    libraryState().cpuOnly = true;
+    EXPECT_EQ(run(picture, everyStage().settings, KELADJUST_AUTO), KELADJUST_DONE);
+    EXPECT_EQ(wishes.pathTaken, KELADJUST_CPU);
     libraryState().busyEvent()->signal();
 }
 
