@@ -56,7 +56,7 @@ keladjust_shared(keladjust-engine ${CMAKE_CURRENT_SOURCE_DIR}/engine/exports.txt
 add_dependencies(keladjust keladjust-engine)
 
 # Programs made of all objects take the engine that is linked in.
-add_library(keladjust_linked_engine OBJECT host/EngineFileLinked.cpp)
+add_library(keladjust_linked_engine OBJECT engine/LinkedEngine.cpp)
 target_link_libraries(keladjust_linked_engine PRIVATE keladjust_platform keladjust_options)
 target_link_libraries(keladjust_objects INTERFACE
     keladjust_engine_objects $<TARGET_OBJECTS:keladjust_engine_objects>

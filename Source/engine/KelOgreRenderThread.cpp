@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
-#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -363,12 +362,12 @@ void KelOgreRenderThread::startThread(const KelOgreBase::Start& start) {
         thread->handle =
             std::thread([thread, start, make = makeEngine_] { thread->threadFunc(start, make); });
         thread->done.wait();
-    } catch (const std::system_error& failure) {
-        // No thread to be had: as if the engine had failed to start.
-        thread->whyNotStarted = failure.what();
+    } catch (...) {
+        // No thread to be had, or no memory for one: as if the engine had failed to start.
+        thread->whyNotStarted = keladjust::currentExceptionText();
     }
     if (thread->engineInitialised) return;
-    whyNotStarted_ = thread->whyNotStarted;
+    whyNotStarted_ = std::move(thread->whyNotStarted);
     stopThread(thread);
 }
 

@@ -6,7 +6,7 @@
 namespace keladjust {
 
 /// The engine module while it is at hand: EngineFileLoaded.cpp loads it from a file, as the library
-/// does; EngineFileLinked.cpp takes the one in programs that are linked from its objects.
+/// does; engine/LinkedEngine.cpp takes the one in programs that are linked from its objects.
 struct EngineFile {
     EngineModule* module = nullptr;
     void* library = nullptr;

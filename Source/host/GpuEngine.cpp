@@ -1,6 +1,7 @@
 #include "host/GpuEngine.h"
 
 #include <cstdio>
+#include <ctime>
 #include <fstream>
 #include <iterator>
 #include <memory>
@@ -13,10 +14,15 @@ namespace keladjust {
 
 namespace {
 
-// A log with one line, where the engine, which else writes it, is not even there.
+// A log with one line, as the engine would write it, where there is no engine to do so.
 void writeLog(const char* prefix, const char* line) {
     std::ofstream log(std::string(prefix) + "Ogre.log");
-    log << line << '\n';
+    const std::time_t now = std::time(nullptr);
+    char timeOfDay[16] = "";
+    if (const std::tm* const local = std::localtime(&now)) {
+        std::strftime(timeOfDay, sizeof timeOfDay, "%H:%M:%S: ", local);
+    }
+    log << timeOfDay << line << '\n';
 }
 
 }  // namespace

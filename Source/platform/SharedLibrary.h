@@ -7,14 +7,15 @@
 
 namespace keladjust::platform {
 
-/// Where a library named `fileName` is looked for that belongs to this one: in the folder that this
-/// one lies in. Some systems also know it by a name with its version, if that is not null, and look
-/// it up.
+/// Where a library named `fileName` is that belongs to this one: in the folder that this one lies
+/// in, or nowhere. Some systems also know it by a name with its version, if that is not null, and
+/// look it up.
 std::vector<std::filesystem::path> placesBesideThisLibrary(const char* fileName,
                                                            const char* versionedName);
 
 /// Loads a library, and what it needs from the folder that it lies in.
-/// @return null, and why, if that cannot be done
+/// @param reason set to why it cannot be loaded; left alone if there is no such file
+/// @return null if it cannot be loaded
 void* loadSharedLibrary(const std::filesystem::path& file, std::string& reason);
 /// The library's function of that name; null if it has none.
 void (*functionOf(void* library, const char* name))();

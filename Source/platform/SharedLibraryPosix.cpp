@@ -45,8 +45,12 @@ std::vector<std::filesystem::path> placesBesideThisLibrary(const char* fileName,
 
 void* loadSharedLibrary(const std::filesystem::path& file, std::string& reason) {
     void* const library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (library == nullptr) reason = dlerror();
-    return library;
+    if (library != nullptr) return library;
+    const std::string failure = dlerror();
+    // What is looked up and complained of by its own name was not found.
+    const bool isMissing = !file.has_parent_path() && failure.starts_with(file.string() + ':');
+    if (!isMissing) reason = failure;
+    return nullptr;
 }
 
 void (*functionOf(void* library, const char* name))() {

@@ -32,9 +32,10 @@ std::filesystem::path folderOfThisLibrary() {
 
 // There and nowhere else: the system's own search would come past folders that anyone may write to.
 std::vector<std::filesystem::path> placesBesideThisLibrary(const char* fileName, const char*) {
-    const std::filesystem::path folder = folderOfThisLibrary();
-    if (folder.empty()) return {};
-    return {folder / fileName};
+    const std::filesystem::path place = folderOfThisLibrary() / fileName;
+    std::error_code unreadable;
+    if (!place.is_absolute() || !std::filesystem::exists(place, unreadable)) return {};
+    return {place};
 }
 
 void* loadSharedLibrary(const std::filesystem::path& file, std::string& reason) {

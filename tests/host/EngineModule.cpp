@@ -110,7 +110,7 @@ TEST_F(EngineModule, IsNotLoadedByAHostThatStartsNone) {
 }
 
 TEST_F(EngineModule, Missing) {
-    expectRefusal(engineName);
+    expectRefusal(std::string(engineName) + " is missing");
 }
 
 TEST_F(EngineModule, ThatIsAFileOfRubbish) {
@@ -138,7 +138,7 @@ TEST_F(EngineModule, IsNotTakenFromTheCurrentFolder) {
     fs::copy_file(KELADJUST_ANOTHER_VERSION, elsewhere / engineName);
     const fs::path before = fs::current_path();
     fs::current_path(elsewhere.path());
-    expectRefusal(engineName);
+    expectRefusal(std::string(engineName) + " is missing");
     EXPECT_EQ(log().find("0.0.0-another"), std::string::npos) << log();
     fs::current_path(before);
 }
