@@ -1,8 +1,8 @@
 #ifndef KELADJUST_TESTS_TWOPATHS_H
 #define KELADJUST_TESTS_TWOPATHS_H
 
-#include "Adjuster.h"
-#include "Fields.h"
+#include "pictures/Adjuster.h"
+#include "settings/Fields.h"
 
 namespace keladjust::test {
 

@@ -1,0 +1,144 @@
+// Which path a picture takes, and that it is the path that is told of. Runs on a display.
+
+#include "pictures/Adjuster.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <utility>
+
+#include "settings/Fields.h"
+#include "support/Pictures.h"
+#include "support/TwoPaths.h"
+#include "support/Variable.h"
+#include "text/Failure.h"
+
+namespace {
+
+using namespace keladjust::app;
+using namespace keladjust::test;
+
+// OpenGL's guaranteed largest texture is smaller, Mesa's is 16384.
+constexpr std::uint32_t beyondTextures = 16385;
+
+void expectFailure(const std::function<void()>& work, const std::string& reason) {
+    try {
+        work();
+        FAIL() << "expected: " << reason;
+    } catch (const Failure& failure) {
+        const std::string text = failure.what();
+        EXPECT_NE(text.find("the GPU cannot be used (" + reason), std::string::npos) << text;
+        EXPECT_NE(text.find("use --auto or --cpu"), std::string::npos) << text;
+    }
+}
+
+class AdjusterOnADisplay : public testing::Test {
+protected:
+    // The pictures of both paths differ, so what comes out tells which one it was. They are made
+    // beforehand because the library has one engine, whoever starts it.
+    const Photo colours = noise(61, 47, PixelLayout::bgra);
+    const Photo onCpu = adjusted(colours, GpuUse::never);
+    const Photo onGpu = adjusted(colours, GpuUse::always);
+};
+
+TEST_F(AdjusterOnADisplay, TakesThePathThatItIsTold) {
+    bool differ = false;
+    for (std::uint32_t y = 0; y < colours.height(); ++y) {
+        differ = differ || !std::equal(onCpu.row(y), onCpu.row(y) + onCpu.stride(), onGpu.row(y));
+    }
+    EXPECT_TRUE(differ);
+
+    for (const auto& [use, gpu] :
+         {std::pair{GpuUse::never, false}, std::pair{GpuUse::whenPossible, true},
+          std::pair{GpuUse::always, true}}) {
+        Photo photo = colours;
+        Adjuster adjuster(use);
+        EXPECT_EQ(adjuster.adjust(photo, someSettings()).onGpuPath, gpu);
+        expectSamePixels(photo, gpu ? onGpu : onCpu);
+    }
+}
+
+// What the library's exposure is on the GPU: times 2^(50 / 50 x 0.6), rounded to a level, in which
+// drivers may differ by one.
+TEST_F(AdjusterOnADisplay, RendersWhatTheFormulaSays) {
+    Photo photo(5, 3, PixelLayout::bgra);
+    for (std::uint32_t y = 0; y < 3; ++y) {
+        for (std::uint32_t x = 0; x < 5; ++x) {
+            unsigned char* pixel = photo.pixel(x, y);
+            pixel[0] = 30;
+            pixel[1] = 120;
+            pixel[2] = 200;
+            pixel[3] = static_cast<unsigned char>(10 * x);
+        }
+    }
+    _AdjustParam record = identityRecord();
+    record.exposure = 50;
+    Adjuster adjuster(GpuUse::always);
+    EXPECT_TRUE(adjuster.adjust(photo, record).onGpuPath);
+    for (std::uint32_t y = 0; y < 3; ++y) {
+        for (std::uint32_t x = 0; x < 5; ++x) {
+            const unsigned char* pixel = photo.pixel(x, y);
+            EXPECT_NEAR(pixel[0], 45, 1);
+            EXPECT_NEAR(pixel[1], 182, 1);
+            EXPECT_EQ(pixel[2], 255);
+            EXPECT_EQ(pixel[3], 10 * x);
+        }
+    }
+}
+
+TEST_F(AdjusterOnADisplay, WhatCannotBeRenderedTakesTheCpuPathWhole) {
+    const Photo tooWide = noise(beyondTextures, 2, PixelLayout::bgra);
+    const std::string reason = "dimension is large max texture size 16384of supported";
+    const Photo tooWideOnCpu = adjusted(tooWide, GpuUse::never);
+    Adjuster adjuster(GpuUse::whenPossible);
+    for (int i = 0; i < 2; ++i) {
+        Photo photo = tooWide;
+        const Adjustment adjustment = adjuster.adjust(photo, someSettings());
+        EXPECT_FALSE(adjustment.onGpuPath);
+        EXPECT_EQ(adjustment.obstacle, reason);
+        expectSamePixels(photo, tooWideOnCpu);
+
+        // Others are rendered as before.
+        photo = colours;
+        EXPECT_TRUE(adjuster.adjust(photo, someSettings()).onGpuPath);
+        expectSamePixels(photo, onGpu);
+    }
+}
+
+TEST_F(AdjusterOnADisplay, WhatHasToBeRenderedAndCannotBeStaysAsItWas) {
+    const Photo tooHigh = noise(1, beyondTextures, PixelLayout::grey);
+    Adjuster adjuster(GpuUse::always);
+    Photo photo = tooHigh;
+    expectFailure([&] { adjuster.adjust(photo, someSettings()); },
+                  "dimension is large max texture size 16384of supported");
+    expectSamePixels(photo, tooHigh);
+    Photo next = colours;
+    EXPECT_TRUE(adjuster.adjust(next, someSettings()).onGpuPath);
+    expectSamePixels(next, onGpu);
+}
+
+TEST_F(AdjusterOnADisplay, WithoutADisplayTheCpuHasToDo) {
+    const Variable display("DISPLAY", nullptr);
+    expectFailure([] { const Adjuster adjuster(GpuUse::always); }, "There is no display");
+    Adjuster adjuster(GpuUse::whenPossible);
+    Photo photo = colours;
+    const Adjustment adjustment = adjuster.adjust(photo, someSettings());
+    EXPECT_FALSE(adjustment.onGpuPath);
+    EXPECT_EQ(adjustment.obstacle, "There is no display");
+    expectSamePixels(photo, onCpu);
+}
+
+// What the engine says is not to be known then, so nothing is claimed.
+TEST_F(AdjusterOnADisplay, WithoutALogTheCpuHasToDo) {
+    const Variable temporary(temporaryFolderVariable, "/no/such/folder");
+    Adjuster adjuster(GpuUse::whenPossible);
+    Photo photo = colours;
+    const Adjustment adjustment = adjuster.adjust(photo, someSettings());
+    EXPECT_FALSE(adjustment.onGpuPath);
+    EXPECT_EQ(adjustment.obstacle, "the log of the rendering engine cannot be read");
+    expectSamePixels(photo, onCpu);
+}
+
+}  // namespace
