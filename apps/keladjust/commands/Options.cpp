@@ -118,16 +118,17 @@ std::optional<Options> parseOptions(const std::vector<std::string>& arguments) {
         ->check(CLI::Range(1, 1024))
         ->type_name("N")
         ->group(running);
-    bool automatic = false;
-    bool alwaysGpu = false;
-    bool neverGpu = false;
+    const auto choose = [&options](GpuUse use) { return [&options, use] { options.gpu = use; }; };
     CLI::Option* autoFlag =
-        app.add_flag("--auto", automatic, "Adjust on the GPU where possible (usual)")
+        app.add_flag_callback("--auto", choose(GpuUse::whenPossible),
+                              "Adjust on a graphics card where there is one and it can")
             ->group(running);
-    CLI::Option* gpuFlag = app.add_flag("--gpu", alwaysGpu, "Adjust on the GPU or not at all")
-                               ->excludes(autoFlag)
-                               ->group(running);
-    app.add_flag("--cpu", neverGpu, "Adjust on the CPU: to the byte the same on every machine")
+    CLI::Option* gpuFlag =
+        app.add_flag_callback("--gpu", choose(GpuUse::always), "Adjust on the GPU or not at all")
+            ->excludes(autoFlag)
+            ->group(running);
+    app.add_flag_callback("--cpu", choose(GpuUse::never),
+                          "Adjust on the CPU (usual): to the byte the same on every machine")
         ->excludes(autoFlag)
         ->excludes(gpuFlag)
         ->group(running);
@@ -139,7 +140,6 @@ std::optional<Options> parseOptions(const std::vector<std::string>& arguments) {
 
     if (!line.parse(arguments)) return std::nullopt;
     for (const std::string& input : inputs) options.inputs.push_back(pathFromText(input));
-    options.gpu = alwaysGpu ? GpuUse::always : neverGpu ? GpuUse::never : GpuUse::whenPossible;
     options.chatter = quiet ? Chatter::quiet : verbose ? Chatter::verbose : Chatter::normal;
     refuseContradictions(options);
     options.settings = line.settings();

@@ -27,7 +27,7 @@ struct Options {
     const Field* sheet = nullptr;
     int jobs = 1;
     int threads = 0;  ///< 0: the library's choice
-    GpuUse gpu = GpuUse::whenPossible;
+    GpuUse gpu = GpuUse::never;
     Chatter chatter = Chatter::normal;
 };
 

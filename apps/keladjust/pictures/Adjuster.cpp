@@ -1,6 +1,7 @@
 #include "pictures/Adjuster.h"
 
 #include "pictures/PhotoImage.h"
+#include "pictures/SoftwareDriver.h"
 #include "text/Failure.h"
 
 namespace keladjust::app {
@@ -27,9 +28,13 @@ void Adjuster::startEngine() {
         obstacle_ = failure.what();  // a folder whose name the library cannot be told
         return;
     }
-    if (!engine_->obstacle()) return;
-    obstacle_ = *engine_->obstacle();
-    engine_.reset();
+    if (engine_->obstacle()) {
+        obstacle_ = *engine_->obstacle();
+        engine_.reset();
+    } else if (use_ == GpuUse::whenPossible && rendersOnCpu(engine_->driver())) {
+        obstacle_ = "the driver works on the CPU: " + engine_->driver();
+        engine_.reset();
+    }
 }
 
 void Adjuster::refuseIfGpuMust(const std::string& obstacle) const {

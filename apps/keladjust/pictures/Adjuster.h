@@ -15,8 +15,9 @@ namespace keladjust::app {
 /// Which of the library's two paths pictures may take.
 enum class GpuUse {
     never,
-    whenPossible,  ///< a picture that cannot be rendered takes the CPU path
-    always         ///< such a picture is a failure
+    /// Where there is a graphics card; a picture that cannot be rendered takes the CPU path.
+    whenPossible,
+    always  ///< such a picture is a failure
 };
 
 /// How a picture was adjusted.

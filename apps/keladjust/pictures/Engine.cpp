@@ -17,6 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::string_view startFailed = "The engine does not start: ";
+constexpr std::string_view driverName = "Device Name: ";
 constexpr std::string_view driverVersion = "GL version is: ";
 constexpr std::string_view driverTooOld[] = {"GL version is too low",
                                              "Using C algorithm to running!"};
@@ -90,6 +91,7 @@ std::optional<std::string> Engine::obstacleAfterStart(bool started) {
     if (!started) return withoutPlace(lineAfter(lines, startFailed).value_or("no reason is known"));
     const auto version = lineAfter(lines, driverVersion);
     if (!version) return "the log of the rendering engine cannot be read";
+    driver_ = lineAfter(lines, driverName).value_or("");
     for (const std::string_view tooOld : driverTooOld) {
         if (lineAfter(lines, tooOld)) return "OpenGL 3.2 is needed, the driver has " + *version;
     }

@@ -27,6 +27,9 @@ public:
     /// Why adjustments take the CPU path; nothing if they take the GPU path.
     const std::optional<std::string>& obstacle() const { return obstacle_; }
 
+    /// The name of the graphics driver; empty if it is not known.
+    const std::string& driver() const { return driver_; }
+
     /// Why pictures were not rendered since this was last asked; nothing if all were.
     std::optional<std::string> refusal();
 
@@ -37,6 +40,7 @@ private:
     ScratchFolder folder_;
     std::ifstream log_;
     std::optional<std::string> obstacle_;
+    std::string driver_;
 };
 
 }  // namespace keladjust::app

@@ -58,22 +58,38 @@ protected:
 };
 
 TEST_F(ProgramGpu, SaysWhichPathRan) {
-    expectDetails({"--exposure", "20"}, "GPU path");
+    expectDetails({"--exposure", "20"}, "CPU path");
     expectDetails({"--exposure", "20", "--auto"}, "GPU path");
     expectDetails({"--exposure", "20", "--gpu"}, "GPU path");
     expectDetails({"--exposure", "20", "--cpu"}, "CPU path");
-    expectDetails({"--sharpen", "20"}, "GPU path");
+    expectDetails({"--sharpen", "20", "--auto"}, "GPU path");
 }
 
 TEST_F(ProgramGpu, LeavesTheEngineAloneIfNothingIsToBeDone) {
-    expectDetails({}, "CPU path");
-    expectDetails({"--temperature", "11500", "--exposure", "0"}, "CPU path");
+    expectDetails({"--auto"}, "CPU path");
+    expectDetails({"--auto", "--temperature", "11500", "--exposure", "0"}, "CPU path");
     expectDetails({"--gpu"}, "GPU path");
     expectSamePixels(decodeFile(folder / "out.png"), decodeFile(picture));
     // A sheet is adjusted, its picture is not.
     EXPECT_EQ(
-        runProgram({picture, "--sheet", "exposure", "-o", (folder / "out.png").string()}).code, 0);
+        runProgram({picture, "--auto", "--sheet", "exposure", "-o", (folder / "out.png").string()})
+            .code,
+        0);
     expectSamePixels(decodeFile(folder / "out.png"), decodeFile(picture));
+}
+
+// Otherwise it would say that there is no display.
+TEST_F(ProgramGpu, StartsTheEngineOnRequestOnly) {
+    const Variable display("DISPLAY", ":9999");
+    expectDetails({"--exposure", "20"}, "CPU path");
+    expectDetails({"--exposure", "20", "--cpu"}, "CPU path");
+}
+
+TEST_F(ProgramGpu, ADriverOnTheCpuIsLeftAlone) {
+    const Variable driver("force_gl_renderer", "softpipe");
+    expectDetails({"--exposure", "20", "--auto"},
+                  "CPU path (the driver works on the CPU: softpipe)");
+    expectDetails({"--exposure", "20", "--gpu"}, "GPU path");
 }
 
 TEST_F(ProgramGpu, LeavesNothingButItsPicturesAnywhere) {
@@ -93,8 +109,8 @@ TEST_F(ProgramGpu, LeavesNothingButItsPicturesAnywhere) {
 TEST_F(ProgramGpu, JobsDoNotChangePictures) {
     const auto adjustWith = [&](const std::string& jobs) {
         const Outcome outcome =
-            runProgram({picture, tooWide(), photograph("nature/Storm.jpg"), "--exposure", "20",
-                        "--red-hue", "10", "--jobs", jobs, "-o", (folder / jobs).string()});
+            runProgram({picture, tooWide(), photograph("nature/Storm.jpg"), "--auto", "--exposure",
+                        "20", "--red-hue", "10", "--jobs", jobs, "-o", (folder / jobs).string()});
         EXPECT_EQ(outcome.code, 0) << outcome.errors;
     };
     adjustWith("1");
@@ -108,8 +124,8 @@ TEST_F(ProgramGpu, OnePictureThatCannotBeRenderedDoesNotStopTheRest) {
     const std::string wide = tooWide();
     const std::string reason = "dimension is large max texture size 16384of supported";
 
-    const Outcome possible = runProgram(
-        {wide, picture, "--exposure", "20", "--jobs", "1", "-v", "-o", (folder / "auto").string()});
+    const Outcome possible = runProgram({wide, picture, "--auto", "--exposure", "20", "--jobs", "1",
+                                         "-v", "-o", (folder / "auto").string()});
     EXPECT_EQ(possible.code, 0) << possible.errors;
     EXPECT_NE(possible.output.find("adjusted on the CPU path (" + reason + ")"), std::string::npos)
         << possible.output;
@@ -128,7 +144,7 @@ TEST_F(ProgramGpu, WithoutADisplayTheCpuHasToDo) {
     for (const char* display : {static_cast<const char*>(nullptr), ":9999"}) {
         const Variable variable("DISPLAY", display);
         expectRefusal("There is no display");
-        expectDetails({"--exposure", "20"}, "CPU path (There is no display)");
+        expectDetails({"--exposure", "20", "--auto"}, "CPU path (There is no display)");
         std::filesystem::remove(folder / "out.png");
     }
 }
@@ -138,7 +154,7 @@ TEST_F(ProgramGpu, WithAnOldDriverTheCpuHasToDo) {
         const Variable variable("MESA_GL_VERSION_OVERRIDE", version.c_str());
         const std::string reason = "OpenGL 3.2 is needed, the driver has " + version + ".0.0";
         expectRefusal(reason);
-        expectDetails({"--exposure", "20"}, "CPU path (" + reason + ")");
+        expectDetails({"--exposure", "20", "--auto"}, "CPU path (" + reason + ")");
         std::filesystem::remove(folder / "out.png");
     }
 }

@@ -186,7 +186,7 @@ TEST_F(ProgramOnWindows, WithoutADesktopTheCpuHasToDo) {
     const std::string reason = "(There is no OpenGL Rendering Subsystem)";
     expectRefusal({"a.png", "--gpu", "--exposure", "20", "-o", "new/"}, 1,
                   "the GPU cannot be used " + reason + "; use --auto or --cpu");
-    expectOutput({"a.png", "--exposure", "20", "-o", "b.png", "-v"},
+    expectOutput({"a.png", "--auto", "--exposure", "20", "-o", "b.png", "-v"},
                  "a.png: PNG, 20 x 10, adjusted on the CPU path " + reason + "\na.png -> b.png\n");
 }
 

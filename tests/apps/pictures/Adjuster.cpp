@@ -119,6 +119,19 @@ TEST_F(AdjusterOnADisplay, WhatHasToBeRenderedAndCannotBeStaysAsItWas) {
     expectSamePixels(next, onGpu);
 }
 
+TEST_F(AdjusterOnADisplay, ADriverOnTheCpuIsLeftAlone) {
+    const Variable driver("force_gl_renderer", "llvmpipe (LLVM 15.0.6, 256 bits)");
+    Photo photo = colours;
+    const Adjustment adjustment = Adjuster(GpuUse::whenPossible).adjust(photo, someSettings());
+    EXPECT_FALSE(adjustment.onGpuPath);
+    EXPECT_EQ(adjustment.obstacle, "the driver works on the CPU: llvmpipe (LLVM 15.0.6, 256 bits)");
+    expectSamePixels(photo, onCpu);
+
+    photo = colours;
+    EXPECT_TRUE(Adjuster(GpuUse::always).adjust(photo, someSettings()).onGpuPath);
+    expectSamePixels(photo, onGpu);
+}
+
 TEST_F(AdjusterOnADisplay, WithoutADisplayTheCpuHasToDo) {
     const Variable display("DISPLAY", nullptr);
     expectFailure([] { const Adjuster adjuster(GpuUse::always); }, "There is no display");
