@@ -43,14 +43,13 @@ std::uint8_t* rowOf(const CxImage& image, unsigned y) {
     return image.pBits + std::size_t{image.effWidth} * y;
 }
 
-// Calls body(span) for every run of pixels of row `y`, from left to right.
+// Calls body(span) for every run of pixels of a row, from left to right.
 template <class Body>
-void forEachSpan(unsigned width, unsigned y, Body body) {
+void forEachSpan(std::size_t width, Body body) {
     PixelSpan span;
-    span.y = y;
-    for (unsigned x = 0; x < width; x += static_cast<unsigned>(span.count)) {
-        span.x = x;
-        span.count = std::min<std::size_t>(PixelSpan::capacity, width - x);
+    for (std::size_t x = 0; x < width; x += span.count) {
+        span.x = static_cast<unsigned>(x);
+        span.count = std::min(PixelSpan::capacity, width - x);
         body(span);
     }
 }
@@ -90,7 +89,7 @@ bool split(CxImage& source, ColourSpace space, const std::array<CxImage*, 4>& pl
     const PixelLayout layout = keladjust::layoutOf(source);
     for (unsigned y = 0; y < source.height; ++y) {
         keladjust::splitRow(
-            source, y, space,
+            layout, rowOf(source, y), source.width, space,
             {planeRow(planes[0], y), planeRow(planes[1], y), planeRow(planes[2], y)});
         if (std::uint8_t* alpha = planeRow(planes[3], y)) {
             keladjust::loadAlpha(layout, rowOf(source, y), source.width, alpha);
@@ -143,11 +142,10 @@ void storeAlpha(PixelLayout layout, const std::uint8_t* alpha, std::size_t count
 
 namespace keladjust {
 
-void splitRow(const CxImage& image, unsigned y, ColourSpace space,
+void splitRow(PixelLayout layout, const std::uint8_t* pixels, std::size_t width, ColourSpace space,
               const std::array<std::uint8_t*, 3>& rows) {
-    const PixelLayout layout = layoutOf(image);
-    forEachSpan(image.width, y, [&](PixelSpan& span) {
-        loadSpan(layout, rowOf(image, y) + std::size_t{image.bytesPerPixel} * span.x, span);
+    forEachSpan(width, [&](PixelSpan& span) {
+        loadSpan(layout, pixels + bytesPerPixelOf(layout) * span.x, span);
         if (space == ColourSpace::hsl) convertSpanToHsl(span);
         const std::array<const std::uint8_t*, 3> lanes{span.red, span.green, span.blue};
         for (std::size_t i = 0; i < lanes.size(); ++i) {
@@ -156,15 +154,14 @@ void splitRow(const CxImage& image, unsigned y, ColourSpace space,
     });
 }
 
-void joinRow(CxImage& image, unsigned y, ColourSpace space,
-             const std::array<const std::uint8_t*, 3>& rows) {
-    const PixelLayout layout = layoutOf(image);
-    forEachSpan(image.width, y, [&](PixelSpan& span) {
+void joinRow(PixelLayout layout, const std::array<const std::uint8_t*, 3>& rows, std::size_t width,
+             ColourSpace space, std::uint8_t* pixels) {
+    forEachSpan(width, [&](PixelSpan& span) {
         loadLane(rows[0], span, span.red);
         loadLane(rows[1], span, span.green);
         loadLane(rows[2], span, span.blue);
         if (space == ColourSpace::hsl) convertSpanToRgb(span);
-        storeSpan(layout, span, rowOf(image, y) + std::size_t{image.bytesPerPixel} * span.x);
+        storeSpan(layout, span, pixels + bytesPerPixelOf(layout) * span.x);
     });
 }
 
@@ -197,7 +194,8 @@ bool CxImage::Combine(CxImage* r, CxImage* g, CxImage* b, CxImage* a, int colorS
     const PixelLayout layout = keladjust::layoutOf(*this);
     const ColourSpace space = colorSpace == 1 ? ColourSpace::hsl : ColourSpace::rgb;
     for (unsigned y = 0; y < height; ++y) {
-        keladjust::joinRow(*this, y, space, {planeRow(r, y), planeRow(g, y), planeRow(b, y)});
+        keladjust::joinRow(layout, {planeRow(r, y), planeRow(g, y), planeRow(b, y)}, width, space,
+                           rowOf(*this, y));
         if (a != nullptr) storeAlpha(layout, planeRow(a, y), width, rowOf(*this, y));
     }
     return true;

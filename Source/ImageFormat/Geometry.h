@@ -24,11 +24,15 @@ constexpr unsigned bytesPerPixelOf(unsigned bpp) {
     }
 }
 
-/// Bytes per row with the padding, without the 32-bit limit of the image's own arithmetic.
+/// Bytes of a row with its padding to a multiple of four.
+constexpr std::uint64_t paddedRowBytes(std::uint64_t bytes) {
+    return (bytes + 3) / 4 * 4;
+}
+
+/// The same of so many pixels, without the 32-bit limit of the image's own arithmetic.
 constexpr std::uint64_t exactRowBytes(unsigned width, unsigned bpp) {
-    // At most 2^64 - 2^33 + 31: no overflow here either.
-    const std::uint64_t bits = static_cast<std::uint64_t>(width) * bpp + 31;
-    return (bits >> 5) << 2;
+    // At most 2^64 - 2^33 + 8: no overflow here either.
+    return paddedRowBytes((static_cast<std::uint64_t>(width) * bpp + 7) / 8);
 }
 
 /// True if rows and whole buffer can be addressed in 32 bits.

@@ -10,6 +10,7 @@
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
+namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
@@ -115,6 +116,7 @@ void convertPixels(const std::uint8_t* from, std::size_t fromStep, bool swaps, s
     }
 }
 
+}  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace keladjust
 HWY_AFTER_NAMESPACE();

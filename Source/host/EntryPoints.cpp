@@ -4,12 +4,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <new>
 #include <utility>
 
 #include "engine/KelOgreRenderThread.h"
+#include "host/BusyLock.h"
 #include "host/GpuEngine.h"
 #include "host/GpuPipeline.h"
 #include "host/LibraryState.h"
@@ -18,36 +20,13 @@
 #include "platform/Event.h"
 #include "platform/Parallel.h"
 
+using keladjust::BusyLock;
 using keladjust::libraryState;
 using keladjust::LibraryState;
 
 static_assert(sizeof(_AdjustParam) == 65 * 4, "hosts pass the record by value, slot by slot");
 
 namespace {
-
-/// Keeps adjustments apart from one another and from starts and stops of the engine, once the busy
-/// event exists.
-class BusyLock {
-public:
-    BusyLock() {
-        while ((busy_ = libraryState().busyEvent()) != nullptr) {
-            busy_->wait();
-            if (busy_ == libraryState().busyEvent()) return;
-            // Closed while this call waited: there is another event by now, or none.
-            busy_->signal();
-        }
-    }
-    ~BusyLock() {
-        if (busy_) busy_->signal();
-    }
-    BusyLock(const BusyLock&) = delete;
-    BusyLock& operator=(const BusyLock&) = delete;
-
-    bool isHeld() const { return busy_ != nullptr; }
-
-private:
-    std::shared_ptr<keladjust::platform::Event> busy_;
-};
 
 void createBusyEvent(LibraryState& state) {
     if (state.busyEvent()) return;
@@ -122,6 +101,10 @@ CxImage* createCxImageFromFile(const char* fileName) {
 
 void releaseCxImage(CxImage* image) {
     delete image;
+}
+
+void keladjustFree(void* memory) {
+    std::free(memory);
 }
 
 CxImage* doAdjust(CxImage* image, _AdjustParam parameters) {

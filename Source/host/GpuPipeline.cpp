@@ -2,72 +2,22 @@
 
 #include <OgrePixelFormat.h>
 
-#include <algorithm>
 #include <cstdint>
-#include <iterator>
-#include <string>
 
 #include "engine/KelOgreEffectBase.h"
 #include "engine/KelOgreRenderThread.h"
-#include "filters/StageForms.h"
+#include "filters/Stage.h"
+#include "host/Pipeline.h"
+#include "host/Uniforms.h"
+#include "platform/CallScope.h"
+#include "walks/StageForms.h"
 
 namespace keladjust {
 
 namespace {
 
-using P = _AdjustParam;
-
-constexpr std::int32_t neutralTemperature = 11500;
 // What a render may take; the pipeline does not ask whether it did.
 constexpr std::uint32_t evaluateMilliseconds = 20;
-
-/// A setting under the name that a program has for it.
-struct Uniform {
-    const char* name;
-    float P::*setting;
-};
-
-constexpr Uniform basicAdjustUniforms[] = {
-    {"tint", &P::tint},
-    {"exposure", &P::exposure},
-    {"brightness", &P::brightness},
-    {"contrast", &P::contrast},
-    {"vib", &P::vibrance},
-    {"sat", &P::saturation},
-    {"highLight", &P::highlights},
-    {"shadow", &P::shadows},
-    {"whiteLevel", &P::whites},
-    {"blackLevel", &P::blacks},
-};
-
-constexpr Uniform vignetteUniforms[] = {
-    {"amount", &P::vignetteAmount},       {"size", &P::vignetteSize},
-    {"roundness", &P::vignetteRoundness}, {"feather", &P::vignetteFeather},
-    {"exposure", &P::vignetteExposure},   {"highlights", &P::vignetteHighlights},
-};
-
-constexpr const char* rangeWords[KELADJUST_RANGE_COUNT] = {
-    "Red", "Orange", "Yellow", "Green", "Magenta", "Purple", "Blue", "Aqua",
-};
-
-// NaN differs from everything, so that it counts as a setting.
-bool isSet(float value) {
-    return value != 0.0f;
-}
-
-bool changesTones(const P& p) {
-    return p.temperature != neutralTemperature ||
-           std::any_of(std::begin(basicAdjustUniforms), std::end(basicAdjustUniforms),
-                       [&p](const Uniform& uniform) { return isSet(p.*uniform.setting); });
-}
-
-// Sharpening and the shape of the vignette do not start the effect by themselves.
-bool changesRanges(const P& p) {
-    return isSet(p.vignetteAmount) || isSet(p.vignetteExposure) ||
-           std::any_of(std::begin(p.range), std::end(p.range), [](const _AdjustColourRange& range) {
-               return isSet(range.hue) || isSet(range.saturation) || isSet(range.brightness);
-           });
-}
 
 std::uint32_t enginePixelFormat(_ImagePixelFormat format) {
     switch (format) {
@@ -93,69 +43,77 @@ void setPicture(KelOgreEffectBase& effect, CxImage& image) {
     effect.setParameter(fragmentProgram, "Sample", 0);
 }
 
-void setFloat(KelOgreEffectBase& effect, const std::string& name, float value) {
-    effect.setParameter(fragmentProgram, name.c_str(), value);
+void setUniforms(KelOgreEffectBase& effect, Program program, const _AdjustParam& record) {
+    for (const auto& uniform : integerUniforms(program, record)) {
+        effect.setParameter(fragmentProgram, uniform.name, uniform.value);
+    }
+    for (const auto& uniform : floatUniforms(program, record)) {
+        effect.setParameter(fragmentProgram, uniform.name, uniform.value);
+    }
 }
 
-void render(const GpuEngine& engine, KelOgreEffectBase& effect, CxImage& image) {
-    engine.thread->render(&effect, nullptr, image.GetBits(), image.GetBpp() / 8, nullptr,
-                          evaluateMilliseconds);
+bool render(const GpuEngine& engine, KelOgreEffectBase& effect, CxImage& image) {
+    return engine.thread->render(&effect, nullptr, image.GetBits(), image.GetBpp() / 8, nullptr,
+                                 evaluateMilliseconds) != 0;
 }
 
-void renderBasicAdjust(const GpuEngine& engine, CxImage& image, const P& p) {
+bool renderTones(const GpuEngine& engine, CxImage& image, const _AdjustParam& record) {
     KelOgreEffectBase& effect = *engine.basicAdjust;
     setPicture(effect, image);
-    effect.setParameter(fragmentProgram, "temperature", p.temperature);
-    for (const Uniform& uniform : basicAdjustUniforms) {
-        setFloat(effect, uniform.name, p.*uniform.setting);
-    }
-    render(engine, effect, image);
+    setUniforms(effect, Program::tone, record);
+    return render(engine, effect, image);
 }
 
-void renderRanges(const GpuEngine& engine, CxImage& image, const P& p) {
+bool renderRanges(const GpuEngine& engine, CxImage& image, const _AdjustParam& record) {
     KelOgreEffectBase& effect = *engine.range;
     setPicture(effect, image);
     effect.setParameter(fragmentProgram, "imageWidth", static_cast<std::int32_t>(image.GetWidth()));
     effect.setParameter(fragmentProgram, "imageHeight",
                         static_cast<std::int32_t>(image.GetHeight()));
-    setFloat(effect, "sharpeness", p.sharpen);
-    for (int i = 0; i < KELADJUST_RANGE_COUNT; ++i) {
-        const std::string word = rangeWords[i];
-        const _AdjustColourRange& range = p.range[i];
-        setFloat(effect, word + "_degreeMinVal", range.minDegree);
-        setFloat(effect, word + "_degreeMaxVal", range.maxDegree);
-        setFloat(effect, word + "_hueVal", range.hue);
-        setFloat(effect, word + "_satVal", range.saturation);
-        setFloat(effect, word + "_brightnessVal", range.brightness);
-    }
-    for (const Uniform& uniform : vignetteUniforms) {
-        setFloat(effect, uniform.name, p.*uniform.setting);
-    }
-    render(engine, effect, image);
+    setUniforms(effect, Program::range, record);
+    return render(engine, effect, image);
 }
 
-void runStages(CxImage* image, const P& p, const GpuEngine& engine) {
-    if (image == nullptr) return;
-    if (changesTones(p) && engine.isRunning()) renderBasicAdjust(engine, *image, p);
-    clarity(image, p.clarity);
-    // The first render may have found the window closed: the engine is down then, effects and all.
-    if (changesRanges(p) && engine.isRunning()) renderRanges(engine, *image, p);
+// False at a refused render, which is the end if nothing may go on without it.
+bool renderStages(CxImage& image, const _AdjustParam& record, const GpuEngine& engine,
+                  bool goesOnWithout) {
+    if (startsProgram(Program::tone, record)) {
+        const bool rendered = engine.isRunning() && renderTones(engine, image, record);
+        if (!rendered && !goesOnWithout) return false;
+    }
     // Clarity works on either side of the colour ranges; sharpening once more than they did.
-    clarity(image, p.clarity);
-    sharpen(image, p.sharpen);
-    distortFilter(image, p.distortion);
-    fringingFilter(image, p.fringing);
-    dehaze(image, p.dehaze);
-    diffuse(image, p.diffuse);
-    deNoiseRGB(image, p.colourNoiseReduction);
-    deNoiseLumiance(image, p.luminanceNoiseReduction);
+    if (!platform::isCancelled()) clarity(&image, record.clarity);
+    // The first render may have found the window closed: the engine is down then, effects and all.
+    if (startsProgram(Program::range, record) && !platform::isCancelled()) {
+        const bool rendered = engine.isRunning() && renderRanges(engine, image, record);
+        if (!rendered && !goesOnWithout) return false;
+    }
+    return true;
+}
+
+// What is rendered stands for this part of the progress.
+constexpr float renderedShare = 0.3f;
+
+bool runStages(CxImage& image, const _AdjustParam& record, const GpuEngine& engine,
+               bool goesOnWithout) {
+    {
+        const platform::ProgressPart part(0.0f, renderedShare);
+        if (!renderStages(image, record, engine, goesOnWithout)) return false;
+    }
+    const platform::ProgressPart part(renderedShare, 1.0f);
+    runSpatialStages(image, record);
+    return true;
 }
 
 }  // namespace
 
-CxImage* runGpuPipeline(CxImage* image, const _AdjustParam& parameters,
-                        const GpuEngine& engine) noexcept {
-    return exportedForm(image, [&] { runStages(image, parameters, engine); });
+CxImage* runGpuPipeline(CxImage* image, const _AdjustParam& parameters, const GpuEngine& engine,
+                        std::string* reason) noexcept {
+    guarded([&] {
+        if (image == nullptr || runStages(*image, parameters, engine, reason == nullptr)) return;
+        *reason = "the engine refused to render the picture";
+    });
+    return image;
 }
 
 }  // namespace keladjust

@@ -3,15 +3,19 @@
 
 #include <keladjust/CxImage.h>
 
+#include <string>
+
 #include "host/GpuEngine.h"
 
 namespace keladjust {
 
 /// Renders the colour and tone stages with two effects, runs the spatial stages on the CPU and
 /// returns `image`. A render that the engine refuses leaves the pixels as they were; what follows
-/// still runs.
-CxImage* runGpuPipeline(CxImage* image, const _AdjustParam& parameters,
-                        const GpuEngine& engine) noexcept;
+/// still runs, unless the caller wants to know.
+///
+/// @param reason if given, the first refused render is the end, and this says why
+CxImage* runGpuPipeline(CxImage* image, const _AdjustParam& parameters, const GpuEngine& engine,
+                        std::string* reason = nullptr) noexcept;
 
 }  // namespace keladjust
 

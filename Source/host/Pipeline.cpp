@@ -2,22 +2,15 @@
 
 #include <array>
 #include <cstddef>
-#include <iterator>
 #include <memory>
 #include <new>
 #include <utility>
 
-#include "ImageFormat/Geometry.h"
 #include "ImageFormat/PixelSpan.h"
-#include "ImageFormat/RawWalk.h"
-#include "filters/BrightnessContrast.h"
-#include "filters/ColourRanges.h"
-#include "filters/ExposureTonalRanges.h"
-#include "filters/Saturation.h"
-#include "filters/StageForms.h"
-#include "filters/TemperatureTint.h"
-#include "filters/VibranceHue.h"
-#include "filters/Vignette.h"
+#include "filters/Stages.h"
+#include "platform/CallScope.h"
+#include "walks/RawWalk.h"
+#include "walks/StageForms.h"
 
 namespace keladjust {
 
@@ -25,105 +18,17 @@ namespace {
 
 using KernelPointer = std::unique_ptr<PixelKernel>;
 
-/// How the image form of a stage finds its pixels.
-enum class Addressing {
-    pixels,   ///< by row and column
-    rawWalk,  ///< along the buffer, ignoring the padding of rows
-};
-
-/// One row of the pipeline. A stage with a kernel can share a pass with its neighbours.
-struct Stage {
-    CxImage* (*run)(CxImage*, const _AdjustParam&);
-    KernelPointer (*kernel)(const CxImage&, const _AdjustParam&) = nullptr;
-    Addressing addressing = Addressing::pixels;
-};
-
-/// A stage whose image form `form` and whose kernel take one setting.
-template <auto form, class Kernel, auto setting>
-constexpr Stage perPixel(Addressing addressing = Addressing::pixels) {
-    return {[](CxImage* image, const _AdjustParam& p) { return form(image, p.*setting); },
-            [](const CxImage&, const _AdjustParam& p) -> KernelPointer {
-                return std::make_unique<Kernel>(p.*setting);
-            },
-            addressing};
-}
-
-/// A stage that sees the whole picture.
-template <auto form, auto setting>
-constexpr Stage spatial() {
-    return {[](CxImage* image, const _AdjustParam& p) { return form(image, p.*setting); }};
-}
-
-template <std::size_t place>
-constexpr Stage colourRange() {
-    return {[](CxImage* image, const _AdjustParam& p) {
-                const _AdjustColourRange& r = p.range[place];
-                return doHSLAdjustFilter(image, r.minDegree, r.maxDegree, r.hue, r.saturation,
-                                         r.brightness);
-            },
-            [](const CxImage&, const _AdjustParam& p) -> KernelPointer {
-                const _AdjustColourRange& r = p.range[place];
-                return std::make_unique<ColourRangeKernel>(r.minDegree, r.maxDegree, r.hue,
-                                                           r.saturation, r.brightness);
-            }};
-}
-
-constexpr Stage vignette() {
-    return {[](CxImage* image, const _AdjustParam& p) {
-                return vignetteAdjustFilter(image, p.vignetteAmount, p.vignetteFeather,
-                                            p.vignetteHighlights, p.vignetteSize,
-                                            p.vignetteRoundness, p.vignetteExposure);
-            },
-            [](const CxImage& image, const _AdjustParam& p) -> KernelPointer {
-                return std::make_unique<VignetteKernel>(
-                    image.width, image.height, p.vignetteAmount, p.vignetteFeather,
-                    p.vignetteHighlights, p.vignetteSize, p.vignetteRoundness, p.vignetteExposure);
-            }};
-}
-
-using P = _AdjustParam;
-
-constexpr Stage stages[] = {
-    perPixel<temperatureAdjustment, TemperatureKernel, &P::temperature>(),
-    perPixel<tintAdjustment, TintKernel, &P::tint>(),
-    perPixel<exposureAdjustment, ExposureKernel, &P::exposure>(),
-    perPixel<brightnessAdjustment, BrightnessKernel, &P::brightness>(Addressing::rawWalk),
-    perPixel<contrastAdjustment, ContrastKernel, &P::contrast>(),
-    perPixel<vibranceAdjustment, VibranceKernel, &P::vibrance>(),
-    perPixel<saturationAdjustment, SaturationKernel, &P::saturation>(),
-    perPixel<hdrHighlight, HighlightKernel, &P::highlights>(),
-    perPixel<hdrShadow, ShadowKernel, &P::shadows>(),
-    perPixel<hdrWhiteLevel, WhiteLevelKernel, &P::whites>(),
-    perPixel<hdrBlackLevel, BlackLevelKernel, &P::blacks>(),
-    colourRange<KELADJUST_RANGE_RED>(),
-    colourRange<KELADJUST_RANGE_ORANGE>(),
-    colourRange<KELADJUST_RANGE_YELLOW>(),
-    colourRange<KELADJUST_RANGE_GREEN>(),
-    colourRange<KELADJUST_RANGE_MAGENTA>(),
-    colourRange<KELADJUST_RANGE_PURPLE>(),
-    colourRange<KELADJUST_RANGE_BLUE>(),
-    colourRange<KELADJUST_RANGE_AQUA>(),
-    vignette(),
-    spatial<clarity, &P::clarity>(),
-    spatial<sharpen, &P::sharpen>(),
-    spatial<distortFilter, &P::distortion>(),
-    spatial<fringingFilter, &P::fringing>(),
-    spatial<dehaze, &P::dehaze>(),
-    spatial<diffuse, &P::diffuse>(),
-    spatial<deNoiseRGB, &P::colourNoiseReduction>(),
-    spatial<deNoiseLumiance, &P::luminanceNoiseReduction>(),
-};
-
 /// Neighbouring per-pixel stages that wait for their common pass.
 class CommonPass {
 public:
-    explicit CommonPass(CxImage& image) : image_(image), layout_(layoutOf(image)) {}
+    explicit CommonPass(const Picture& picture) : picture_(picture) {}
 
     void add(KernelPointer kernel) {
         // Two tables are one where nothing happens to a lane between them: it is stored whole, or
         // it is one of three alike.
         const bool followsTable = count_ > 0 && kernels_[count_ - 1]->table() != nullptr;
-        const bool lanesPass = storesLanesWhole(layout_) || layout_ == PixelLayout::gray8;
+        const PixelLayout layout = picture_.layout;
+        const bool lanesPass = storesLanesWhole(layout) || layout == PixelLayout::gray8;
         if (lanesPass && followsTable && kernel->table() != nullptr) {
             KernelPointer& last = kernels_[count_ - 1];
             last = std::make_unique<ComposedTable>(*last->table(), *kernel->table());
@@ -133,30 +38,30 @@ public:
     }
 
     void run() {
-        std::array<const PixelKernel*, std::size(stages)> kernels;
+        if (count_ == 0) return;
+        std::array<const PixelKernel*, stages.size()> kernels;
         for (std::size_t i = 0; i < count_; ++i) kernels[i] = kernels_[i].get();
-        runKernels(image_, {kernels.data(), count_});
+        runKernels(picture_, {kernels.data(), count_});
         count_ = 0;
     }
 
 private:
-    CxImage& image_;
-    PixelLayout layout_;
-    std::array<KernelPointer, std::size(stages)> kernels_;
+    const Picture& picture_;
+    std::array<KernelPointer, stages.size()> kernels_;
     std::size_t count_ = 0;
 };
 
-bool canShareAPass(const Stage& stage, const CxImage& image) {
-    if (stage.kernel == nullptr || !hasPixels(&image)) return false;
-    return stage.addressing == Addressing::pixels || rawWalkMeetsPixels(image);
+bool canShareAPass(const Stage& stage, const Picture& picture) {
+    if (stage.forms.pixels == nullptr) return false;
+    return stage.addressing == Addressing::pixels || rawWalkMeetsPixels(picture);
 }
 
 /// Puts the stage into the pass, if it can be there; false if it runs by itself.
-bool joinPass(const Stage& stage, const CxImage& image, const _AdjustParam& parameters,
+bool joinPass(const Stage& stage, const Picture& picture, const _AdjustParam& parameters,
               CommonPass& pass) {
-    if (!canShareAPass(stage, image)) return false;
+    if (!canShareAPass(stage, picture)) return false;
     try {
-        KernelPointer kernel = stage.kernel(image, parameters);
+        KernelPointer kernel = stage.forms.pixels(picture, stage.slots(parameters));
         if (kernel->active()) pass.add(std::move(kernel));
         return true;
     } catch (const std::bad_alloc&) {
@@ -164,22 +69,73 @@ bool joinPass(const Stage& stage, const CxImage& image, const _AdjustParam& para
     }
 }
 
-void runStages(CxImage& image, const _AdjustParam& parameters) {
-    CommonPass pass(image);
-    for (const Stage& stage : stages) {
-        if (joinPass(stage, image, parameters, pass)) continue;
-        pass.run();
-        stage.run(&image, parameters);
+unsigned effortOf(const Stage& stage, const _AdjustParam& parameters) {
+    return stage.isActive(parameters) ? stage.effort : 0;
+}
+
+/// Gives stages their parts of the progress, by what they take.
+class Efforts {
+public:
+    /// Of the stages from a wing on.
+    Efforts(const _AdjustParam& parameters, Wing first) {
+        for (const Stage& stage : stages) {
+            if (stage.wing >= first) total_ += effortOf(stage, parameters);
+        }
     }
-    pass.run();
+
+    /// The next part of the whole.
+    platform::ProgressPart next(unsigned effort) {
+        const float begin = share();
+        done_ += effort;
+        return {begin, share()};
+    }
+
+private:
+    float share() const {
+        return total_ == 0 ? 0.0f : static_cast<float>(done_) / static_cast<float>(total_);
+    }
+
+    unsigned total_ = 0;
+    unsigned done_ = 0;
+};
+
+void runStages(CxImage* image, const Picture& picture, const _AdjustParam& parameters) {
+    Efforts efforts(parameters, Wing::tone);
+    CommonPass pass(picture);
+    unsigned passEffort = 0;
+    const auto runPass = [&] {
+        const platform::ProgressPart part = efforts.next(passEffort);
+        pass.run();
+        passEffort = 0;
+    };
+    for (const Stage& stage : stages) {
+        if (joinPass(stage, picture, parameters, pass)) {
+            passEffort += effortOf(stage, parameters);
+            continue;
+        }
+        runPass();
+        if (platform::isCancelled()) return;
+        const platform::ProgressPart part = efforts.next(effortOf(stage, parameters));
+        stage.run(image, parameters);
+    }
+    runPass();
 }
 
 }  // namespace
 
+void runSpatialStages(CxImage& image, const _AdjustParam& parameters) {
+    Efforts efforts(parameters, Wing::spatial);
+    for (const Stage& stage : stages) {
+        if (stage.wing != Wing::spatial) continue;
+        if (platform::isCancelled()) return;
+        const platform::ProgressPart part = efforts.next(effortOf(stage, parameters));
+        stage.run(&image, parameters);
+    }
+}
+
 CxImage* runCpuPipeline(CxImage* image, const _AdjustParam& parameters) noexcept {
-    return exportedForm(image, [&] {
-        if (image != nullptr) runStages(*image, parameters);
-    });
+    return exportedForm(image,
+                        [&](const Picture& picture) { runStages(image, picture, parameters); });
 }
 
 }  // namespace keladjust

@@ -9,6 +9,9 @@ namespace keladjust {
 /// stages share one pass over the picture; the result is that of the stages called one by one.
 CxImage* runCpuPipeline(CxImage* image, const _AdjustParam& parameters) noexcept;
 
+/// The last part of it, which the GPU path shares: the stages that look at more than one pixel.
+void runSpatialStages(CxImage& image, const _AdjustParam& parameters);
+
 }  // namespace keladjust
 
 #endif

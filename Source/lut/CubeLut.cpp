@@ -1,19 +1,12 @@
 #include "lut/CubeLut.h"
 
 #include <cmath>
-#include <type_traits>
 #include <utility>
 
-#include "filters/BrightnessContrast.h"
-#include "filters/ColourKernel.h"
-#include "filters/ColourRanges.h"
-#include "filters/ExposureTonalRanges.h"
-#include "filters/Saturation.h"
-#include "filters/TemperatureTint.h"
-#include "filters/VibranceHue.h"
 #include "lut/CubeFile.h"
+#include "lut/TableStages.h"
 #include "platform/FloatingPoint.h"
-#include "platform/Parallel.h"
+#include "walks/ColourKernel.h"
 
 namespace keladjust {
 
@@ -35,62 +28,6 @@ constexpr std::array<float, CubeLut::edge> unitLevels = [] {
     for (unsigned i = 0; i < levels.size(); ++i) levels[i] = static_cast<float>(i) / 31.0f;
     return levels;
 }();
-
-// All stages that a table can hold.
-class TableStages {
-public:
-    explicit TableStages(const _AdjustParam& p)
-        : temperature_(p.temperature),
-          tint_(p.tint),
-          exposure_(p.exposure),
-          brightness_(p.brightness),
-          contrast_(p.contrast),
-          vibrance_(p.vibrance),
-          saturation_(p.saturation),
-          highlights_(p.highlights),
-          shadows_(p.shadows),
-          whites_(p.whites),
-          blacks_(p.blacks),
-          ranges_(rangesOf(p.range)) {}
-
-    void change(ColourRun& run) const {
-        const ColourKernel* const global[] = {&temperature_, &tint_,     &exposure_,   &brightness_,
-                                              &contrast_,    &vibrance_, &saturation_, &highlights_,
-                                              &shadows_,     &whites_,   &blacks_};
-        for (const ColourKernel* kernel : global) changeIfActive(*kernel, run);
-        for (const ColourRangeKernel& range : ranges_) changeIfActive(range, run);
-    }
-
-private:
-    static constexpr std::size_t rangeCount = std::extent_v<decltype(_AdjustParam::range)>;
-    using Ranges = std::array<ColourRangeKernel, rangeCount>;
-
-    static Ranges rangesOf(const _AdjustColourRange (&ranges)[rangeCount]) {
-        return [&]<std::size_t... place>(std::index_sequence<place...>) {
-            return Ranges{rangeOf(ranges[place])...};
-        }
-        (std::make_index_sequence<rangeCount>());
-    }
-    static ColourRangeKernel rangeOf(const _AdjustColourRange& r) {
-        return {r.minDegree, r.maxDegree, r.hue, r.saturation, r.brightness};
-    }
-    static void changeIfActive(const ColourKernel& kernel, ColourRun& run) {
-        if (kernel.active()) kernel.change(run);
-    }
-
-    TemperatureKernel temperature_;
-    TintKernel tint_;
-    ExposureKernel exposure_;
-    BrightnessKernel brightness_;
-    ContrastKernel contrast_;
-    VibranceKernel vibrance_;
-    SaturationKernel saturation_;
-    HighlightKernel highlights_;
-    ShadowKernel shadows_;
-    WhiteLevelKernel whites_;
-    BlackLevelKernel blacks_;
-    Ranges ranges_;
-};
 
 // A row of the texture: of eight tiles the colours with one green.
 constexpr unsigned tilesPerRow = 8;
@@ -147,17 +84,18 @@ void CubeLut::build() {
 float* CubeLut::bake(const _AdjustParam& parameters) {
     if (grid_ == nullptr) return nullptr;
     const platform::DefaultFloatingPoint scope;
+    const TableStages tableStages(parameters);
     state_ = State::baking;
-    const TableStages stages(parameters);
     // All stages see one row after another, which fits the first-level cache.
-    const auto bakeRow = [&](std::size_t row, ColourRun& run) {
+    const auto fill = [](std::size_t row, ColourRun& run) {
         run.count = coloursPerRow;
         forEachColourOfRow(row, [&](std::size_t i, unsigned red, unsigned green, unsigned blue) {
             run.red[i] = unitLevels[red];
             run.green[i] = unitLevels[green];
             run.blue[i] = unitLevels[blue];
         });
-        stages.change(run);
+    };
+    const auto store = [this](std::size_t row, const ColourRun& run) {
         float* entry = grid_.get() + 3 * coloursPerRow * row;
         forEachColourOfRow(row, [&](std::size_t i, unsigned red, unsigned green, unsigned blue) {
             *entry++ = run.red[i];
@@ -167,12 +105,7 @@ float* CubeLut::bake(const _AdjustParam& parameters) {
                                                   run.blue[i] * 255.0f};
         });
     };
-    constexpr std::size_t rowsPerThread = 16;
-    platform::parallelBands(rowCount, platform::bandCount(rowCount, rowsPerThread),
-                            [&](std::size_t, std::size_t begin, std::size_t end) {
-                                ColourRun run;
-                                for (std::size_t row = begin; row < end; ++row) bakeRow(row, run);
-                            });
+    bakeRuns(tableStages, rowCount, fill, store);
     state_ = State::idle;
     return grid_.get();
 }

@@ -5,7 +5,8 @@
 
 namespace keladjust::platform {
 
-/// Bounds the threads of parallelBands(), the caller's included; 0 or less: as many as cores.
+/// Bounds the threads of parallelBands(), the caller's included; 0 or less: as many as cores. A
+/// call may have a limit of its own; see CallScope.
 void setThreadLimit(int count) noexcept;
 
 /// How many bands parallelBands() makes of `count` items when a band holds at least `grain` (>= 1).
@@ -25,7 +26,7 @@ void runBands(std::size_t count, std::size_t bands, BandWork work);
 /// All threads are joined before the call returns, also when `body` throws (the first exception is
 /// then passed on), so nothing outlives it. Bands for which no thread can be started run on the
 /// caller's, so that no shortage stops a stage halfway. Workers compute in the default
-/// floating-point environment.
+/// floating-point environment and take part in the caller's CallScope.
 template <class Body>
 void parallelBands(std::size_t count, std::size_t bands, const Body& body) {
     runBands(count, bands,

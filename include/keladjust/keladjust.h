@@ -15,6 +15,7 @@
  * floating-point environment, which every call restores.
  */
 
+#include <stddef.h>
 #include <stdint.h>
 #ifndef __cplusplus
 #include <stdbool.h>
@@ -29,6 +30,11 @@
 #else
 #define KELADJUST_API
 #endif
+
+/** The version of this header; keladjustVersion() gives the library's. */
+#define KELADJUST_VERSION_MAJOR 0
+#define KELADJUST_VERSION_MINOR 2
+#define KELADJUST_VERSION_PATCH 0
 
 /** Order of the bytes of a pixel; see CxImage. 32 bits wide. */
 typedef enum _ImagePixelFormat {
@@ -80,7 +86,7 @@ enum {
  * 0 for all others. Ranges in the comments are the useful ones.
  */
 typedef struct _AdjustParam {
-    int32_t temperature; /**< 1700..24400 or so; identity 11500, warmer above, cooler below */
+    int32_t temperature; /**< 1700..16400; identity 11500, warmer above, cooler below */
     float tint;          /**< -100..100, green to magenta */
     float exposure;      /**< -100..100; 50 is a factor of 2^0.6 */
     float brightness;    /**< -100..100 */
@@ -148,6 +154,46 @@ KELADJUST_API const char* setLogPath(const char* path);
 /** Bounds the threads that one call may use, the caller's included; 0 or less: as many as cores. */
 KELADJUST_API void setMaxThreads(int count);
 
+/** The library's version, such as "0.2.0". */
+KELADJUST_API const char* keladjustVersion(void);
+
+/** @} */
+
+/**
+ * @name The record describes itself
+ * @{
+ */
+
+/**
+ * One slot of `_AdjustParam`, as options, sliders, properties and help show it.
+ *
+ * A record in which every slot has its `identity` leaves pictures alone; one that starts from
+ * `usual` does so, too, and has colour ranges and vignette of a shape that makes sense as soon as
+ * one of their other settings is moved. The two differ in no slot of this version. Slots that only
+ * say how others act, which are the bounds of colour ranges and the shape of the vignette, leave
+ * the picture alone at any value.
+ */
+typedef struct KeladjustSetting {
+    const char* name;  /**< in kebab-case: "exposure", "red-hue", "vignette-amount" */
+    const char* label; /**< "Exposure" */
+    const char* group; /**< heading over neighbours: "Basic" */
+    const char* help;  /**< one line, without a full stop */
+    int32_t slot;      /**< 0..64: the value stands 4 * slot bytes into the record */
+    int32_t isInteger; /**< 1: an int32_t (temperature); 0: a float */
+    float identity;
+    float lowest; /**< of the useful range; any value works */
+    float highest;
+    float usual; /**< what a front end starts from */
+} KeladjustSetting;
+
+/**
+ * Every slot of the record, in its order.
+ *
+ * @param count how many there are; may be null
+ * @return a table that lives as long as the library is loaded
+ */
+KELADJUST_API const KeladjustSetting* keladjustSettings(int* count);
+
 /** @} */
 
 /**
@@ -193,6 +239,70 @@ KELADJUST_API void releaseCxImage(CxImage* image);
  * @return `image`
  */
 KELADJUST_API CxImage* doAdjust(CxImage* image, _AdjustParam parameters);
+
+/** Where keladjustRun() works. */
+typedef enum KeladjustPath {
+    KELADJUST_AUTO = 0, /**< as doAdjust() would: on the GPU if it can, else on the CPU */
+    KELADJUST_CPU = 1,
+    KELADJUST_GPU = 2 /**< on the GPU or not at all */
+} KeladjustPath;
+
+/** What a host wants from keladjustRun() beside the result, and what it is told. */
+typedef struct KeladjustRun {
+    uint32_t size;      /**< sizeof(KeladjustRun); what lies behind counts as 0, is not written */
+    int32_t path;       /**< a KeladjustPath */
+    int32_t maxThreads; /**< of this call; 0 or less: as setMaxThreads() says */
+    /**
+     * Called every few milliseconds on the calling thread, with the share of the work that is done:
+     * it begins at 0, never falls, and is 1 once all is done. May be null. A result other than 0
+     * cancels, and so does a C++ exception, which goes no further; at 1 it is too late for that. It
+     * may adjust other pictures with this library on the CPU, but must neither start nor stop the
+     * engine nor call doAdjust(). Sees the default floating-point environment.
+     */
+    int32_t (*progress)(void* user, float share);
+    void* user;        /**< for `progress` */
+    int32_t pathTaken; /**< out: KELADJUST_CPU or KELADJUST_GPU; KELADJUST_AUTO if refused */
+    char reason[128];  /**< out: why not the path asked for, or why refused; "" otherwise */
+} KeladjustRun;
+
+/** How keladjustRun() ended. */
+typedef enum KeladjustResult {
+    KELADJUST_DONE = 0,
+    KELADJUST_CANCELLED = 1, /**< the picture is adjusted in part */
+    KELADJUST_REFUSED = 2    /**< the picture is as it was */
+} KeladjustResult;
+
+/**
+ * Applies every setting, in a fixed order, in place, as doAdjust() does, and tells how it went.
+ *
+ * On the CPU any number of threads may call it at a time, for pictures of their own, while the
+ * engine is running or not. On the GPU calls wait for one another and for doAdjust().
+ *
+ * What KELADJUST_AUTO finds the GPU unable to adjust is adjusted on the CPU as a whole. Cancelling
+ * takes effect within some 20 ms of work on a picture of 12 megapixels; hosts that cancel work on a
+ * copy.
+ *
+ * @param recordBytes sizeof(_AdjustParam) of the host's header. Slots that are missing from a
+ *                    shorter record are at identity; a longer one is refused unless what this
+ *                    library does not know is 0.
+ * @param run         may be null: KELADJUST_AUTO, nothing else
+ */
+KELADJUST_API KeladjustResult keladjustRun(CxImage* image, const _AdjustParam* record,
+                                           size_t recordBytes, KeladjustRun* run);
+
+/**
+ * Bakes the per-pixel settings into a cubic colour table of any size, in the host's memory. Unlike
+ * getLut3dData() it needs no initOgreRunTime() and any number of threads may call it at a time.
+ *
+ * @param recordBytes as in keladjustRun()
+ * @param dimension   colours along each axis, 2..256; colour i of n has the level i / (n - 1)
+ * @param redFastest  true: red varies fastest, then green, as in cube files; false: blue
+ * @param points      dimension^3 triples red, green, blue in 0..1
+ * @return false if the record is refused, an argument is out of range or null, or memory is short;
+ *         `points` are then untouched
+ */
+KELADJUST_API bool keladjustBake(const _AdjustParam* record, size_t recordBytes, int dimension,
+                                 bool redFastest, float* points);
 
 /**
  * Bakes the per-pixel settings into a 32 x 32 x 32 colour table. `clarity`, `sharpen`, the vignette
@@ -352,10 +462,15 @@ KELADJUST_API void meanFilter15(const unsigned char* source, unsigned char* dest
                                 int height);
 /**
  * The smaller of each byte of `minimum` and the truncated product of `mean` and `factor`.
- * @return a new map of width x height bytes for `free`; null if memory is short or a map is missing
+ * @return a new map of width x height bytes for keladjustFree(); null if memory is short or a map
+ * is missing
  */
 KELADJUST_API unsigned char* estimateVeil(const unsigned char* minimum, const unsigned char* mean,
                                           int width, int height, float factor);
+/**
+ * Frees what estimateVeil() gave, whatever run-time library the host has; null is ignored.
+ */
+KELADJUST_API void keladjustFree(void* memory);
 /** The largest byte of a map; 0 for an empty one. */
 KELADJUST_API unsigned char mapMaximum(const unsigned char* map, int width, int height);
 /**

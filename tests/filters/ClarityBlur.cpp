@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "filters/StackBlur.h"
+#include "filters/blur/StackBlur.h"
 #include "models/StackBlur.h"
 #include "support/HostPicture.h"
 #include "support/InstructionSets.h"

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
-#include "filters/ColourRanges.h"
 #include "models/ColourRanges.h"
 #include "support/ColourSweep.h"
 #include "support/OddNumbers.h"
@@ -11,8 +11,6 @@
 namespace {
 
 using namespace keladjust::test;
-
-using keladjust::HueBand;
 
 class ColourRange : public testing::TestWithParam<Range> {};
 
@@ -41,29 +39,69 @@ INSTANTIATE_TEST_SUITE_P(Bands, ColourRange,
                                          Range{180, 300, 100, 0, -100}, Range{0, 360, 15, 100, 100},
                                          Range{300, 0, 40, 0, 20}));
 
-TEST(HueBand, TriangleBetweenItsBounds) {
-    const HueBand band(60.0f, 180.0f);
-    EXPECT_EQ(band.weight(60.0f), 0.0f);
-    EXPECT_EQ(band.weight(90.0f), 0.5f);
-    EXPECT_EQ(band.weight(120.0f), 1.0f);
-    EXPECT_EQ(band.weight(150.0f), 0.5f);
-    EXPECT_EQ(band.weight(180.0f), 0.0f);
-    EXPECT_EQ(band.weight(300.0f), 0.0f);
+// How much of a pure colour's saturation a band takes off: of a full one whose smallest channel is
+// 0 the weight is twice what that becomes.
+float weightAt(float minDegree, float maxDegree, Floats pure) {
+    float colour[] = {pure[0], pure[1], pure[2]};
+    lut3d_adjustSaturationFilter(colour, 1, 3, minDegree, maxDegree, -100.0f);
+    return 2.0f * std::min({colour[0], colour[1], colour[2]});
+}
+
+constexpr Floats atHue0{1, 0, 0};
+constexpr Floats atHue15{1, 0.25f, 0};
+constexpr Floats atHue30{1, 0.5f, 0};
+constexpr Floats atHue60{1, 1, 0};
+constexpr Floats atHue90{0.5f, 1, 0};
+constexpr Floats atHue120{0, 1, 0};
+constexpr Floats atHue150{0, 1, 0.5f};
+constexpr Floats atHue180{0, 1, 1};
+constexpr Floats atHue300{1, 0, 1};
+constexpr Floats atHue345{1, 0, 0.25f};
+
+TEST(HueBand, IsATriangleBetweenItsBounds) {
+    EXPECT_EQ(weightAt(60, 180, atHue60), 0.0f);
+    EXPECT_EQ(weightAt(60, 180, atHue90), 0.5f);
+    EXPECT_EQ(weightAt(60, 180, atHue120), 1.0f);
+    EXPECT_EQ(weightAt(60, 180, atHue150), 0.5f);
+    EXPECT_EQ(weightAt(60, 180, atHue180), 0.0f);
+    EXPECT_EQ(weightAt(60, 180, atHue300), 0.0f);
 }
 
 TEST(HueBand, WrapsThroughZero) {
-    const HueBand band(330.0f, 30.0f);
-    EXPECT_EQ(band.weight(345.0f), 0.5f);
-    EXPECT_EQ(band.weight(0.0f), 1.0f);
-    EXPECT_EQ(band.weight(15.0f), 0.5f);
-    EXPECT_EQ(band.weight(30.0f), 0.0f);
-    EXPECT_EQ(band.weight(180.0f), 0.0f);
-    EXPECT_EQ(HueBand(300.0f, 0.0f).weight(0.0f), 1.0f);
+    EXPECT_EQ(weightAt(330, 30, atHue345), 0.5f);
+    EXPECT_EQ(weightAt(330, 30, atHue0), 1.0f);
+    EXPECT_EQ(weightAt(330, 30, atHue15), 0.5f);
+    EXPECT_EQ(weightAt(330, 30, atHue30), 0.0f);
+    EXPECT_EQ(weightAt(330, 30, atHue180), 0.0f);
+    EXPECT_EQ(weightAt(300, 0, atHue0), 1.0f);
 }
 
 TEST(HueBand, WithoutBoundsWeighsNothing) {
-    EXPECT_EQ(HueBand(quietNan, 100.0f).weight(50.0f), 0.0f);
-    EXPECT_EQ(HueBand(0.0f, quietNan).weight(50.0f), 0.0f);
+    EXPECT_EQ(weightAt(quietNan, 100, atHue60), 0.0f);
+    EXPECT_EQ(weightAt(0, quietNan, atHue60), 0.0f);
+}
+
+// Channels far outside 0..1, NaN and infinities among them: every one of the ways through HSL.
+TEST(ColourRange, FollowsTheFormulaInTablesOfAnyNumbers) {
+    std::vector<Floats> entries;
+    const float numbers[] = {-infinity, -3e38f, -2.5f, -0.0f,    0.25f,   0.5f,
+                             1.0f,      1.75f,  3e38f, infinity, quietNan};
+    for (const float red : numbers) {
+        for (const float green : numbers) {
+            for (const float blue : numbers) entries.push_back({red, green, blue});
+        }
+    }
+    for (const Range r :
+         {Range{330, 30, 25, 0, 0}, Range{60, 180, -100, 60, 30}, Range{0, 360, quietNan, 100, 100},
+          Range{-90, 500, 1e30f, -300, 900}, Range{300, 0, -infinity, 5, 5}}) {
+        for (const Floats& entry : entries) {
+            float got[] = {entry[0], entry[1], entry[2]};
+            lut3d_doHSLAdjustFilter(got, 1, 3, r.min, r.max, r.hue, r.saturation, r.brightness);
+            const Floats expected = rangeModel(r, entry, clampUnit);
+            ASSERT_EQ((Floats{got[0], got[1], got[2]}), expected)
+                << entry[0] << ", " << entry[1] << ", " << entry[2] << ", hue " << r.hue;
+        }
+    }
 }
 
 TEST(ColourRanges, LeaveGreysAloneButForBrightnessAtBlue) {

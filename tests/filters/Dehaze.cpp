@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
@@ -156,6 +157,22 @@ TEST(Dehaze, AtZeroChangesNothing) {
     const auto before = picture.fillRandom(2).bytes();
     EXPECT_EQ(dehaze(picture.image(), -0.0f), picture.image());
     EXPECT_EQ(picture.bytes(), before);
+}
+
+TEST(MeanFilter, RefusesMapsThatOverlap) {
+    std::vector<std::uint8_t> map(40 * 30);
+    for (std::size_t i = 0; i < map.size(); ++i) map[i] = static_cast<std::uint8_t>(i * 7);
+    const std::vector<std::uint8_t> before = map;
+    meanFilter15(map.data(), map.data(), 40, 30);
+    EXPECT_EQ(map, before);
+    meanFilter15(map.data(), map.data() + 40, 40, 29);
+    EXPECT_EQ(map, before);
+    meanFilter15(map.data() + 20, map.data(), 40, 29);
+    EXPECT_EQ(map, before);
+    // Side by side they do not overlap.
+    meanFilter15(map.data(), map.data() + 600, 20, 30);
+    EXPECT_NE(map, before);
+    EXPECT_TRUE(std::equal(map.begin(), map.begin() + 600, before.begin()));
 }
 
 }  // namespace

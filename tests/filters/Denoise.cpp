@@ -481,4 +481,22 @@ TEST(Denoise, ResultsAreKept) {
     EXPECT_EQ(fnv1a(inPlace(plane, 203, 119, 208, 15.0f)), 1030138388953402086u);
 }
 
+// The rows of an image that owns its pixels are written into a fresh buffer, as Combine() does it;
+// a host's own buffer keeps its padding.
+TEST(Denoise, ClearsThePaddingOfOwnedPixelsAlone) {
+    for (const auto stage : {deNoiseRGB, deNoiseLumiance}) {
+        CxImage owned(5, 3, 24, IMAGE_FORMAT_RGB);
+        std::fill_n(owned.GetBits(), owned.GetSize(), static_cast<unsigned char>(9));
+        stage(&owned, 20.0f);
+        std::vector<unsigned char> bytes(48, 9);
+        unsigned char* bits = bytes.data();
+        CxImage adopted(&bits, 5, 3, 24, IMAGE_FORMAT_RGB);
+        stage(&adopted, 20.0f);
+        for (unsigned y = 0; y < 3; ++y) {
+            EXPECT_EQ(owned.GetBits()[16 * y + 15], 0) << "row " << y;
+            EXPECT_EQ(bytes[16 * y + 15], 9) << "row " << y;
+        }
+    }
+}
+
 }  // namespace

@@ -9,12 +9,14 @@
 
 #include "models/SpatialStages.h"
 #include "support/HostPicture.h"
+#include "support/OddNumbers.h"
 
 namespace {
 
 using keladjust::test::distortionModel;
 using keladjust::test::fringingModel;
 using keladjust::test::HostPicture;
+using keladjust::test::infinity;
 
 HostPicture greyRamp(unsigned width, unsigned height) {
     HostPicture picture(width, height, 8, IMAGE_FORMAT_GRAY);
@@ -214,6 +216,14 @@ TEST(LensCorrection, AtZeroChangesNothing) {
     EXPECT_EQ(distortFilter(picture.image(), 0.0f), picture.image());
     EXPECT_EQ(fringingFilter(picture.image(), -0.0f), picture.image());
     EXPECT_EQ(picture.bytes(), before);
+}
+
+TEST(Fringing, OfASinglePixelAtAnEndlessSettingIsThePixel) {
+    // Nothing times infinity is no number, which the lower bound stands for: the pixel itself.
+    HostPicture picture(1, 1, 32, IMAGE_FORMAT_BGRA);
+    picture.setPixel(0, 0, {10, 20, 30, 40});
+    fringingFilter(picture.image(), infinity);
+    EXPECT_EQ(picture.pixel(0, 0), (_tagMyRGBQUAD{10, 20, 30, 40}));
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 #include <cstring>
 #include <vector>
 
-#include "filters/Angle.h"
+#include "arithmetic/Angle.h"
 #include "models/RawPixels.h"
 #include "models/Scalars.h"
 #include "models/StackBlur.h"

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstddef>
 
-#include "filters/Angle.h"
+#include "arithmetic/Angle.h"
 #include "models/Scalars.h"
 
 /// Vibrance, and the rotation about the grey axis.

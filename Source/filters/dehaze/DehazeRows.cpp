@@ -1,0 +1,251 @@
+// Dehaze's walks over pixels: what is darkest about each, and its veil taken off.
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "filters/dehaze/DehazeRows.cpp"
+#include <hwy/foreach_target.h>
+
+#include "arithmetic/Rounding.h"
+#include "filters/dehaze/DehazeRows.h"
+#include "walks/RowVectors-inl.h"
+
+#include <algorithm>
+
+HWY_BEFORE_NAMESPACE();
+namespace keladjust {
+namespace HWY_NAMESPACE {
+namespace {
+
+// Pixel by pixel: what the vectors below do for many at a time, and for the depths that they do not
+// know.
+
+Darkness darkestOneByOne(const std::uint8_t* pixels, std::size_t count, std::size_t step,
+                         std::uint8_t* darkest) {
+    const std::size_t channels = std::min<std::size_t>(3, step);
+    Darkness darkness;
+    for (std::size_t i = 0; i < count; ++i, pixels += step) {
+        darkest[i] = *std::min_element(pixels, pixels + channels);
+        darkness.sum += darkest[i];
+        darkness.brightest =
+            std::max(darkness.brightest, *std::max_element(pixels, pixels + channels));
+    }
+    return darkness;
+}
+
+void unveilOneByOne(std::uint8_t* pixels, std::size_t count, std::size_t step,
+                    const std::uint8_t* means, Veil veil) {
+    const std::size_t channels = std::min<std::size_t>(3, step);
+    for (std::size_t i = 0; i < count; ++i, pixels += step) {
+        const std::uint8_t darkest = *std::min_element(pixels, pixels + channels);
+        const int depth =
+            std::min(darkest, clampToByte(static_cast<float>(means[i]) * veil.factor));
+        const float kept = 1.0f - static_cast<float>(depth) / veil.light;
+        for (std::size_t c = 0; c < channels; ++c) {
+            pixels[c] = clampToByte(static_cast<float>(pixels[c] - depth) / kept);
+        }
+    }
+}
+
+#if HWY_TARGET == HWY_SCALAR
+
+Darkness darkestChannels(const std::uint8_t* pixels, std::size_t count, std::size_t step,
+                         std::uint8_t* darkest) {
+    return darkestOneByOne(pixels, count, step, darkest);
+}
+
+void unveil(std::uint8_t* pixels, std::size_t count, std::size_t step, const std::uint8_t* means,
+            Veil veil) {
+    unveilOneByOne(pixels, count, step, means, veil);
+}
+
+#else
+
+// One byte for every quad.
+using PixelTag = hn::Rebind<std::uint8_t, SignedQuadTag>;
+
+struct Colour {
+    SignedQuads at[3];
+};
+
+// The channels of as many pixels of three bytes as there are quads.
+HWY_INLINE Colour loadColour(const std::uint8_t* pixels) {
+    hn::Vec<PixelTag> bytes[3];
+    hn::LoadInterleaved3(PixelTag(), pixels, bytes[0], bytes[1], bytes[2]);
+    const SignedQuadTag tag;
+    return {
+        {hn::PromoteTo(tag, bytes[0]), hn::PromoteTo(tag, bytes[1]), hn::PromoteTo(tag, bytes[2])}};
+}
+
+HWY_INLINE void storeColour(const Colour& colour, std::uint8_t* pixels) {
+    const PixelTag tag;
+    hn::StoreInterleaved3(hn::DemoteTo(tag, colour.at[0]), hn::DemoteTo(tag, colour.at[1]),
+                          hn::DemoteTo(tag, colour.at[2]), tag, pixels);
+}
+
+HWY_INLINE SignedQuads darkestOf(const Colour& colour) {
+    return hn::Min(hn::Min(colour.at[0], colour.at[1]), colour.at[2]);
+}
+
+// Of pixels of four, without taking them apart.
+HWY_INLINE SignedQuads darkestOf(Bytes pixels) {
+    const Quads quads = hn::BitCast(QuadTag(), pixels);
+    const Bytes second = hn::BitCast(RowTag(), hn::ShiftRight<8>(quads));
+    const Bytes third = hn::BitCast(RowTag(), hn::ShiftRight<16>(quads));
+    const Bytes darkest = hn::Min(hn::Min(pixels, second), third);
+    return hn::And(hn::BitCast(SignedQuadTag(), darkest), hn::Set(SignedQuadTag(), 255));
+}
+
+std::uint8_t largestOf(Bytes bytes) {
+    HWY_ALIGN std::uint8_t lanes[32] = {};
+    hn::Store(bytes, RowTag(), lanes);
+    return *std::max_element(lanes, lanes + 32);
+}
+
+Darkness darkestChannels(const std::uint8_t* pixels, std::size_t count, std::size_t step,
+                         std::uint8_t* darkest) {
+    const std::size_t vector = hn::Lanes(SignedQuadTag());
+    SignedQuads sums = hn::Zero(SignedQuadTag());
+    Bytes brightest = hn::Zero(RowTag());
+    const auto take = [&](std::size_t i, SignedQuads smallest) HWY_ATTR {
+        hn::StoreU(hn::DemoteTo(PixelTag(), smallest), PixelTag(), darkest + i);
+        sums = hn::Add(sums, smallest);
+    };
+    std::size_t i = 0;
+    if (step == 4) {
+        for (; i + vector <= count; i += vector) {
+            const Bytes bytes = load(pixels + i * 4, Whole{});
+            take(i, darkestOf(bytes));
+            brightest = hn::Max(brightest, bytes);
+        }
+        brightest = hn::And(brightest, everyFour(0x00FFFFFF));
+    } else if (step == 3) {
+        for (; i + vector <= count; i += vector) {
+            const Colour colour = loadColour(pixels + i * 3);
+            take(i, darkestOf(colour));
+            const SignedQuads largest = hn::Max(hn::Max(colour.at[0], colour.at[1]), colour.at[2]);
+            brightest = hn::Max(brightest, hn::BitCast(RowTag(), largest));
+        }
+    }
+    Darkness darkness = darkestOneByOne(pixels + i * step, count - i, step, darkest + i);
+    HWY_ALIGN std::int32_t lanes[8];
+    hn::Store(sums, SignedQuadTag(), lanes);
+    for (std::size_t lane = 0; lane < vector; ++lane) {
+        darkness.sum += static_cast<std::uint32_t>(lanes[lane]);
+    }
+    darkness.brightest = std::max(darkness.brightest, largestOf(brightest));
+    return darkness;
+}
+
+// The veil on some pixels. It leaves every channel at least a tenth, so nothing here grows large.
+class VeilOnPixels {
+public:
+    explicit VeilOnPixels(Veil veil)
+        : factor_(hn::Set(FloatTag(), veil.factor)), light_(hn::Set(FloatTag(), veil.light)) {}
+
+    HWY_INLINE SignedQuads depth(const std::uint8_t* means, SignedQuads darkest) const {
+        const SignedQuads mean = hn::PromoteTo(SignedQuadTag(), hn::LoadU(PixelTag(), means));
+        return hn::Min(darkest, truncated(hn::Mul(toFloats(mean), factor_)));
+    }
+
+    HWY_INLINE Floats kept(SignedQuads depth) const {
+        return hn::Sub(hn::Set(FloatTag(), 1.0f), hn::Div(toFloats(depth), light_));
+    }
+
+    // Of a channel from which the depth is taken off.
+    HWY_INLINE static SignedQuads unveiled(SignedQuads channel, Floats kept) {
+        return hn::Min(truncated(hn::Div(toFloats(channel), kept)), hn::Set(SignedQuadTag(), 255));
+    }
+
+private:
+    Floats factor_;
+    Floats light_;
+};
+
+// The bytes at some place of every pixel of four as quads.
+HWY_INLINE SignedQuads bytesAt(Bytes pixels, const std::uint8_t* places) {
+    return hn::BitCast(SignedQuadTag(),
+                       hn::TableLookupBytesOr0(pixels, hn::LoadDup128(RowTag(), places)));
+}
+
+// Pixels of four: their depth is taken off before they are taken apart.
+HWY_INLINE void unveilFour(const VeilOnPixels& veil, const std::uint8_t* means,
+                           std::uint8_t* pixels) {
+    HWY_ALIGN static constexpr std::uint8_t spread[16] = {0, 0, 0, 128, 4,  4,  4,  128,
+                                                          8, 8, 8, 128, 12, 12, 12, 128};
+    HWY_ALIGN static constexpr std::uint8_t second[16] = {1, 128, 128, 128, 5,  128, 128, 128,
+                                                          9, 128, 128, 128, 13, 128, 128, 128};
+    HWY_ALIGN static constexpr std::uint8_t third[16] = {2,  128, 128, 128, 6,  128, 128, 128,
+                                                         10, 128, 128, 128, 14, 128, 128, 128};
+    const SignedQuadTag tag;
+    const Bytes bytes = load(pixels, Whole{});
+    const SignedQuads depth = veil.depth(means, darkestOf(bytes));
+    const Floats kept = veil.kept(depth);
+    const Bytes depths = hn::BitCast(RowTag(), bytesAt(hn::BitCast(RowTag(), depth), spread));
+    const Bytes rest = hn::SaturatedSub(bytes, depths);
+    const SignedQuads first = hn::And(hn::BitCast(tag, rest), hn::Set(tag, 255));
+    const Places<true> places{{veil.unveiled(first, kept),
+                               veil.unveiled(bytesAt(rest, second), kept),
+                               veil.unveiled(bytesAt(rest, third), kept)}};
+    store(joined(places, bytes), pixels, Whole{});
+}
+
+HWY_INLINE void unveilThree(const VeilOnPixels& veil, const std::uint8_t* means,
+                            std::uint8_t* pixels) {
+    Colour colour = loadColour(pixels);
+    const SignedQuads depth = veil.depth(means, darkestOf(colour));
+    const Floats kept = veil.kept(depth);
+    for (SignedQuads& channel : colour.at) {
+        channel = veil.unveiled(hn::Sub(channel, depth), kept);
+    }
+    storeColour(colour, pixels);
+}
+
+void unveil(std::uint8_t* pixels, std::size_t count, std::size_t step, const std::uint8_t* means,
+            Veil veil) {
+    const VeilOnPixels veilOnPixels(veil);
+    const std::size_t vector = hn::Lanes(SignedQuadTag());
+    std::size_t i = 0;
+    if (step == 4) {
+        for (; i + vector <= count; i += vector) {
+            unveilFour(veilOnPixels, means + i, pixels + i * 4);
+        }
+    } else if (step == 3) {
+        for (; i + vector <= count; i += vector) {
+            unveilThree(veilOnPixels, means + i, pixels + i * 3);
+        }
+    }
+    unveilOneByOne(pixels + i * step, count - i, step, means + i, veil);
+}
+
+#endif
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace keladjust
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace keladjust {
+
+HWY_EXPORT(darkestChannels);
+HWY_EXPORT(unveil);
+
+Darkness darkestChannels(const std::uint8_t* pixels, std::size_t count, std::size_t step,
+                         std::uint8_t* darkest) {
+    // Runs whose sums fit the 32 bits of a vector's lanes.
+    constexpr std::size_t runPixels = 1 << 22;
+    Darkness all;
+    for (std::size_t i = 0; i < count; i += runPixels) {
+        const Darkness run = HWY_DYNAMIC_DISPATCH(darkestChannels)(
+            pixels + i * step, std::min(runPixels, count - i), step, darkest + i);
+        all.sum += run.sum;
+        all.brightest = std::max(all.brightest, run.brightest);
+    }
+    return all;
+}
+void unveil(std::uint8_t* pixels, std::size_t count, std::size_t step, const std::uint8_t* means,
+            Veil veil) {
+    HWY_DYNAMIC_DISPATCH(unveil)(pixels, count, step, means, veil);
+}
+
+}  // namespace keladjust
+#endif

@@ -1,0 +1,181 @@
+#include "walks/StageForms.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+#include <optional>
+
+#include "platform/CallScope.h"
+#include "platform/Parallel.h"
+#include "walks/ByteMap.h"
+#include "walks/ColourMemory.h"
+#include "walks/RawWalk.h"
+#include "walks/ThreadShare.h"
+
+namespace keladjust {
+
+namespace {
+
+// Runs kernels on the rows of a band, one span after another.
+class SpanRunner {
+public:
+    SpanRunner(const Picture& picture, std::span<const PixelKernel* const> kernels,
+               std::size_t rows)
+        : picture_(picture), layout_(picture.layout), placed_(kernels) {
+        const auto looksAtPlace = [](const PixelKernel* kernel) { return kernel->looksAtPlace(); };
+        const auto before = static_cast<std::size_t>(
+            std::find_if(kernels.begin(), kernels.end(), looksAtPlace) - kernels.begin());
+        const std::span<const PixelKernel* const> anywhere = kernels.first(before);
+        if (rows * picture.width < pixelsPerThread || !ColourMemory::pays(anywhere)) return;
+        try {
+            memory_.emplace(layout_, anywhere);
+            placed_ = kernels.subspan(before);
+        } catch (const std::bad_alloc&) {
+            // Every pixel goes through every kernel then.
+        }
+    }
+
+    void run(std::size_t y) {
+        const std::size_t pixelBytes = bytesPerPixelOf(layout_);
+        std::uint8_t* const row = picture_.row(y);
+        PackedSpan span;
+        span.y = static_cast<unsigned>(y);
+        for (; span.x < picture_.width; span.x += static_cast<unsigned>(span.count)) {
+            std::uint8_t* const pixels = row + span.x * pixelBytes;
+            span.count = std::min<std::size_t>(PackedSpan::capacity, picture_.width - span.x);
+            if (layout_ == PixelLayout::bgra32 && span.count >= PackedSpan::stride) {
+                span.count -= span.count % PackedSpan::stride;
+                span.pixels = pixels;
+                change(span);
+            } else {
+                span.pixels = packed_.bytes;
+                loadSpan(layout_, pixels, span);
+                change(span);
+                storeSpan(layout_, span, pixels);
+            }
+        }
+    }
+
+private:
+    void change(PackedSpan& span) {
+        if (memory_) {
+            memory_->run(span);
+            if (!placed_.empty()) roundTrip(layout_, span);
+        }
+        runInTurn(layout_, placed_, span);
+    }
+
+    PackedPixels packed_;
+    std::optional<ColourMemory> memory_;  ///< of the kernels before the first of placed_
+    const Picture& picture_;
+    PixelLayout layout_;
+    std::span<const PixelKernel* const> placed_;
+};
+
+// How many threads share the rows.
+std::size_t rowBands(const Picture& picture) {
+    return platform::bandCount(picture.height, pixelsPerThread / picture.width + 1);
+}
+
+constexpr MappedBytes mappedBytesOf(std::size_t pixelBytes) {
+    return pixelBytes == 4 ? MappedBytes::threeOfFour : MappedBytes::all;
+}
+
+// The table that does all the work, where it can do it on the bytes in their places: they are the
+// channels, and what a lane loses in its picture is one of three alike.
+const ByteTable* onlyTable(PixelLayout layout, std::span<const PixelKernel* const> kernels) {
+    const bool bytesAreChannels = storesLanesWhole(layout) || layout == PixelLayout::gray8;
+    return bytesAreChannels && kernels.size() == 1 ? kernels.front()->table() : nullptr;
+}
+
+// A table on its way over a picture, as a ramp where it is one.
+class ByteMap {
+public:
+    explicit ByteMap(const ByteTable& table) : table_(table), ramp_(byteRampOf(table)) {}
+
+    void operator()(std::uint8_t* bytes, std::size_t pixelBytes, std::size_t count) const {
+        if (ramp_) {
+            rampBytes(*ramp_, mappedBytesOf(pixelBytes), bytes, count);
+        } else {
+            mapBytes(table_, mappedBytesOf(pixelBytes), bytes, count);
+        }
+    }
+
+private:
+    const ByteTable& table_;
+    std::optional<ByteRamp> ramp_;
+};
+
+void mapRows(const Picture& picture, const ByteTable& table) {
+    const ByteMap map(table);
+    const std::size_t pixelBytes = bytesPerPixelOf(picture.layout);
+    platform::parallelBands(picture.height, rowBands(picture),
+                            [&](std::size_t, std::size_t begin, std::size_t end) {
+                                for (std::size_t y = begin; y < end; ++y) {
+                                    if (platform::checkpoint(y - begin, end - begin)) return;
+                                    map(picture.row(y), pixelBytes, picture.width * pixelBytes);
+                                }
+                            });
+}
+
+}  // namespace
+
+void TableKernel::run(PackedSpan& span) const {
+    mapBytes(table_, MappedBytes::threeOfFour, span.pixels, 4 * span.count);
+}
+
+void runKernels(const Picture& picture, std::span<const PixelKernel* const> kernels) {
+    if (picture.layout == PixelLayout::none || kernels.empty()) return;
+    if (const ByteTable* const table = onlyTable(picture.layout, kernels)) {
+        mapRows(picture, *table);
+        return;
+    }
+    platform::parallelBands(picture.height, rowBands(picture),
+                            [&](std::size_t, std::size_t begin, std::size_t end) {
+                                SpanRunner runner(picture, kernels, end - begin);
+                                for (std::size_t y = begin; y < end; ++y) {
+                                    if (platform::checkpoint(y - begin, end - begin)) return;
+                                    runner.run(y);
+                                }
+                            });
+}
+
+void runColourKernel(float* lut, std::size_t count, std::ptrdiff_t stride,
+                     const ColourKernel& kernel) {
+    const std::size_t together = std::abs(stride) < 3 ? 1 : ColourRun::capacity;
+    ColourRun run;
+    for (std::size_t first = 0; first < count; first += run.count) {
+        float* const entries = lut + static_cast<std::ptrdiff_t>(first) * stride;
+        run.count = std::min(together, count - first);
+        float* entry = entries;
+        for (std::size_t i = 0; i < run.count; ++i, entry += stride) {
+            run.red[i] = entry[0];
+            run.green[i] = entry[1];
+            run.blue[i] = entry[2];
+        }
+        kernel.change(run);
+        entry = entries;
+        for (std::size_t i = 0; i < run.count; ++i, entry += stride) {
+            entry[0] = run.red[i];
+            entry[1] = run.green[i];
+            entry[2] = run.blue[i];
+        }
+    }
+}
+
+void mapRawWalk(const Picture& picture, const ByteTable& table) {
+    const RawWalk walk = rawWalkOf(picture);
+    const ByteMap map(table);
+    forEachShare(walk, [&](std::size_t begin, std::size_t end) {
+        if (walk.step <= 4) {
+            map(walk.first + begin * walk.step, walk.step, (end - begin) * walk.step);
+            return;
+        }
+        for (std::size_t i = begin; i < end; ++i) {
+            std::uint8_t* const pixel = walk.first + i * walk.step;
+            for (std::size_t c = 0; c < walk.channels; ++c) pixel[c] = table[pixel[c]];
+        }
+    });
+}
+
+}  // namespace keladjust
