@@ -32,8 +32,9 @@ void createFolder(const std::filesystem::path& folder) {
 }
 
 bool isIdentity(const _AdjustParam& record) {
-    return std::ranges::all_of(
-        fields(), [&](const Field& field) { return field.read(record) == field.identity; });
+    return std::ranges::all_of(allSettings(), [&](const KeladjustSetting& setting) {
+        return valueIn(record, setting) == static_cast<double>(setting.identity);
+    });
 }
 
 /// A picture that stays as it is need not wait for the engine.
@@ -44,7 +45,6 @@ GpuUse gpuUse(const Options& options) {
 
 int adjustPictures(const Options& options, const std::vector<PicturePlan>& plans,
                    Adjuster& adjuster) {
-    if (options.threads > 0) setMaxThreads(options.threads);
     const JobSettings settings{options.settings.record(), options.encoding, options.sheet};
     Narrator narrator(plans.size(), options.chatter, platform::errorsGoToTerminal());
     catchInterrupts();
@@ -63,7 +63,8 @@ int runAdjustCommand(const std::vector<std::string>& arguments) {
     if (!options) return exitAllFine;
     const OutputPlan plan = planOutputs(*options);
     // Before anything is written, because the engine may be a must and not come up.
-    Adjuster adjuster(plan.pictures.empty() ? GpuUse::never : gpuUse(*options));
+    Adjuster adjuster(plan.pictures.empty() ? GpuUse::never : gpuUse(*options), options->threads,
+                      interrupted);
     if (plan.folder) createFolder(*plan.folder);
     if (options->savePreset) writeFile(*options->savePreset, presetFromSettings(options->settings));
     return plan.pictures.empty() ? exitAllFine : adjustPictures(*options, plan.pictures, adjuster);

@@ -8,8 +8,7 @@
 
 namespace keladjust::app {
 
-/// Runs every plan, up to `jobs` at a time, until all are done or `stop` says so; pictures that
-/// were begun are finished.
+/// Runs every plan, up to `jobs` at a time, until all are done or `stop` says so.
 ///
 /// @param onReport gets the reports in the order of the plans, one at a time
 void runBatch(const std::vector<PicturePlan>& plans, const JobSettings& settings,

@@ -14,28 +14,30 @@ namespace keladjust::app {
 
 namespace {
 
-double parseValue(const Field& field, const std::string& text) {
+double parseValue(const KeladjustSetting& setting, const std::string& text) {
+    const std::string option = std::string("--") + setting.name;
     const auto value = numberFromText(text);
     if (!value) {
-        throw UsageError("--" + field.name + " needs a number, not \"" + text +
-                         "\"; useful values are " + rangeText(field));
+        throw UsageError(option + " needs a number, not \"" + text + "\"; useful values are " +
+                         rangeText(setting));
     }
     try {
-        field.check(*value, "--" + field.name);
+        checkValue(setting, *value, option);
     } catch (const Failure& failure) {
         throw UsageError(failure.what());
     }
     return *value;
 }
 
-std::string describe(const Field& field) {
-    return rangeText(field) + (field.meaning.empty() ? "" : "; " + field.meaning);
+std::string describe(const KeladjustSetting& setting) {
+    return rangeText(setting) + "; " + setting.help;
 }
 
 }  // namespace
 
 CommandLine::CommandLine(const std::string& description) : app_(description, "keladjust") {
-    app_.set_version_flag("--version", "keladjust " KELADJUST_VERSION, "Print the version");
+    app_.set_version_flag("--version", std::string("keladjust ") + keladjustVersion(),
+                          "Print the version");
     app_.set_help_flag("-h,--help", "Print this help");
     app_.get_formatter()->column_width(40);
     app_.allow_windows_style_options(false);
@@ -47,16 +49,16 @@ CommandLine::CommandLine(const std::string& description) : app_(description, "ke
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
         ->group("Settings");
-    for (const Field& field : fields()) {
+    for (const KeladjustSetting& setting : allSettings()) {
         app_.add_option_function<std::string>(
-                "--" + field.name,
-                [this, &field](const std::string& text) {
-                    explicit_.set(field, parseValue(field, text));
+                std::string("--") + setting.name,
+                [this, &setting](const std::string& text) {
+                    explicit_.set(setting, parseValue(setting, text));
                 },
-                describe(field))
+                describe(setting))
             ->type_name("N")
             ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)
-            ->group(std::string(field.group));
+            ->group(setting.group);
     }
 }
 

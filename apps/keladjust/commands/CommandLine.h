@@ -11,7 +11,7 @@
 
 namespace keladjust::app {
 
-/// What the commands have in common: --help, --version, --preset and one option per field.
+/// What the commands have in common: --help, --version, --preset and one option per setting.
 class CommandLine {
 public:
     explicit CommandLine(const std::string& description);
@@ -23,7 +23,7 @@ public:
     /// @throws UsageError
     bool parse(const std::vector<std::string>& arguments);
 
-    /// Presets from first to last, then the field options, wherever they stood.
+    /// Presets from first to last, then the options of settings, wherever they stood.
     ///
     /// @throws UsageError for a preset that cannot be read
     Settings settings() const;

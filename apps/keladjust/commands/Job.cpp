@@ -80,6 +80,8 @@ JobReport runJob(const PicturePlan& plan, const JobSettings& settings, Adjuster&
     report.input = plan.input;
     try {
         PictureJob(plan, settings, adjuster, report).run();
+    } catch (const Cancelled&) {
+        report.cancelled = true;
     } catch (const std::bad_alloc&) {
         report.failure =
             "not enough memory; close other programs, use --jobs 1 or a smaller picture";

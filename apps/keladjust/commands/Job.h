@@ -13,7 +13,7 @@ namespace keladjust::app {
 struct JobSettings {
     _AdjustParam record;
     EncodeOptions encoding;
-    const Field* sheet = nullptr;
+    const KeladjustSetting* sheet = nullptr;
 };
 
 /// What became of one picture.
@@ -23,6 +23,7 @@ struct JobReport {
     std::vector<std::string> notices;  ///< what was lost on the way
     std::string details;               ///< for who wants to know more
     std::string failure;               ///< empty if all went well
+    bool cancelled = false;            ///< begun, and left when the run was to stop
 };
 
 /// Reads, adjusts and writes one picture. Whatever goes wrong ends up in the report.

@@ -2,17 +2,14 @@
 
 #include <keladjust/keladjust.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "commands/CommandLine.h"
 #include "commands/ExitCode.h"
 #include "files/AtomicFile.h"
-#include "files/InputFile.h"
-#include "pictures/Engine.h"
-#include "platform/FileNames.h"
 #include "text/CubeText.h"
 #include "text/Failure.h"
 #include "text/PathText.h"
@@ -22,13 +19,14 @@ namespace keladjust::app {
 namespace {
 
 constexpr const char* lutDescription =
-    "Writes settings as a 3D colour table of 32 x 32 x 32 entries in a cube file.\n"
+    "Writes settings as a 3D colour table in a cube file.\n"
     "Clarity, sharpening, the vignette and all after it have no part in a colour table.";
 
 constexpr const char* lutExamples =
     "Examples:\n"
     "  keladjust lut --preset warm.json -o warm.cube\n"
-    "  keladjust lut --exposure 20 --vibrance 30 --order red-fastest -o look.cube";
+    "  keladjust lut --exposure 20 --vibrance 30 --order red-fastest -o look.cube\n"
+    "  keladjust lut --preset warm.json --size 64 -o fine.cube";
 
 void refuseToReplacePresets(const std::filesystem::path& output, const CommandLine& line) {
     std::error_code error;
@@ -40,32 +38,14 @@ void refuseToReplacePresets(const std::filesystem::path& output, const CommandLi
     }
 }
 
-/// The library does not tell whether the disk has taken all that it wrote.
-bool isWhole(const std::filesystem::path& cube) {
-    constexpr std::ptrdiff_t headerLines = 8;
-    constexpr std::ptrdiff_t colours = cubeSize * cubeSize * cubeSize;
-    return std::ranges::count(readFile(cube), '\n') == headerLines + colours;
-}
-
-void writeBlueFastest(const _AdjustParam& record, const std::filesystem::path& output) {
-    AtomicFile file(output);
-    file.write({});  // finds out, with a better message, whether the library can write there
-    const auto name = platform::narrow(file.temporary());
-    if (!name || !writeLut3DFile(record, name->c_str())) {
-        throw Failure("cannot write " + textOf(output) +
-                      "; check that the folder exists and you may write to it");
+std::string cube(const _AdjustParam& record, int size, CubeOrder order) {
+    const auto edge = static_cast<std::size_t>(size);
+    std::vector<float> points(3 * edge * edge * edge);
+    if (!keladjustBake(&record, sizeof record, size, order == CubeOrder::redFastest,
+                       points.data())) {
+        throw Failure("the colour table could not be made; close other programs");
     }
-    if (!isWhole(file.temporary())) {
-        throw Failure("cannot write " + textOf(output) + ": the disk did not take all of it; " +
-                      "choose another place with -o");
-    }
-    file.commit();
-}
-
-void writeRedFastest(const _AdjustParam& record, const std::filesystem::path& output) {
-    const float* table = getLut3dData(record);
-    if (table == nullptr) throw Failure("the colour table could not be made; close other programs");
-    writeFile(output, cubeRedFastest(table));
+    return cubeText(points, size, order);
 }
 
 }  // namespace
@@ -77,23 +57,24 @@ int runLutCommand(const std::vector<std::string>& arguments) {
     app.footer(lutExamples);
     std::string output;
     app.add_option("-o,--output", output, "The cube file to write")->type_name("FILE")->required();
-    std::string order = "blue-fastest";
+    int size = 32;
+    app.add_option("--size", size, "2..256 colours along each axis; usually 32")
+        ->check(CLI::Range(2, 256))
+        ->type_name("N");
+    const std::string blueFastest = "blue-fastest";
+    const std::string redFastest = "red-fastest";
+    std::string order = blueFastest;
     app.add_option("--order", order,
                    "blue-fastest (usual here) or red-fastest (what most other programs read)")
-        ->check(CLI::IsMember({"blue-fastest", "red-fastest"}))
+        ->check(CLI::IsMember({blueFastest, redFastest}))
         ->type_name("NAME");
     if (!line.parse(arguments)) return exitAllFine;
 
     const std::filesystem::path path = pathFromText(output);
     const _AdjustParam record = line.settings().record();
     refuseToReplacePresets(path, line);
-    // The library makes colour tables only between start and release.
-    const Engine engine(Engine::Configuration::none);
-    if (order == "red-fastest") {
-        writeRedFastest(record, path);
-    } else {
-        writeBlueFastest(record, path);
-    }
+    writeFile(path, cube(record, size,
+                         order == redFastest ? CubeOrder::redFastest : CubeOrder::blueFastest));
     return exitAllFine;
 }
 

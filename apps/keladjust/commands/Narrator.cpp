@@ -22,6 +22,7 @@ void Narrator::begin() {
 }
 
 void Narrator::tell(const JobReport& report) {
+    if (report.cancelled) return;
     clearBar();
     ++done_;
     const std::string name = textOf(report.input);

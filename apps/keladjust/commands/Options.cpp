@@ -38,12 +38,11 @@ const Codec* parseFormat(const std::string& text) {
     return codec;
 }
 
-const Field* parseField(const std::string& name) {
-    const Field* field = findField(name);
-    if (field != nullptr) return field;
-    std::vector<std::string> names;
-    for (const Field& each : fields()) names.push_back(each.name);
-    throw UsageError("--sheet: there is no setting \"" + name + '"' + suggestion(name, names));
+const KeladjustSetting* parseSetting(const std::string& name) {
+    const KeladjustSetting* setting = findSetting(name);
+    if (setting != nullptr) return setting;
+    throw UsageError("--sheet: there is no setting \"" + name + '"' +
+                     suggestion(name, settingNames()));
 }
 
 void refuseContradictions(const Options& options) {
@@ -95,7 +94,7 @@ std::optional<Options> parseOptions(const std::vector<std::string>& arguments) {
                  "Write NAME-compare too: before and after, side by side")
         ->group(output);
     app.add_option_function<std::string>(
-           "--sheet", [&](const std::string& text) { options.sheet = parseField(text); },
+           "--sheet", [&](const std::string& text) { options.sheet = parseSetting(text); },
            "Write NAME-sheet-SETTING too: small copies over that setting's range")
         ->type_name("SETTING")
         ->group(output);

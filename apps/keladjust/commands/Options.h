@@ -24,7 +24,7 @@ struct Options {
     Settings settings;
     std::optional<std::filesystem::path> savePreset;
     bool compare = false;
-    const Field* sheet = nullptr;
+    const KeladjustSetting* sheet = nullptr;
     int jobs = 1;
     int threads = 0;  ///< 0: the library's choice
     GpuUse gpu = GpuUse::never;

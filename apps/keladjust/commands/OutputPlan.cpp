@@ -77,7 +77,7 @@ PicturePlan planPicture(const Options& options, const fs::path& input, bool into
     }
     if (options.compare) plan.comparison = withSuffix(plan.output, "-compare");
     if (options.sheet != nullptr)
-        plan.sheet = withSuffix(plan.output, "-sheet-" + options.sheet->name);
+        plan.sheet = withSuffix(plan.output, std::string("-sheet-") + options.sheet->name);
     return plan;
 }
 

@@ -2,71 +2,91 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
 #include <vector>
 
 #include "pictures/PhotoImage.h"
-#include "settings/Fields.h"
+#include "settings/Record.h"
 
 namespace keladjust::app {
 
 namespace {
 
-struct Stage {
+using Work = std::function<void(CxImage*)>;
+
+/// What has no place in the record.
+struct Filter {
     const char* name;
     void (*run)(CxImage*);
 };
 
-_AdjustParam elevenSettings() {
-    _AdjustParam p = identityRecord();
-    p.temperature = 13000;
-    p.tint = 10;
-    p.exposure = 10;
-    p.brightness = 10;
-    p.contrast = 20;
-    p.vibrance = 30;
-    p.saturation = 20;
-    p.highlights = -40;
-    p.shadows = 35;
-    p.whites = 20;
-    p.blacks = -15;
-    return p;
-}
-
-_AdjustParam eightRanges() {
-    _AdjustParam p = identityRecord();
-    for (_AdjustColourRange& range : p.range) range.saturation = 20;
-    return p;
-}
-
-constexpr Stage stages[] = {
-    {"temperature", [](CxImage* i) { temperatureAdjustment(i, 13000); }},
-    {"tint", [](CxImage* i) { tintAdjustment(i, 30); }},
-    {"exposure", [](CxImage* i) { exposureAdjustment(i, 20); }},
-    {"brightness", [](CxImage* i) { brightnessAdjustment(i, 20); }},
-    {"contrast", [](CxImage* i) { contrastAdjustment(i, 20); }},
-    {"vibrance", [](CxImage* i) { vibranceAdjustment(i, 40); }},
-    {"saturation", [](CxImage* i) { saturationAdjustment(i, 20); }},
-    {"highlights", [](CxImage* i) { hdrHighlight(i, -40); }},
-    {"shadows", [](CxImage* i) { hdrShadow(i, 40); }},
-    {"whites", [](CxImage* i) { hdrWhiteLevel(i, 20); }},
-    {"blacks", [](CxImage* i) { hdrBlackLevel(i, -20); }},
+constexpr Filter filters[] = {
     {"hue", [](CxImage* i) { hueAdjustment(i, 30); }},
-    {"colour range, one slider", [](CxImage* i) { adjustSaturationFilter(i, 0, 60, 30); }},
-    {"colour range, three sliders", [](CxImage* i) { doHSLAdjustFilter(i, 0, 60, 20, 30, -20); }},
-    {"vignette", [](CxImage* i) { vignetteAdjustFilter(i, -50, 50, 50, 50, 0, 0); }},
-    {"clarity", [](CxImage* i) { clarity(i, 40); }},
-    {"sharpen", [](CxImage* i) { sharpen(i, 60); }},
-    {"distortion", [](CxImage* i) { distortFilter(i, 20); }},
-    {"fringing", [](CxImage* i) { fringingFilter(i, 20); }},
-    {"dehaze", [](CxImage* i) { dehaze(i, 40); }},
-    {"diffuse", [](CxImage* i) { diffuse(i, 30); }},
-    {"colour noise reduction", [](CxImage* i) { deNoiseRGB(i, 30); }},
-    {"luminance noise reduction", [](CxImage* i) { deNoiseLumiance(i, 30); }},
     {"grain", [](CxImage* i) { addNoiseFilter(i, 30, 50); }},
-    {"white balance", [](CxImage* i) { whiteBalanceAdjustment(i, 50); }},
-    {"eight colour ranges at once", [](CxImage* i) { doAdjust(i, eightRanges()); }},
-    {"eleven global settings at once", [](CxImage* i) { doAdjust(i, elevenSettings()); }},
+    {"white-balance", [](CxImage* i) { whiteBalanceAdjustment(i, 50); }},
 };
+
+void adjust(CxImage* image, const _AdjustParam& record) {
+    KeladjustRun run{};
+    run.size = sizeof run;
+    run.path = KELADJUST_CPU;
+    keladjustRun(image, &record, sizeof record, &run);
+}
+
+/// A quarter of the way from where nothing changes to the end of the useful range.
+void move(_AdjustParam& record, const KeladjustSetting& setting) {
+    const double from = static_cast<double>(setting.identity);
+    const double value = from + (static_cast<double>(setting.highest) - from) / 4;
+    setValue(record, setting, setting.isInteger != 0 ? std::round(value) : value);
+}
+
+/// A picture on which every stage leaves its mark: all kinds of colours, none like its neighbours.
+Photo sample() {
+    Photo photo(64, 64, PixelLayout::bgra);
+    std::uint32_t state = 1;
+    for (std::uint32_t y = 0; y < photo.height(); ++y) {
+        for (std::size_t i = 0; i < photo.stride(); ++i) {
+            state = state * 1664525 + 1013904223;  // Knuth and Lewis
+            photo.row(y)[i] = static_cast<unsigned char>(state >> 24);
+        }
+    }
+    return photo;
+}
+
+bool samePixels(const Photo& left, const Photo& right) {
+    return std::memcmp(left.row(0), right.row(0), left.stride() * left.height()) == 0;
+}
+
+/// Whether the setting does something by itself. Others say how their neighbours work.
+bool hasEffect(const KeladjustSetting& setting) {
+    const Photo before = sample();
+    Photo after = before;
+    _AdjustParam record = usualRecord();
+    move(record, setting);
+    adjust(PhotoImage(after).get(), record);
+    return !samePixels(before, after);
+}
+
+std::vector<KeladjustSetting> settingsWithEffect() {
+    const auto all = allSettings();
+    std::vector<KeladjustSetting> settings(all.begin(), all.end());
+    std::erase_if(settings, [](const KeladjustSetting& setting) { return !hasEffect(setting); });
+    return settings;
+}
+
+/// All of them that stand under one heading with `name`.
+_AdjustParam togetherWith(std::string_view name, const std::vector<KeladjustSetting>& settings) {
+    _AdjustParam record = usualRecord();
+    const std::string_view group = findSetting(name)->group;
+    for (const KeladjustSetting& setting : settings) {
+        if (setting.group == group) move(record, setting);
+    }
+    return record;
+}
 
 class Stopwatch {
 public:
@@ -77,13 +97,13 @@ private:
     Clock::time_point start_ = Clock::now();
 };
 
-double medianSeconds(const Photo& photo, int runs, const std::function<void(CxImage*)>& stage) {
+double medianSeconds(const Photo& photo, int runs, const Work& work) {
     std::vector<double> times;
     for (int run = -1; run < runs; ++run) {
         Photo copy = photo;
         const PhotoImage image(copy);
         const Stopwatch watch;
-        stage(image.get());
+        work(image.get());
         if (run >= 0) times.push_back(watch.seconds());
     }
     const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
@@ -94,12 +114,25 @@ double medianSeconds(const Photo& photo, int runs, const std::function<void(CxIm
 
 }  // namespace
 
-void timeStages(const Photo& photo, const std::optional<_AdjustParam>& settings, int runs,
+void timeStages(const Photo& photo, const std::optional<_AdjustParam>& given, int runs,
                 const std::function<void(const StageTime&)>& tell) {
-    for (const Stage& stage : stages) tell({stage.name, medianSeconds(photo, runs, stage.run)});
-    if (!settings) return;
-    tell({"the settings given",
-          medianSeconds(photo, runs, [&](CxImage* image) { doAdjust(image, *settings); })});
+    const auto time = [&](const char* name, const Work& work) {
+        tell({name, medianSeconds(photo, runs, work)});
+    };
+    const auto timeRecord = [&](const char* name, const _AdjustParam& record) {
+        time(name, [&](CxImage* image) { adjust(image, record); });
+    };
+
+    const std::vector<KeladjustSetting> settings = settingsWithEffect();
+    for (const KeladjustSetting& setting : settings) {
+        _AdjustParam record = usualRecord();
+        move(record, setting);
+        timeRecord(setting.name, record);
+    }
+    for (const Filter& filter : filters) time(filter.name, filter.run);
+    timeRecord("colour ranges at once", togetherWith("red-hue", settings));
+    timeRecord("global settings at once", togetherWith("exposure", settings));
+    if (given) timeRecord("the settings given", *given);
 }
 
 }  // namespace keladjust::app

@@ -21,9 +21,9 @@ struct StageTime {
 /// picture as it came; last come several settings in one call. A run before the first is not
 /// counted: it meets memory that is new.
 ///
-/// @param settings measured in one call, too
-/// @param runs     of each stage, 1 or more
-void timeStages(const Photo& photo, const std::optional<_AdjustParam>& settings, int runs,
+/// @param given settings to be measured in one call, too
+/// @param runs  of each stage, 1 or more
+void timeStages(const Photo& photo, const std::optional<_AdjustParam>& given, int runs,
                 const std::function<void(const StageTime&)>& tell);
 
 }  // namespace keladjust::app

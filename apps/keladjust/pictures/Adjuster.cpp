@@ -1,5 +1,7 @@
 #include "pictures/Adjuster.h"
 
+#include <cstdint>
+
 #include "pictures/PhotoImage.h"
 #include "pictures/SoftwareDriver.h"
 #include "text/Failure.h"
@@ -8,60 +10,66 @@ namespace keladjust::app {
 
 namespace {
 
-void runLibrary(Photo& photo, const _AdjustParam& record) {
-    const PhotoImage image(photo);
-    doAdjust(image.get(), record);
+std::int32_t asksToStop(void* stop, float) {
+    return (*static_cast<bool (**)()>(stop))() ? 1 : 0;
 }
 
 }  // namespace
 
-Adjuster::Adjuster(GpuUse use) : use_(use) {
+Adjuster::Adjuster(GpuUse use, int threads, bool (*stop)())
+    : use_(use), threads_(threads), stop_(stop) {
     if (use_ == GpuUse::never) return;
     startEngine();
-    if (engine_ == nullptr) refuseIfGpuMust(obstacle_);
+    if (use_ == GpuUse::always && engine_ == nullptr) refuse(obstacle_);
 }
 
 void Adjuster::startEngine() {
     try {
-        engine_ = std::make_unique<Engine>(Engine::Configuration::ofTheProgram);
+        engine_ = std::make_unique<Engine>();
+        obstacle_ = Engine::obstacle();
     } catch (const Failure& failure) {
         obstacle_ = failure.what();  // a folder whose name the library cannot be told
-        return;
     }
-    if (engine_->obstacle()) {
-        obstacle_ = *engine_->obstacle();
-        engine_.reset();
-    } else if (use_ == GpuUse::whenPossible && rendersOnCpu(engine_->driver())) {
+    if (obstacle_.empty() && use_ == GpuUse::whenPossible && rendersOnCpu(engine_->driver())) {
         obstacle_ = "the driver works on the CPU: " + engine_->driver();
-        engine_.reset();
     }
+    if (!obstacle_.empty()) engine_.reset();
 }
 
-void Adjuster::refuseIfGpuMust(const std::string& obstacle) const {
-    if (use_ != GpuUse::always) return;
+KeladjustPath Adjuster::path() const {
+    if (use_ == GpuUse::always) return KELADJUST_GPU;
+    return engine_ == nullptr ? KELADJUST_CPU : KELADJUST_AUTO;
+}
+
+void Adjuster::refuse(const std::string& obstacle) {
     throw Failure("the GPU cannot be used (" + obstacle + "); use --auto or --cpu");
 }
 
 Adjustment Adjuster::adjust(Photo& photo, const _AdjustParam& record) {
     const std::lock_guard lock(oneAtATime_);
-    if (engine_ == nullptr) {
-        refuseIfGpuMust(obstacle_);
-        runLibrary(photo, record);
-        return {false, obstacle_};
+    const PhotoImage image(photo);
+    KeladjustRun run{};
+    run.size = sizeof run;
+    run.path = path();
+    run.maxThreads = threads_;
+    if (stop_ != nullptr) {
+        run.progress = asksToStop;
+        run.user = &stop_;
     }
-    Photo before = photo;
-    runLibrary(photo, record);
-    const auto refusal = engine_->refusal();
-    if (!refusal) return {true, ""};
+    const KeladjustResult result = keladjustRun(image.get(), &record, sizeof record, &run);
+    if (result == KELADJUST_CANCELLED) throw Cancelled();
+    const std::string obstacle = engine_ == nullptr ? obstacle_ : run.reason;
 
-    // The later stages have run all the same: on what was not rendered.
-    photo = std::move(before);
-    engine_.reset();
-    if (use_ != GpuUse::always) runLibrary(photo, record);
     // Other pictures may fare better, and the engine may have ended with this one.
-    startEngine();
-    refuseIfGpuMust(*refusal);
-    return {false, *refusal};
+    if (engine_ != nullptr && !obstacle.empty() && !Engine::obstacle().empty()) {
+        engine_.reset();
+        startEngine();
+    }
+    if (result == KELADJUST_REFUSED) {
+        if (use_ == GpuUse::always) refuse(obstacle);
+        throw Failure(std::string("the library refuses the picture: ") + run.reason);
+    }
+    return {run.pathTaken == KELADJUST_GPU, obstacle};
 }
 
 }  // namespace keladjust::app

@@ -5,7 +5,7 @@
 
 #include "pictures/Adjuster.h"
 #include "pictures/Photo.h"
-#include "settings/Fields.h"
+#include "settings/Record.h"
 
 namespace keladjust::app {
 
@@ -16,12 +16,12 @@ inline constexpr std::uint32_t sheetMargin = 8;  ///< around every copy, and bel
 
 inline constexpr std::uint32_t sheetLabelWidth = 72;  ///< room for "191.25" below narrow copies
 
-/// The values of the sheet, evenly spaced over the field's useful range.
-std::vector<double> sheetValues(const Field& field);
+/// The values of the sheet, evenly spaced over the setting's useful range.
+std::vector<double> sheetValues(const KeladjustSetting& setting);
 
-/// Small copies of `photo`, adjusted by `record` but for `field`, which goes through sheetValues()
-/// from left to right and from top to bottom. The value stands below each copy.
-Photo contactSheet(const Photo& photo, const Field& field, const _AdjustParam& record,
+/// Small copies of `photo`, adjusted by `record` but for `setting`, which goes through
+/// sheetValues() from left to right and from top to bottom. The value stands below each copy.
+Photo contactSheet(const Photo& photo, const KeladjustSetting& setting, const _AdjustParam& record,
                    Adjuster& adjuster);
 
 }  // namespace keladjust::app

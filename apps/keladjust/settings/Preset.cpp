@@ -12,12 +12,6 @@ namespace keladjust::app {
 
 namespace {
 
-std::vector<std::string> fieldNames() {
-    std::vector<std::string> names;
-    for (const Field& field : fields()) names.push_back(field.name);
-    return names;
-}
-
 nlohmann::json parse(const std::string& json, const std::string& name) {
     try {
         return nlohmann::json::parse(json);
@@ -32,9 +26,10 @@ nlohmann::json parse(const std::string& json, const std::string& name) {
 
 void take(const std::string& key, const nlohmann::json& value, const std::string& name,
           Settings& settings) {
-    const Field* field = findField(key);
-    if (field == nullptr) {
-        throw UsageError(name + ": unknown setting \"" + key + '"' + suggestion(key, fieldNames()));
+    const KeladjustSetting* setting = findSetting(key);
+    if (setting == nullptr) {
+        throw UsageError(name + ": unknown setting \"" + key + '"' +
+                         suggestion(key, settingNames()));
     }
     const std::string entry = name + ": \"" + key + '"';
     if (!value.is_number()) {
@@ -42,11 +37,11 @@ void take(const std::string& key, const nlohmann::json& value, const std::string
     }
     const double number = value.get<double>();
     try {
-        field->check(number, entry);
+        checkValue(*setting, number, entry);
     } catch (const Failure& failure) {
         throw UsageError(failure.what());
     }
-    settings.set(*field, number);
+    settings.set(*setting, number);
 }
 
 }  // namespace
@@ -64,15 +59,15 @@ Settings settingsFromPreset(const std::string& json, const std::string& name) {
 
 std::string presetFromSettings(const Settings& settings) {
     nlohmann::ordered_json preset = nlohmann::ordered_json::object();
-    for (const Field& field : fields()) {
-        const auto value = settings.get(field);
+    for (const KeladjustSetting& setting : allSettings()) {
+        const auto value = settings.get(setting);
         if (!value) continue;
         // Whole numbers without a decimal point, as people write them.
         constexpr double exact = 9007199254740992.0;
         if (*value == std::trunc(*value) && std::abs(*value) < exact) {
-            preset[field.name] = static_cast<std::int64_t>(*value);
+            preset[setting.name] = static_cast<std::int64_t>(*value);
         } else {
-            preset[field.name] = *value;
+            preset[setting.name] = *value;
         }
     }
     return preset.dump(4) + '\n';

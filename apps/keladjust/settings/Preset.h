@@ -7,7 +7,7 @@
 
 namespace keladjust::app {
 
-/// The settings in a preset's JSON text: one object, field names as keys, numbers as values.
+/// The settings in a preset's JSON text: one object, names of settings as keys, numbers as values.
 ///
 /// @param name stands at the head of messages
 /// @throws UsageError for text that is no such object, unknown keys and values of another kind

@@ -6,20 +6,20 @@ namespace keladjust::app {
 
 namespace {
 
-std::size_t indexOf(const Field& field) {
-    return static_cast<std::size_t>(&field - fields().data());
+std::size_t indexOf(const KeladjustSetting& setting) {
+    return static_cast<std::size_t>(&setting - allSettings().data());
 }
 
 }  // namespace
 
-Settings::Settings() : values_(fields().size()) {}
+Settings::Settings() : values_(allSettings().size()) {}
 
-void Settings::set(const Field& field, double value) {
-    values_[indexOf(field)] = value;
+void Settings::set(const KeladjustSetting& setting, double value) {
+    values_[indexOf(setting)] = value;
 }
 
-std::optional<double> Settings::get(const Field& field) const {
-    return values_[indexOf(field)];
+std::optional<double> Settings::get(const KeladjustSetting& setting) const {
+    return values_[indexOf(setting)];
 }
 
 bool Settings::empty() const {
@@ -33,9 +33,9 @@ void Settings::apply(const Settings& later) {
 }
 
 _AdjustParam Settings::record() const {
-    _AdjustParam record = identityRecord();
-    for (const Field& field : fields()) {
-        if (const auto value = get(field)) field.write(record, *value);
+    _AdjustParam record = usualRecord();
+    for (const KeladjustSetting& setting : allSettings()) {
+        if (const auto value = get(setting)) setValue(record, setting, *value);
     }
     return record;
 }

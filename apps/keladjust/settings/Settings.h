@@ -4,30 +4,30 @@
 #include <optional>
 #include <vector>
 
-#include "settings/Fields.h"
+#include "settings/Record.h"
 
 namespace keladjust::app {
 
-/// Values for some of the fields: what one preset, or one command line, asks for. Fields that
+/// Values for some of the settings: what one preset, or one command line, asks for. Those that
 /// nobody names stay open, which is what lets presets be stacked.
 class Settings {
 public:
     Settings();
 
-    void set(const Field& field, double value);
-    std::optional<double> get(const Field& field) const;
+    void set(const KeladjustSetting& setting, double value);
+    std::optional<double> get(const KeladjustSetting& setting) const;
 
-    /// Whether all fields are open.
+    /// Whether all are open.
     bool empty() const;
 
     /// Takes over every value that `later` holds.
     void apply(const Settings& later);
 
-    /// The record for the library: open fields get their identity.
+    /// The record for the library: what is open has its usual value.
     _AdjustParam record() const;
 
 private:
-    std::vector<std::optional<double>> values_;  // parallel to fields()
+    std::vector<std::optional<double>> values_;  // parallel to allSettings()
 };
 
 }  // namespace keladjust::app

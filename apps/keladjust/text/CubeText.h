@@ -1,15 +1,19 @@
 #ifndef KELADJUST_APP_TEXT_CUBETEXT_H
 #define KELADJUST_APP_TEXT_CUBETEXT_H
 
+#include <span>
 #include <string>
 
 namespace keladjust::app {
 
-inline constexpr int cubeSize = 32;
+/// Which channel varies fastest from colour to colour.
+enum class CubeOrder { blueFastest, redFastest };
 
-/// A cube file with red varying fastest, as most programs expect, from a table in the layout of
-/// getLut3dData().
-std::string cubeRedFastest(const float* table);
+/// A cube file of a colour table.
+///
+/// @param size   colours along each axis
+/// @param points the colours in that order, three numbers each
+std::string cubeText(std::span<const float> points, int size, CubeOrder order);
 
 }  // namespace keladjust::app
 

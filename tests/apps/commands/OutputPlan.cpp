@@ -111,7 +111,7 @@ TEST_F(OutputPlanTest, NamesComparisonAndSheetAfterTheOutput) {
     picture("a.png");
     options.output = folder / "b.tif";
     options.compare = true;
-    options.sheet = findField("red-hue");
+    options.sheet = findSetting("red-hue");
     const PicturePlan plan = planOutputs(options).pictures[0];
     EXPECT_EQ(plan.comparison, folder / "b-compare.tif");
     EXPECT_EQ(plan.sheet, folder / "b-sheet-red-hue.tif");

@@ -97,6 +97,8 @@ TEST_F(ProgramErrors, NumbersOutOfRange) {
     expectRefusal({photo, "-o", output, "--threads", "0"}, 2, "--threads");
     expectRefusal({photo, "-o", output, "--quality", "0"}, 2, "not in range 1 to 100");
     expectRefusal({photo, "-o", output, "--quality", "101"}, 2, "not in range 1 to 100");
+    expectRefusal({"lut", "-o", output, "--size", "1"}, 2, "not in range 2 to 256");
+    expectRefusal({"lut", "-o", output, "--size", "257"}, 2, "not in range 2 to 256");
 }
 
 TEST_F(ProgramErrors, UnknownNames) {

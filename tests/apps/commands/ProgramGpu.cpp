@@ -29,16 +29,30 @@ protected:
         EXPECT_EQ(outcome.errors, "");
     }
 
-    /// Insists on the GPU, in vain.
-    void expectRefusal(const std::string& reason) {
+    /// Insists on the GPU, in vain, and expects to be told why.
+    std::string refusal() {
         const Outcome outcome =
             runProgram({picture, "--gpu", "--exposure", "20", "--save-preset",
                         (folder / "preset.json").string(), "-o", (folder / "new" / "").string()});
         EXPECT_EQ(outcome.code, 1);
-        EXPECT_EQ(outcome.errors,
-                  "keladjust: the GPU cannot be used (" + reason + "); use --auto or --cpu\n");
         EXPECT_EQ(outcome.output, "");
         EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+        const std::string before = "keladjust: the GPU cannot be used (";
+        const std::string behind = "); use --auto or --cpu\n";
+        const std::string& text = outcome.errors;
+        if (!text.starts_with(before) || !text.ends_with(behind)) {
+            ADD_FAILURE() << text;
+            return "";
+        }
+        return text.substr(before.size(), text.size() - before.size() - behind.size());
+    }
+
+    /// Expects the CPU to do what the GPU cannot, for the same reason.
+    void expectTheCpuHasToDo() {
+        const std::string reason = refusal();
+        EXPECT_NE(reason, "");
+        expectDetails({"--exposure", "20", "--auto"}, "CPU path (" + reason + ")");
+        std::filesystem::remove(folder / "out.png");
     }
 
     void SetUp() override {
@@ -122,19 +136,18 @@ TEST_F(ProgramGpu, JobsDoNotChangePictures) {
 
 TEST_F(ProgramGpu, OnePictureThatCannotBeRenderedDoesNotStopTheRest) {
     const std::string wide = tooWide();
-    const std::string reason = "dimension is large max texture size 16384of supported";
-
     const Outcome possible = runProgram({wide, picture, "--auto", "--exposure", "20", "--jobs", "1",
                                          "-v", "-o", (folder / "auto").string()});
     EXPECT_EQ(possible.code, 0) << possible.errors;
-    EXPECT_NE(possible.output.find("adjusted on the CPU path (" + reason + ")"), std::string::npos)
+    EXPECT_NE(possible.output.find("wide.png: PNG, 16385 x 2, adjusted on the CPU path ("),
+              std::string::npos)
         << possible.output;
     EXPECT_NE(possible.output.find("adjusted on the GPU path"), std::string::npos);
 
     const Outcome always = runProgram({wide, picture, "--gpu", "--exposure", "20", "--jobs", "1",
                                        "-o", (folder / "gpu").string()});
     EXPECT_EQ(always.code, 1);
-    EXPECT_NE(always.errors.find("wide.png: the GPU cannot be used (" + reason), std::string::npos)
+    EXPECT_NE(always.errors.find("wide.png: the GPU cannot be used ("), std::string::npos)
         << always.errors;
     EXPECT_EQ(folder.files(),
               (std::vector<std::string>{"auto/noise.png", "auto/wide.png", "gpu/noise.png"}));
@@ -143,19 +156,14 @@ TEST_F(ProgramGpu, OnePictureThatCannotBeRenderedDoesNotStopTheRest) {
 TEST_F(ProgramGpu, WithoutADisplayTheCpuHasToDo) {
     for (const char* display : {static_cast<const char*>(nullptr), ":9999"}) {
         const Variable variable("DISPLAY", display);
-        expectRefusal("There is no display");
-        expectDetails({"--exposure", "20", "--auto"}, "CPU path (There is no display)");
-        std::filesystem::remove(folder / "out.png");
+        expectTheCpuHasToDo();
     }
 }
 
 TEST_F(ProgramGpu, WithAnOldDriverTheCpuHasToDo) {
     for (const std::string version : {"2.1", "3.1"}) {
         const Variable variable("MESA_GL_VERSION_OVERRIDE", version.c_str());
-        const std::string reason = "OpenGL 3.2 is needed, the driver has " + version + ".0.0";
-        expectRefusal(reason);
-        expectDetails({"--exposure", "20", "--auto"}, "CPU path (" + reason + ")");
-        std::filesystem::remove(folder / "out.png");
+        expectTheCpuHasToDo();
     }
 }
 

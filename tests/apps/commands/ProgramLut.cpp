@@ -2,12 +2,15 @@
 
 #include <array>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "files/AtomicFile.h"
 #include "files/InputFile.h"
+#include "settings/Record.h"
 #include "support/Program.h"
 #include "support/TemporaryFolder.h"
 
@@ -56,7 +59,7 @@ TEST_F(ProgramLut, IdentityMapsEveryColourToItself) {
 }
 
 TEST_F(ProgramLut, LeavesNothingButTheTableInTheCurrentFolder) {
-    // The engine that makes the table writes a log, of which users should find nothing.
+    // No engine is started, whose log would lie there.
     const auto before = std::filesystem::current_path();
     std::filesystem::current_path(folder / "");
     table({});
@@ -90,6 +93,40 @@ TEST_F(ProgramLut, OrdersHoldTheSameColours) {
             }
         }
     }
+}
+
+TEST_F(ProgramLut, HasAnySize) {
+    const auto entries = table({"--order", "red-fastest", "--size", "5"});
+    ASSERT_EQ(entries.size(), 5u * 5 * 5);
+    for (std::size_t index = 0; index < entries.size(); ++index) {
+        EXPECT_EQ(entries[index][0], static_cast<double>(index % 5) / 4);
+        EXPECT_EQ(entries[index][1], static_cast<double>(index / 5 % 5) / 4);
+        EXPECT_EQ(entries[index][2], static_cast<double>(index / 25) / 4);
+    }
+    EXPECT_EQ(table({"--size", "64"}).size(), 64u * 64 * 64);
+}
+
+// As other hosts get it from the library.
+TEST_F(ProgramLut, TheUsualOneIsTheLibrarysOwn) {
+    const std::vector<std::string> settings = {"--exposure",    "20",  "--red-hue", "30",
+                                               "--temperature", "9000"};
+    table(settings);
+    _AdjustParam record = usualRecord();
+    record.exposure = 20;
+    record.range[KELADJUST_RANGE_RED].hue = 30;
+    record.temperature = 9000;
+    // Without an engine, which need not come up for that.
+    const std::string nowhere = (folder / "none" / "").string();
+    setLogPath(nowhere.c_str());
+    initOgreRunTime(nowhere.c_str(), nowhere.c_str());
+    EXPECT_TRUE(writeLut3DFile(record, (folder / "library.cube").string().c_str()));
+    releaseOgre();
+
+    const auto text = [&](const char* name) {
+        std::ifstream file(folder / name);
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    };
+    EXPECT_EQ(text("look.cube"), text("library.cube"));
 }
 
 TEST_F(ProgramLut, TakesPresetsAndOptions) {

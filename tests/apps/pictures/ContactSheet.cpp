@@ -43,20 +43,20 @@ TEST(Comparison, StandsSideBySideWithAWhiteGap) {
 }
 
 TEST(ContactSheet, GoesThroughTheWholeRange) {
-    const auto values = sheetValues(*findField("exposure"));
+    const auto values = sheetValues(*findSetting("exposure"));
     EXPECT_EQ(values, (std::vector<double>{-100, -75, -50, -25, 0, 25, 50, 75, 100}));
-    const auto degrees = sheetValues(*findField("temperature"));
+    const auto degrees = sheetValues(*findSetting("temperature"));
     EXPECT_EQ(degrees.front(), 1700);
-    EXPECT_EQ(degrees.back(), 24400);
+    EXPECT_EQ(degrees.back(), static_cast<double>(findSetting("temperature")->highest));
     for (const double degree : degrees) EXPECT_EQ(degree, static_cast<int>(degree));
 }
 
 TEST(ContactSheet, AdjustsEveryCopyByItsOwnValue) {
     const Photo photo = noise(90, 60, PixelLayout::bgra);
     Adjuster adjuster(GpuUse::never);
-    _AdjustParam record = identityRecord();
+    _AdjustParam record = usualRecord();
     record.saturation = -100;
-    const Photo sheet = contactSheet(photo, *findField("exposure"), record, adjuster);
+    const Photo sheet = contactSheet(photo, *findSetting("exposure"), record, adjuster);
     const std::uint32_t cellWidth = photo.width() + 2 * sheetMargin;
     const std::uint32_t cellHeight = photo.height() + labelHeight + 3 * sheetMargin;
     ASSERT_EQ(sheet.width(), sheetColumns * cellWidth);

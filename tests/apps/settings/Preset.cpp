@@ -22,19 +22,19 @@ std::string refusal(const std::string& json) {
 }
 
 double valueOf(const Settings& settings, const char* name) {
-    return findField(name)->read(settings.record());
+    return valueIn(settings.record(), *findSetting(name));
 }
 
-TEST(Preset, LeavesWhatItDoesNotNameAtIdentity) {
+TEST(Preset, LeavesWhatItDoesNotNameAsUsual) {
     const Settings settings = settingsFromPreset(R"({"exposure": 20, "temperature": 9000})", "p");
-    _AdjustParam expected = identityRecord();
+    _AdjustParam expected = usualRecord();
     expected.exposure = 20;
     expected.temperature = 9000;
     const _AdjustParam record = settings.record();
     EXPECT_EQ(std::memcmp(&record, &expected, sizeof record), 0);
 }
 
-TEST(Preset, StacksFieldByField) {
+TEST(Preset, StacksSettingBySetting) {
     Settings settings = settingsFromPreset(R"({"exposure": 20, "contrast": 5})", "p");
     settings.apply(settingsFromPreset(R"({"exposure": 0, "tint": 7})", "q"));
     EXPECT_EQ(valueOf(settings, "exposure"), 0);
@@ -64,24 +64,24 @@ TEST(Preset, RefusesTextThatIsNoObject) {
     EXPECT_NE(refusal("[1]").find("one JSON object"), std::string::npos);
 }
 
-TEST(Preset, RoundTripsEveryField) {
+TEST(Preset, RoundTripsEverySetting) {
     Settings settings;
     double value = -3.25;
-    for (const Field& field : fields()) {
-        settings.set(field, field.whole ? 9000 : value);
+    for (const KeladjustSetting& setting : allSettings()) {
+        settings.set(setting, setting.isInteger != 0 ? 9000 : value);
         value += 1.1;
     }
     const Settings again = settingsFromPreset(presetFromSettings(settings), "p");
-    for (const Field& field : fields()) {
-        EXPECT_EQ(again.get(field), settings.get(field)) << field.name;
+    for (const KeladjustSetting& setting : allSettings()) {
+        EXPECT_EQ(again.get(setting), settings.get(setting)) << setting.name;
     }
 }
 
 // Otherwise a saved preset would undo every preset before it in a stack.
 TEST(Preset, HoldsOnlyWhatWasSet) {
     Settings settings;
-    settings.set(*findField("exposure"), 0);
-    settings.set(*findField("tint"), 0.5);
+    settings.set(*findSetting("exposure"), 0);
+    settings.set(*findSetting("tint"), 0.5);
     const auto json = nlohmann::json::parse(presetFromSettings(settings));
     EXPECT_EQ(json, nlohmann::json::parse(R"({"exposure": 0, "tint": 0.5})"));
     EXPECT_EQ(presetFromSettings(Settings()), "{}\n");

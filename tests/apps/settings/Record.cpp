@@ -1,4 +1,4 @@
-#include "settings/Fields.h"
+#include "settings/Record.h"
 
 #include <gtest/gtest.h>
 
@@ -6,34 +6,29 @@
 #include <limits>
 #include <set>
 
+#include "pictures/Adjuster.h"
+#include "support/Pictures.h"
 #include "text/Failure.h"
 
 namespace {
 
 using namespace keladjust::app;
+using namespace keladjust::test;
 
-TEST(Fields, CoverEverySlotOfTheRecordOnceAndInOrder) {
-    ASSERT_EQ(fields().size() * 4, sizeof(_AdjustParam));
-    std::size_t offset = 0;
-    for (const Field& field : fields()) {
-        EXPECT_EQ(field.offset, offset) << field.name;
-        offset += 4;
-    }
-}
-
-TEST(Fields, HaveDistinctNamesThatAreFound) {
+TEST(Record, FindsASettingByItsName) {
     std::set<std::string> names;
-    for (const Field& field : fields()) {
-        EXPECT_TRUE(names.insert(field.name).second) << field.name;
-        EXPECT_EQ(findField(field.name), &field);
+    for (const KeladjustSetting& setting : allSettings()) {
+        EXPECT_TRUE(names.insert(setting.name).second) << setting.name;
+        EXPECT_EQ(findSetting(setting.name), &setting);
     }
-    EXPECT_EQ(findField("exposur"), nullptr);
+    EXPECT_EQ(names.size() * 4, sizeof(_AdjustParam));
+    EXPECT_EQ(findSetting("exposur"), nullptr);
 }
 
-TEST(Fields, WriteTheMemberThatTheyAreNamedAfter) {
+TEST(Record, HasAMemberForEachName) {
     const auto written = [](const char* name, double value) {
         _AdjustParam record{};
-        findField(name)->write(record, value);
+        setValue(record, *findSetting(name), value);
         return record;
     };
     EXPECT_EQ(written("temperature", 9000).temperature, 9000);
@@ -50,26 +45,37 @@ TEST(Fields, WriteTheMemberThatTheyAreNamedAfter) {
     EXPECT_EQ(written("luminance-noise-reduction", 10).luminanceNoiseReduction, 10.0f);
 }
 
-TEST(Fields, ReadBackWhatTheyWrote) {
+TEST(Record, HoldsWhatWasSet) {
     _AdjustParam record{};
     double value = 1;
-    for (const Field& field : fields()) field.write(record, value++);
+    for (const KeladjustSetting& setting : allSettings()) setValue(record, setting, value++);
     value = 1;
-    for (const Field& field : fields()) EXPECT_EQ(field.read(record), value++) << field.name;
-}
-
-TEST(Fields, IdentityLiesInTheUsefulRange) {
-    const _AdjustParam record = identityRecord();
-    EXPECT_EQ(record.temperature, 11500);
-    for (const Field& field : fields()) {
-        EXPECT_GE(field.identity, field.minimum) << field.name;
-        EXPECT_LE(field.identity, field.maximum) << field.name;
+    for (const KeladjustSetting& setting : allSettings()) {
+        EXPECT_EQ(valueIn(record, setting), value++) << setting.name;
     }
 }
 
+TEST(Record, LeavesPicturesAloneToStartWith) {
+    const Photo before = noise(61, 47, PixelLayout::bgra);
+    Photo after = before;
+    Adjuster(GpuUse::never).adjust(after, usualRecord());
+    expectSamePixels(after, before);
+}
+
+// With everything at 0 but the amount there is no inside.
+TEST(Record, StartsWithAVignetteThatSparesTheMiddle) {
+    const Photo before = noise(61, 47, PixelLayout::bgra);
+    Photo after = before;
+    _AdjustParam record = usualRecord();
+    record.vignetteAmount = -60;
+    Adjuster(GpuUse::never).adjust(after, record);
+    EXPECT_LT(after.pixel(0, 0)[1], before.pixel(0, 0)[1]);
+    EXPECT_EQ(after.pixel(30, 23)[1], before.pixel(30, 23)[1]);
+}
+
 // A hue that no band covers could not be changed without typing degrees.
-TEST(Fields, UsualBandsCoverEveryHue) {
-    const _AdjustParam record = identityRecord();
+TEST(Record, UsualBandsCoverEveryHue) {
+    const _AdjustParam record = usualRecord();
     for (int degree = 0; degree < 360; ++degree) {
         int bands = 0;
         for (const _AdjustColourRange& range : record.range) {
@@ -83,8 +89,8 @@ TEST(Fields, UsualBandsCoverEveryHue) {
     }
 }
 
-TEST(Fields, UsualBandsHaveTheirColoursInTheMiddle) {
-    const _AdjustParam record = identityRecord();
+TEST(Record, UsualBandsHaveTheirColoursInTheMiddle) {
+    const _AdjustParam record = usualRecord();
     const auto middle = [&](int place) {
         return (record.range[place].minDegree + record.range[place].maxDegree) / 2;
     };
@@ -99,16 +105,16 @@ TEST(Fields, UsualBandsHaveTheirColoursInTheMiddle) {
     EXPECT_EQ(middle(KELADJUST_RANGE_MAGENTA), 300);
 }
 
-TEST(Fields, RefuseWhatTheSlotCannotHold) {
-    const Field& temperature = *findField("temperature");
-    const Field& exposure = *findField("exposure");
-    EXPECT_NO_THROW(temperature.check(-9000, "x"));
-    EXPECT_THROW(temperature.check(9000.5, "x"), Failure);
-    EXPECT_THROW(temperature.check(3e9, "x"), Failure);
-    EXPECT_NO_THROW(exposure.check(1e30, "x"));
-    EXPECT_THROW(exposure.check(1e39, "x"), Failure);
-    EXPECT_THROW(exposure.check(std::nan(""), "x"), Failure);
-    EXPECT_THROW(exposure.check(std::numeric_limits<double>::infinity(), "x"), Failure);
+TEST(Record, RefusesWhatASlotCannotHold) {
+    const KeladjustSetting& temperature = *findSetting("temperature");
+    const KeladjustSetting& exposure = *findSetting("exposure");
+    EXPECT_NO_THROW(checkValue(temperature, -9000, "x"));
+    EXPECT_THROW(checkValue(temperature, 9000.5, "x"), Failure);
+    EXPECT_THROW(checkValue(temperature, 3e9, "x"), Failure);
+    EXPECT_NO_THROW(checkValue(exposure, 1e30, "x"));
+    EXPECT_THROW(checkValue(exposure, 1e39, "x"), Failure);
+    EXPECT_THROW(checkValue(exposure, std::nan(""), "x"), Failure);
+    EXPECT_THROW(checkValue(exposure, std::numeric_limits<double>::infinity(), "x"), Failure);
 }
 
 }  // namespace
