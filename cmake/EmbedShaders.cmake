@@ -36,4 +36,6 @@ function(keladjust_embed_program target name)
         COMMENT "Embedding ${name}"
         VERBATIM)
     target_sources(${target} PRIVATE ${output})
+    # Each has a text of its own by the same name.
+    set_source_files_properties(${output} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 endfunction()

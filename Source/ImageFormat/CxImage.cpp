@@ -4,9 +4,12 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <type_traits>
+#include <utility>
 
 #include "ImageFormat/Geometry.h"
+#include "ImageFormat/KeptPixels.h"
 
 namespace {
 
@@ -54,6 +57,30 @@ unsigned char* pixelAt(const CxImage& image, int x, int y) {
     const std::uint64_t offset = static_cast<std::uint64_t>(rowOffset) + columnOffset;
     if (offset + image.bytesPerPixel > image.size) return nullptr;
     return image.pBits + offset;
+}
+
+struct Free {
+    void operator()(unsigned char* bits) const { std::free(bits); }
+};
+using OwnedBits = std::unique_ptr<unsigned char, Free>;
+
+// Parts the image from its buffer and gives what is to be freed then. An adopted buffer that the
+// host's pointer does not name any more has been freed by a copy of the image; else that pointer is
+// set to null.
+unsigned char* letGo(CxImage& image) {
+    unsigned char* const bits = std::exchange(image.pBits, nullptr);
+    unsigned char** const host = std::exchange(image.ppHostBits, nullptr);
+    if (image.ownsBits || host == nullptr) return bits;
+    if (*host != bits) return nullptr;
+    *host = nullptr;
+    return bits;
+}
+
+// The image has become the owner of its buffer; the library does not keep it any longer.
+void takeFromKept(CxImage& image) {
+    if (image.ppHostBits != &keladjust::keptPixels().bits) return;
+    keladjust::keptPixels().bits = nullptr;
+    image.ppHostBits = nullptr;
 }
 
 std::uint16_t readWord(const unsigned char* p) {
@@ -182,13 +209,12 @@ void CxImage::SetPixelColor(int x, int y, _tagMyRGBQUAD colour) {
 
 void CxImage::Copy(const CxImage* source) {
     if (source == nullptr) return;
-
-    if (pBits != nullptr &&
-        (width != source->width || height != source->height || bpp != source->bpp)) {
-        std::free(pBits);
-        pBits = nullptr;
-        if (!ownsBits && ppHostBits != nullptr) *ppHostBits = nullptr;
-    }
+    const unsigned char* const sourceBits =
+        keladjust::hasLostKeptPixels(*source) ? nullptr : source->pBits;
+    const bool suits = width == source->width && height == source->height && bpp == source->bpp &&
+                       !keladjust::hasLostKeptPixels(*this);
+    // Freed last: shallow copies share a buffer, so it may be what is copied from.
+    const OwnedBits old(suits ? nullptr : letGo(*this));
 
     width = source->width;
     height = source->height;
@@ -207,13 +233,15 @@ void CxImage::Copy(const CxImage* source) {
             resetGeometry(*this);
             return;
         }
+    } else if (ownsBits) {
+        takeFromKept(*this);
     }
     // Shallow copies share a buffer, so the two may be one and the same.
-    if (source->pBits != nullptr) std::memmove(pBits, source->pBits, size);
+    if (sourceBits != nullptr) std::memmove(pBits, sourceBits, size);
 }
 
 void CxImage::Copy(const CxImage& source) {
-    if (source.pBits == nullptr) return;
+    if (source.pBits == nullptr || keladjust::hasLostKeptPixels(source)) return;
     Copy(&source);
 }
 

@@ -16,20 +16,41 @@ void logMessage(const std::string& message) noexcept {
     }
 }
 
+namespace {
+
+/// Words for the exception that is being handled; `ofEngine` puts those of the engine's.
+template <class OfEngine>
+std::string describeCurrentException(OfEngine ofEngine) {
+    try {
+        throw;
+    } catch (const Ogre::Exception& failure) {
+        return ofEngine(failure);
+    } catch (const std::exception& failure) {
+        return failure.what();
+    } catch (...) {
+        return "unknown exception";
+    }
+}
+
+}  // namespace
+
 void logCurrentException(const char* occasion) noexcept {
     try {
-        const std::string begin = std::string(occasion) + ": ";
-        try {
-            throw;
-        } catch (const Ogre::Exception& failure) {
-            logMessage(begin + failure.getFullDescription());
-        } catch (const std::exception& failure) {
-            logMessage(begin + failure.what());
-        } catch (...) {
-            logMessage(begin + "unknown exception");
-        }
+        logMessage(std::string(occasion) + ": " +
+                   describeCurrentException([](const Ogre::Exception& failure) {
+                       return failure.getFullDescription();
+                   }));
     } catch (...) {
         // Out of memory while putting the line together.
+    }
+}
+
+std::string currentExceptionText() noexcept {
+    try {
+        return describeCurrentException(
+            [](const Ogre::Exception& failure) { return failure.getDescription(); });
+    } catch (...) {
+        return "out of memory";  // short enough to need none
     }
 }
 

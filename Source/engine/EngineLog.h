@@ -11,6 +11,9 @@ void logMessage(const std::string& message) noexcept;
 /// Writes down the exception that is being handled, after what was being done.
 void logCurrentException(const char* occasion) noexcept;
 
+/// What the exception that is being handled says of itself, without where it comes from.
+std::string currentExceptionText() noexcept;
+
 }  // namespace keladjust
 
 #endif

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/GlEntryPoints.h"
+#include "engine/platform/GlEntryPoints.h"
 
 namespace keladjust {
 

@@ -1,7 +1,7 @@
 #ifndef KELADJUST_ENGINE_GLBUFFERS_H
 #define KELADJUST_ENGINE_GLBUFFERS_H
 
-#include "platform/OpenGl.h"
+#include "engine/platform/OpenGl.h"
 
 namespace keladjust {
 

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <map>
+#include <string>
 #include <vector>
 
 #include "engine/EffectRecords.h"
@@ -62,6 +63,9 @@ public:
     /// Turns rows of four bytes a pixel upside down.
     virtual void flipVertical(unsigned char* pixels, std::uint32_t width, std::uint32_t height);
 
+    /// Why the last pass rendered nothing; empty if it did render.
+    const std::string& failure() const { return failure_; }
+
 protected:
     std::map<std::uint32_t, _ImageParam> inputs_;
     std::uint32_t renderWidth_ = 0;
@@ -69,6 +73,7 @@ protected:
     bool sizeChanged_ = false;
     bool flip_ = false;
     bool stopped_ = false;
+    std::string failure_;
     /// One row, for flipVertical().
     std::vector<unsigned char> row_;
     /// The result of the next render.

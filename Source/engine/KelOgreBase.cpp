@@ -12,8 +12,9 @@
 
 #include "engine/EngineLog.h"
 #include "engine/RenderSystemOptions.h"
-#include "platform/EngineWindow.h"
-#include "platform/OpenGl.h"
+#include "engine/SoftwareRenderer.h"
+#include "engine/platform/EngineWindow.h"
+#include "engine/platform/OpenGl.h"
 
 using keladjust::logCurrentException;
 using keladjust::logMessage;
@@ -37,6 +38,12 @@ std::string pluginFolderOf(const Ogre::ConfigFile& file, const std::string& file
     }
     if (!folder.empty() && folder.back() != '/' && folder.back() != '\\') folder += '/';
     return folder;
+}
+
+// Empty where the driver says nothing.
+std::string openGlName(GLenum which) {
+    const GLubyte* name = glGetString(which);
+    return name != nullptr ? reinterpret_cast<const char*>(name) : "";
 }
 
 }  // namespace
@@ -66,6 +73,7 @@ bool KelOgreBase::setup(unsigned width, unsigned height) {
     } catch (...) {
         // Caught and dropped here: the text of a plugin's exception lies in the plugin.
         logCurrentException("The engine does not start");
+        whyNotSetUp_ = keladjust::currentExceptionText();
     }
     setupSucceeded_ = false;
     return false;
@@ -211,14 +219,16 @@ void KelOgreBase::openWindow(Ogre::RenderSystem& renderSystem, unsigned width, u
 }
 
 void KelOgreBase::readCapabilities(const Ogre::RenderSystem& renderSystem) {
+    const Ogre::RenderSystemCapabilities* capabilities = renderSystem.getCapabilities();
     if (renderSystemKind_ != keladjust::renderSystemOpenGl) {
         largestTexture = direct3dMaximumTextureSize;
+        hardware_ = !keladjust::isSoftwareRenderer(capabilities->getDeviceName(), "");
     } else {
         GLint size = 0;
         glGetIntegerv(GL_MAX_TEXTURE_SIZE, &size);
         largestTexture = static_cast<std::uint32_t>(size);
+        hardware_ = !keladjust::isSoftwareRenderer(openGlName(GL_RENDERER), openGlName(GL_VENDOR));
     }
-    const Ogre::RenderSystemCapabilities* capabilities = renderSystem.getCapabilities();
     pixelBufferCapable_ = capabilities->hasCapability(Ogre::RSC_PBUFFER);
     intelGpu_ = capabilities->getVendor() == Ogre::GPU_INTEL;
     driverVersion_ = capabilities->getDriverVersion();

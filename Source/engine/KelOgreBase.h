@@ -50,7 +50,11 @@ public:
     std::uint32_t renderSystemKind() const { return renderSystemKind_; }
     bool isPixelBufferCapable() const { return pixelBufferCapable_; }
     bool isIntelGpu() const { return intelGpu_; }
+    /// False if the processor does the work of a graphics card.
+    bool isHardware() const { return hardware_; }
     bool hasSetupSucceeded() const { return setupSucceeded_; }
+    /// Why setup() failed; empty while it has not.
+    const std::string& whyNotSetUp() const { return whyNotSetUp_; }
     bool isWindowHidden() const { return hiddenWindow_; }
     const Ogre::DriverVersion& driverVersion() const { return driverVersion_; }
     bool hasVolumeTextures() const { return volumeTextures_; }
@@ -78,7 +82,9 @@ private:
     std::uint32_t renderSystemKind_;
     bool pixelBufferCapable_ = false;
     bool intelGpu_ = false;
+    bool hardware_ = false;
     bool setupSucceeded_ = true;
+    std::string whyNotSetUp_;
     /// When set, the render system keeps the options that ogre.cfg has given it.
     bool useConfigurationFile_ = false;
     bool hiddenWindow_ = false;

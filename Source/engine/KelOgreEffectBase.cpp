@@ -15,10 +15,11 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstring>
+#include <map>
 
 #include "engine/EngineLog.h"
 #include "engine/EngineName.h"
+#include "engine/GlErrors.h"
 #include "engine/ManualTexture.h"
 #include "engine/PictureRows.h"
 #include "engine/RenderSystemOptions.h"
@@ -27,38 +28,11 @@
 using keladjust::engineName;
 using keladjust::logCurrentException;
 using keladjust::logMessage;
+using keladjust::ranOutOfMemory;
 
 namespace {
 
 std::atomic<std::uint32_t> effectsMade{0};
-
-// Takes all pending errors and tells whether memory ran out among them. Errors that others have
-// left behind are not ours, and without a working context there is no end of them.
-bool ranOutOfMemory() {
-    constexpr int manyErrors = 16;
-    bool ranOut = false;
-    for (int i = 0; i < manyErrors; ++i) {
-        const GLenum error = glGetError();
-        if (error == GL_NO_ERROR) break;
-        ranOut = ranOut || error == GL_OUT_OF_MEMORY;
-    }
-    return ranOut;
-}
-
-/// Rows without padding in memory while it lives.
-class TightPacking {
-public:
-    explicit TightPacking(std::uint32_t width) {
-        glPixelStorei(GL_PACK_ROW_LENGTH, static_cast<GLint>(width));
-        glPixelStorei(GL_PACK_ALIGNMENT, 1);
-    }
-    ~TightPacking() {
-        glPixelStorei(GL_PACK_ALIGNMENT, 4);
-        glPixelStorei(GL_PACK_ROW_LENGTH, 0);
-    }
-    TightPacking(const TightPacking&) = delete;
-    TightPacking& operator=(const TightPacking&) = delete;
-};
 
 /// Has a frame update this target and its viewport, and no later one. The viewport may be gone at
 /// the end of the frame.
@@ -98,53 +72,55 @@ bool KelOgreEffectBase::usesOpenGl() const {
 }
 
 void KelOgreEffectBase::chooseReadBackMode() {
-    if (engine_ == nullptr || !usesOpenGl()) {
-        readBackMode_ = readBackByEngine;
-    } else if (!engine_->isIntelGpu() && engine_->isPixelBufferCapable() && glBuffers_.load()) {
-        readBackMode_ = readBackThroughBuffer;
-        pixelBufferSwitch_ = true;
-    } else {
-        readBackMode_ = readBackDirectly;
-    }
+    if (engine_ == nullptr || !usesOpenGl()) return;  // the engine copies
+    pixelBufferSwitch_ =
+        !engine_->isIntelGpu() && engine_->isPixelBufferCapable() && glBuffers().load();
+    readBack_.setMode(pixelBufferSwitch_ ? readBackThroughBuffer : readBackDirectly);
 }
 
 void KelOgreEffectBase::process(unsigned char* outputBuffer, unsigned char* inputPixels,
                                 std::uint32_t bytesPerPixel) {
     try {
-        if (!runPass(outputBuffer, inputPixels, bytesPerPixel)) {
-            logMessage("The picture is not rendered and stays as it was");
-        }
+        const char* const refusal = runPass(outputBuffer, inputPixels, bytesPerPixel);
+        failure_ = refusal != nullptr ? refusal : "";
+        if (refusal != nullptr) logMessage("The picture is not rendered and stays as it was");
     } catch (...) {
         logCurrentException("The picture is not rendered and stays as it was");
+        failure_ = keladjust::currentExceptionText();
         releaseTextures();
     }
 }
 
 // Everything that can refuse or fail comes before the first byte of the result is written.
-bool KelOgreEffectBase::runPass(unsigned char* outputBuffer, unsigned char* inputPixels,
-                                std::uint32_t bytesPerPixel) {
-    if (!prepareScene()) return false;
+// @return null; or why nothing was rendered, which the log has in more words
+const char* KelOgreEffectBase::runPass(unsigned char* outputBuffer, unsigned char* inputPixels,
+                                       std::uint32_t bytesPerPixel) {
+    constexpr const char* windowIsClosed = "The engine's window has been closed";
+    constexpr const char* outOfMemory = "The graphics driver is out of memory";
+    if (!prepareScene()) return "The engine is not up";
     // Before anything is asked of the driver: on some systems a window takes its context along.
-    if (!KelOgreEffectBase::frameStarted(Ogre::FrameEvent())) return false;
-    if (!acceptsInputs()) return false;
+    if (!KelOgreEffectBase::frameStarted(Ogre::FrameEvent())) return windowIsClosed;
+    if (!acceptsInputs()) return "The picture is missing, empty or larger than a texture may be";
     if (!keladjust::isRenderable(pictureFormat(), bytesPerPixel)) {
-        logMessage("Pictures of this depth and format are not rendered");
-        return false;
+        constexpr const char* unsuitable = "Pictures of this depth and format are not rendered";
+        logMessage(unsuitable);
+        return unsuitable;
     }
     buildPrograms();
-    if (getMaterial() == nullptr) return false;
+    if (getMaterial() == nullptr) return "The effect's program does not compile";
     if (usesOpenGl()) ranOutOfMemory();
     if (sizeChanged_ || renderTexture_ == nullptr || camera_ == nullptr) {
-        if (!resizeScene(outputBuffer)) return false;
+        if (!resizeScene(outputBuffer)) return "There is no render texture of that size";
     }
-    if (!uploadInputs()) return false;
-    if (driverLacksMemory()) return false;
+    if (!uploadInputs()) return "The picture cannot be uploaded";
+    if (driverLacksMemory()) return outOfMemory;
     applyParameters();
-    if (!renderOneFrame() || driverLacksMemory()) return false;
+    if (!renderOneFrame()) return stopped_ ? windowIsClosed : "The programs do not link";
+    if (driverLacksMemory()) return outOfMemory;
     output_.data = outputBuffer;
     output_.changed = true;
     readResult(&output_, inputPixels, bytesPerPixel);
-    return !output_.changed;
+    return output_.changed ? "The render cannot be read back" : nullptr;
 }
 
 // The engine goes on with a texture that the driver has no memory for, and would render black.
@@ -205,27 +181,9 @@ bool KelOgreEffectBase::resizeScene(unsigned char* outputBuffer) {
     camera_->setAspectRatio(static_cast<float>(renderWidth_) / static_cast<float>(renderHeight_));
     resizeOutput(renderWidth_, renderHeight_, outputBuffer);
     picturePlane_->resize(renderWidth_, renderHeight_);
-    if (readBackMode_ == readBackThroughBuffer) rebuildPackBuffer();
+    readBack_.rebuildBuffer(output_.byteSize);
     sizeChanged_ = false;
     return true;
-}
-
-void KelOgreEffectBase::rebuildPackBuffer() {
-    deletePackBuffer();
-    const std::size_t bytes = output_.byteSize;
-    glBuffers_.genBuffers(1, &packBuffer_);
-    glBuffers_.bindBuffer(GL_PIXEL_PACK_BUFFER, packBuffer_);
-    glBuffers_.bufferData(GL_PIXEL_PACK_BUFFER, static_cast<GLsizeiptr>(bytes), nullptr,
-                          GL_STREAM_READ);
-    glBuffers_.bindBuffer(GL_PIXEL_PACK_BUFFER, 0);
-    packBufferBytes_ = bytes;
-}
-
-void KelOgreEffectBase::deletePackBuffer() {
-    if (packBuffer_ == 0) return;
-    if (glBuffers_.isBuffer(packBuffer_)) glBuffers_.deleteBuffers(1, &packBuffer_);
-    packBuffer_ = 0;
-    packBufferBytes_ = 0;
 }
 
 bool KelOgreEffectBase::acceptsInputs() const {
@@ -277,13 +235,9 @@ void KelOgreEffectBase::readResult(_ImageParam* result, unsigned char* inputPixe
         scratch_.resize(result->byteSize);
         result->data = scratch_.data();
     }
-    const bool buffered = readBackMode_ == readBackThroughBuffer && result->byteSize != 0;
-    if (buffered) {
-        if (packBufferBytes_ != result->byteSize) rebuildPackBuffer();
-        glBuffers_.bindBuffer(GL_PIXEL_PACK_BUFFER, packBuffer_);
-    }
+    readBack_.bindBuffer(result->byteSize);
     const bool delivered = getPixels(result);
-    if (buffered) glBuffers_.bindBuffer(GL_PIXEL_PACK_BUFFER, 0);
+    readBack_.unbindBuffer();
     result->data = destination;
     if (delivered && !direct) {
         keladjust::storeRender(scratch_.data(), result->width, result->height, format, destination);
@@ -296,68 +250,11 @@ bool KelOgreEffectBase::getPixels(_ImageParam* result) {
         return false;
     }
     result->format = Ogre::PF_A8R8G8B8;
-    bool delivered = true;
-    if (readBackMode_ == readBackByEngine) {
-        copyByEngine(*result);
-    } else {
-        delivered = copyByOpenGl(*result);
-    }
+    const bool delivered =
+        readBack_.copy(*engine_->root()->getRenderSystem(), *renderTexture_, *result);
     if (delivered && flip_) flipVertical(result->data, result->width, result->height);
     result->changed = !delivered;
     return delivered;
-}
-
-void KelOgreEffectBase::copyByEngine(const _ImageParam& result) {
-    const auto& buffer = renderTexture_->getBuffer();
-    const Ogre::PixelBox box(buffer->getWidth(), buffer->getHeight(), buffer->getDepth(),
-                             result.format, result.data);
-    buffer->blitToMemory(box);
-}
-
-bool KelOgreEffectBase::copyByOpenGl(const _ImageParam& result) {
-    // OpenGL reads from what is bound, and a frame ends with something else bound.
-    engine_->root()->getRenderSystem()->_setRenderTarget(
-        renderTexture_->getBuffer()->getRenderTarget());
-    ranOutOfMemory();
-    glReadBuffer(GL_COLOR_ATTACHMENT0);
-    if (glGetError() != GL_NO_ERROR) {
-        logMessage("The render texture cannot be read");
-        return false;
-    }
-    bool copied = false;
-    {
-        const TightPacking packing(result.width);
-        // With a pack buffer bound, the address is an offset into it.
-        void* const target = readBackMode_ == readBackThroughBuffer ? nullptr : result.data;
-        glReadPixels(0, 0, static_cast<GLsizei>(result.width), static_cast<GLsizei>(result.height),
-                     GL_BGRA, GL_UNSIGNED_BYTE, target);
-        copied = readBackMode_ == readBackThroughBuffer ? copyFromPackBuffer(result)
-                                                        : glGetError() == GL_NO_ERROR;
-    }
-    if (!copied) copyByEngine(result);
-    return true;
-}
-
-bool KelOgreEffectBase::copyFromPackBuffer(const _ImageParam& result) {
-    GLenum error = glGetError();
-    void* mapped = nullptr;
-    if (error == GL_NO_ERROR) {
-        mapped = glBuffers_.mapBuffer(GL_PIXEL_PACK_BUFFER, GL_READ_ONLY);
-        error = glGetError();
-    }
-    if (mapped != nullptr && error == GL_NO_ERROR) {
-        std::memcpy(result.data, mapped, result.byteSize);
-        // The driver may have lost the contents meanwhile; then they are read again.
-        const bool intact = glBuffers_.unmapBuffer(GL_PIXEL_PACK_BUFFER) == GL_TRUE;
-        if (!intact) glBuffers_.bindBuffer(GL_PIXEL_PACK_BUFFER, 0);
-        return intact;
-    }
-    // The line begins as many characters later as the error's number says.
-    const std::string message = "glMapBufferRangeEXT failed: ";
-    logMessage(message.substr(std::min<std::size_t>(error, message.size())));
-    if (mapped != nullptr) glBuffers_.unmapBuffer(GL_PIXEL_PACK_BUFFER);
-    glBuffers_.bindBuffer(GL_PIXEL_PACK_BUFFER, 0);
-    return false;
 }
 
 Ogre::MaterialPtr KelOgreEffectBase::getMaterial() {
@@ -380,16 +277,12 @@ void KelOgreEffectBase::setShaderParameters(const void* parameters) {
     }
     for (const auto& [key, value] :
          *static_cast<const std::map<_CommDataType, float>*>(parameters)) {
-        floats_[key] = value;
+        parameters_.set(key.programKind, key.name.c_str(), value);
     }
 }
 
 void KelOgreEffectBase::setReadBackMode(std::uint32_t mode) {
-    readBackMode_ = usesOpenGl() ? mode : static_cast<std::uint32_t>(readBackByEngine);
-    // Without the driver's functions for buffers the direct way gives the same.
-    if (readBackMode_ == readBackThroughBuffer && glBuffers_.mapBuffer == nullptr) {
-        readBackMode_ = readBackDirectly;
-    }
+    readBack_.setMode(usesOpenGl() ? mode : static_cast<std::uint32_t>(readBackByEngine));
 }
 
 void KelOgreEffectBase::destroySelf() {
@@ -424,46 +317,46 @@ void KelOgreEffectBase::setShaderEntryPoint(std::int32_t isFragment, const char*
 
 void KelOgreEffectBase::setParameter(std::int32_t programKind, const char* name,
                                      const Ogre::ColourValue& value) {
-    if (name != nullptr) colours_[{programKind, name}] = value;
+    parameters_.set(programKind, name, value);
 }
 void KelOgreEffectBase::setParameter(std::int32_t programKind, const char* name,
                                      const _IntPoint& value) {
-    if (name != nullptr) intPoints_[{programKind, name}] = value;
+    parameters_.set(programKind, name, value);
 }
 void KelOgreEffectBase::setParameter(std::int32_t programKind, const char* name,
                                      const _DoublePoint& value) {
-    if (name != nullptr) doublePoints_[{programKind, name}] = value;
+    parameters_.set(programKind, name, value);
 }
 void KelOgreEffectBase::setParameter(std::int32_t programKind, const char* name,
                                      const _FloatPoint& value) {
-    if (name != nullptr) floatPoints_[{programKind, name}] = value;
+    parameters_.set(programKind, name, value);
 }
 void KelOgreEffectBase::setParameter(std::int32_t programKind, const char* name,
                                      const _Matrix4Point& value) {
-    if (name != nullptr) matrixPoints_[{programKind, name}] = value;
+    parameters_.set(programKind, name, value);
 }
 void KelOgreEffectBase::setParameter(std::int32_t programKind, const char* name,
                                      const Ogre::Matrix4* value) {
-    if (name != nullptr && value != nullptr) matrices_[{programKind, name}] = *value;
+    if (value != nullptr) parameters_.set(programKind, name, *value);
 }
 void KelOgreEffectBase::setParameter(std::int32_t programKind, const char* name,
                                      const Ogre::Vector2& value) {
-    if (name != nullptr) vectors2_[{programKind, name}] = value;
+    parameters_.set(programKind, name, value);
 }
 void KelOgreEffectBase::setParameter(std::int32_t programKind, const char* name,
                                      const Ogre::Vector3& value) {
-    if (name != nullptr) vectors3_[{programKind, name}] = value;
+    parameters_.set(programKind, name, value);
 }
 void KelOgreEffectBase::setParameter(std::int32_t programKind, const char* name,
                                      const Ogre::Vector4& value) {
-    if (name != nullptr) vectors4_[{programKind, name}] = value;
+    parameters_.set(programKind, name, value);
 }
 void KelOgreEffectBase::setParameter(std::int32_t programKind, const char* name, float value) {
-    if (name != nullptr) floats_[{programKind, name}] = value;
+    parameters_.set(programKind, name, value);
 }
 void KelOgreEffectBase::setParameter(std::int32_t programKind, const char* name,
                                      std::int32_t value) {
-    if (name != nullptr) ints_[{programKind, name}] = value;
+    parameters_.set(programKind, name, value);
 }
 
 void KelOgreEffectBase::createSceneNodes() {
@@ -491,25 +384,8 @@ void KelOgreEffectBase::buildPrograms() {
     }
 }
 
-template <class Value>
-void KelOgreEffectBase::applyTable(const ParameterTable<Value>& table) {
-    for (const auto& [key, value] : table) shader_->setParameter(key.programKind, key.name, value);
-}
-
 void KelOgreEffectBase::applyParameters() {
-    applyTable(ints_);
-    applyTable(floats_);
-    applyTable(vectors4_);
-    applyTable(vectors3_);
-    applyTable(vectors2_);
-    for (const auto& [key, value] : matrices_) {
-        shader_->setParameter(key.programKind, key.name, &value);
-    }
-    applyTable(matrixPoints_);
-    applyTable(floatPoints_);
-    applyTable(doublePoints_);
-    applyTable(intPoints_);
-    applyTable(colours_);
+    parameters_.applyTo(*shader_);
 }
 
 bool KelOgreEffectBase::hasMaterial() const {
@@ -526,7 +402,7 @@ void KelOgreEffectBase::destroyScene() {
     }
     // By name, because the destructor comes here, too.
     KelOgreEffectBase::destroyRenderTexture();
-    deletePackBuffer();
+    readBack_.deleteBuffer();
     KelOgreEffectBase::windowClosed();
     material_.reset();
     picturePlane_.reset();

@@ -8,18 +8,18 @@
 #include <OgreVector.h>
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "engine/CameraController.h"
 #include "engine/EffectRecords.h"
-#include "engine/GlBuffers.h"
 #include "engine/KelEffectBase.h"
 #include "engine/KelOgreBase.h"
 #include "engine/KelOgrePicturePlane.h"
 #include "engine/KelOgreShader.h"
+#include "engine/ParameterTables.h"
+#include "engine/ReadBack.h"
 
 namespace Ogre {
 class Camera;
@@ -38,12 +38,8 @@ public:
     /// What the factory knows the class as.
     static constexpr const char* typeName = "class KelOgreEffectBase";
 
-    /// How a result gets from the render texture into memory.
-    enum ReadBackMode : std::uint32_t {
-        readBackByEngine = 0,       ///< the engine copies it
-        readBackDirectly = 1,       ///< OpenGL writes it to memory
-        readBackThroughBuffer = 2,  ///< OpenGL writes it to a buffer object, which is copied
-    };
+    using ReadBackMode = keladjust::ReadBackMode;
+    using enum keladjust::ReadBackMode;
 
     KelOgreEffectBase();
     ~KelOgreEffectBase() override;
@@ -116,7 +112,7 @@ public:
     bool frameRenderingQueued(const Ogre::FrameEvent& event) override;
 
     bool isSizeChanged() const { return sizeChanged_; }
-    std::uint32_t readBackMode() const { return readBackMode_; }
+    std::uint32_t readBackMode() const { return readBack_.mode(); }
     const KelOgrePicturePlane* picturePlane() const { return picturePlane_.get(); }
     const KelOgreShader* shader() const { return shader_.get(); }
     const Ogre::TexturePtr& renderTexture() const { return renderTexture_; }
@@ -124,7 +120,7 @@ public:
 protected:
     /// The engine that the effect was made in.
     KelOgreBase* engine() const { return engine_; }
-    keladjust::GlBuffers& glBuffers() { return glBuffers_; }
+    keladjust::GlBuffers& glBuffers() { return readBack_.glBuffers(); }
 
 private:
     /// Notes whether the program pair was in use while the plane was drawn: programs that do not
@@ -135,28 +131,18 @@ private:
         bool sawProgram = false;
     };
 
-    template <class Value>
-    using ParameterTable = std::map<_CommDataType, Value>;
-
     void chooseReadBackMode();
-    bool runPass(unsigned char* outputBuffer, unsigned char* inputPixels,
-                 std::uint32_t bytesPerPixel);
+    const char* runPass(unsigned char* outputBuffer, unsigned char* inputPixels,
+                        std::uint32_t bytesPerPixel);
     bool driverLacksMemory();
     void releaseTextures() noexcept;
     bool prepareScene();
     bool resizeScene(unsigned char* outputBuffer);
-    void rebuildPackBuffer();
-    void deletePackBuffer();
     bool acceptsInputs() const;
     bool uploadInputs();
     Ogre::PixelFormat pictureFormat() const;
     bool isWindowClosed() const;
     bool usesOpenGl() const;
-    void copyByEngine(const _ImageParam& result);
-    bool copyByOpenGl(const _ImageParam& result);
-    bool copyFromPackBuffer(const _ImageParam& result);
-    template <class Value>
-    void applyTable(const ParameterTable<Value>& table);
 
     const std::uint32_t number_;
     KelOgreBase* const engine_;
@@ -179,27 +165,13 @@ private:
     ProgramText programs_[2];
     std::unique_ptr<KelOgreShader> shader_;
     Ogre::MaterialPtr material_;
-    std::uint32_t readBackMode_ = readBackByEngine;
-    GLuint packBuffer_ = 0;
-    std::size_t packBufferBytes_ = 0;
-
-    ParameterTable<std::int32_t> ints_;
-    ParameterTable<float> floats_;
-    ParameterTable<Ogre::Vector4> vectors4_;
-    ParameterTable<Ogre::Vector3> vectors3_;
-    ParameterTable<Ogre::Vector2> vectors2_;
-    ParameterTable<Ogre::Matrix4> matrices_;
-    ParameterTable<_Matrix4Point> matrixPoints_;
-    ParameterTable<_FloatPoint> floatPoints_;
-    ParameterTable<_DoublePoint> doublePoints_;
-    ParameterTable<_IntPoint> intPoints_;
-    ParameterTable<Ogre::ColourValue> colours_;
+    keladjust::ReadBack readBack_;
+    keladjust::ParameterTables parameters_;
 
     std::uint32_t lastFrameTime_ = 0;
     std::uint32_t frameTimeScale_ = 1;
     bool registered_ = false;
     bool pixelBufferSwitch_ = false;
-    keladjust::GlBuffers glBuffers_;
     ProgramWitness witness_;
     /// A render of four bytes a pixel on its way into a picture of fewer.
     std::vector<unsigned char> scratch_;

@@ -47,6 +47,12 @@ enum Command : std::uint32_t {
     commandDeleteAllAndStop = 9,
 };
 
+// Without what a command is about, there is a line in the log and no command.
+bool given(const void* subject, const char* lineIfNot) {
+    if (subject == nullptr) logMessage(lineIfNot);
+    return subject != nullptr;
+}
+
 }  // namespace
 
 /// What a caller asks of the thread. Written by the caller, who holds the request lock until the
@@ -60,9 +66,11 @@ struct KelOgreRenderThread::Request {
     unsigned char* inputPixels = nullptr;
     std::uint32_t bytesPerPixel = 0;
     const char* imagePath = nullptr;
+    const PictureReader* readPicture = nullptr;
     const void* parameter = nullptr;
     bool* slowFlag = nullptr;
     std::uint32_t evaluateMilliseconds = 0;
+    std::string* failure = nullptr;
     bool removeAll = false;
     const unsigned char* imageData = nullptr;
     std::uint32_t imageWidth = 0;
@@ -79,7 +87,7 @@ struct KelOgreRenderThread::Thread {
     explicit Thread(const KelOgreRenderThread* owningObject) : owner(owningObject) {}
 
     std::uint32_t threadFunc(const KelOgreBase::Start& start, EngineMaker makeEngine);
-    void post();
+    bool run(std::uint32_t command);
 
     static std::atomic<Thread*> single;
 
@@ -88,6 +96,7 @@ struct KelOgreRenderThread::Thread {
     keladjust::platform::Event requested;
     keladjust::platform::Event done;
     std::atomic<bool> engineInitialised{false};
+    std::string whyNotStarted;
     /// Copied from the effect that ran last.
     bool stopFlag = false;
     std::unique_ptr<KelOgreBase> engine;
@@ -151,11 +160,15 @@ std::uint32_t KelOgreRenderThread::Thread::threadFunc(const KelOgreBase::Start& 
 bool KelOgreRenderThread::Thread::bringUp(const KelOgreBase::Start& start, EngineMaker makeEngine) {
     try {
         engine = makeEngine(start);
-        if (!engine->setup(windowWidth, windowHeight)) return false;
+        if (!engine->setup(windowWidth, windowHeight)) {
+            whyNotStarted = engine->whyNotSetUp();
+            return false;
+        }
         picture = std::make_unique<Ogre::Image>();
         return true;
     } catch (...) {
         logCurrentException("The render thread does not start");
+        whyNotStarted = keladjust::currentExceptionText();
         return false;
     }
 }
@@ -246,6 +259,8 @@ bool KelOgreRenderThread::Thread::render() {
     const bool succeeded = runPass(request.effect, [this](KelEffectBase& effect) {
         effect.process(static_cast<unsigned char*>(request.output), request.inputPixels,
                        request.bytesPerPixel);
+        // Told here, because the effect may be gone by the time the caller wakes.
+        if (request.failure != nullptr) *request.failure = effect.failure();
         return true;
     });
 
@@ -264,6 +279,7 @@ bool KelOgreRenderThread::Thread::loadPicture() {
     requireEngine();
     try {
         keladjust::loadPictureFile(request.imagePath, *picture);
+        if (request.readPicture != nullptr) (*request.readPicture)(*picture);
         return true;
     } catch (...) {
         logCurrentException("Picture not loaded");
@@ -305,10 +321,14 @@ bool KelOgreRenderThread::Thread::removeEffect() {
     return true;
 }
 
-void KelOgreRenderThread::Thread::post() {
+// Runs the command that the request is set up for; the caller holds the request lock.
+// @return true if it did what it is for
+bool KelOgreRenderThread::Thread::run(std::uint32_t command) {
+    request.command = command;
     request.succeeded = false;
     requested.signal();
     done.wait();
+    return request.succeeded;
 }
 
 KelOgreRenderThread::KelOgreRenderThread(const char* firstPath, const char* secondPath,
@@ -343,10 +363,13 @@ void KelOgreRenderThread::startThread(const KelOgreBase::Start& start) {
         thread->handle =
             std::thread([thread, start, make = makeEngine_] { thread->threadFunc(start, make); });
         thread->done.wait();
-    } catch (const std::system_error&) {
+    } catch (const std::system_error& failure) {
         // No thread to be had: as if the engine had failed to start.
+        thread->whyNotStarted = failure.what();
     }
-    if (!thread->engineInitialised) stopThread(thread);
+    if (thread->engineInitialised) return;
+    whyNotStarted_ = thread->whyNotStarted;
+    stopThread(thread);
 }
 
 KelOgreRenderThread::Thread* KelOgreRenderThread::thread() const {
@@ -379,141 +402,110 @@ const KelOgreBase* KelOgreRenderThread::engine() const {
     return owned != nullptr && owned->engineInitialised ? owned->engine.get() : nullptr;
 }
 
+// What all commands have in common: under the request lock, `setUp` fills the request in, or says
+// why not and returns false; then the thread runs the command.
+// @return 1 if it did what it is for
+template <class SetUp>
+int KelOgreRenderThread::post(std::uint32_t command, SetUp setUp) {
+    MyCSingleLock lock(&requestLock_);
+    Thread* const thread = runningThread();
+    if (thread == nullptr || !setUp(*thread, thread->request)) return 0;
+    return thread->run(command) ? 1 : 0;
+}
+
 KelEffectBase* KelOgreRenderThread::createEffect(const char* className) {
     MyCSingleLock lock(&requestLock_);
     if (Thread::single == nullptr) startThread({"", "", "", renderSystemKind_});
-    Thread* const thread = runningThread();
-    if (thread == nullptr) return nullptr;
-    if (className == nullptr) {
-        logMessage("Error: class name is NULL!");
-        return nullptr;
-    }
-    Request& request = thread->request;
-    std::snprintf(request.className, sizeof request.className, "%s", className);
-    request.command = commandCreateEffect;
-    thread->post();
-    return request.succeeded ? thread->effects.back().get() : nullptr;
+    const int created = post(commandCreateEffect, [className](Thread&, Request& request) {
+        if (!given(className, "Error: class name is NULL!")) return false;
+        std::snprintf(request.className, sizeof request.className, "%s", className);
+        return true;
+    });
+    return created != 0 ? thread()->effects.back().get() : nullptr;
 }
 
 int KelOgreRenderThread::getMaterial(KelEffectBase* effect) {
-    MyCSingleLock lock(&requestLock_);
-    Thread* const thread = runningThread();
-    if (thread == nullptr) return 0;
-    if (effect == nullptr) {
-        logMessage("Error: This effect is NULL!");
-        return 0;
-    }
-    thread->request.command = commandMaterial;
-    thread->request.effect = effect;
-    thread->post();
-    return thread->request.succeeded ? 1 : 0;
+    return post(commandMaterial, [effect](Thread&, Request& request) {
+        request.effect = effect;
+        return given(effect, "Error: This effect is NULL!");
+    });
 }
 
 int KelOgreRenderThread::setShaderParameters(KelEffectBase* effect, const void* parameters) {
-    MyCSingleLock lock(&requestLock_);
-    Thread* const thread = runningThread();
-    if (thread == nullptr) return 0;
-    if (effect == nullptr) {
-        logMessage("Filter is NULL!");
-        return 0;
-    }
-    thread->request.command = commandShaderParameters;
-    thread->request.effect = effect;
-    thread->request.parameter = parameters;
-    thread->post();
-    return thread->request.succeeded ? 1 : 0;
+    return post(commandShaderParameters, [=](Thread&, Request& request) {
+        request.effect = effect;
+        request.parameter = parameters;
+        return given(effect, "Filter is NULL!");
+    });
+}
+
+int KelOgreRenderThread::loadPicture(const char* path, const PictureReader& read) {
+    return post(commandLoadPicture, [path, &read](Thread&, Request& request) {
+        request.imagePath = path;
+        request.readPicture = read ? &read : nullptr;
+        return path != nullptr;
+    });
 }
 
 const Ogre::Image* KelOgreRenderThread::loadPicture(const char* path) {
     MyCSingleLock lock(&requestLock_);
-    Thread* const thread = runningThread();
-    if (thread == nullptr || path == nullptr) return nullptr;
-    thread->request.command = commandLoadPicture;
-    thread->request.imagePath = path;
-    thread->post();
-    return thread->request.succeeded ? thread->picture.get() : nullptr;
+    return loadPicture(path, nullptr) != 0 ? thread()->picture.get() : nullptr;
 }
 
 int KelOgreRenderThread::storePicture(const char* path, const unsigned char* pixels,
                                       std::uint32_t width, std::uint32_t height,
                                       std::uint32_t format) {
-    MyCSingleLock lock(&requestLock_);
-    Thread* const thread = runningThread();
-    if (thread == nullptr || path == nullptr) return 0;
-    Request& request = thread->request;
-    request.command = commandStorePicture;
-    request.imagePath = path;
-    request.imageData = pixels;
-    request.imageWidth = width;
-    request.imageHeight = height;
-    request.imageFormat = format;
-    thread->post();
-    return request.succeeded ? 1 : 0;
+    return post(commandStorePicture, [=](Thread&, Request& request) {
+        request.imagePath = path;
+        request.imageData = pixels;
+        request.imageWidth = width;
+        request.imageHeight = height;
+        request.imageFormat = format;
+        return path != nullptr;
+    });
 }
 
 int KelOgreRenderThread::render(KelEffectBase* effect, unsigned char* outputBuffer,
                                 unsigned char* inputPixels, std::uint32_t bytesPerPixel,
-                                bool* slowFlag, std::uint32_t evaluateMilliseconds) {
-    MyCSingleLock lock(&requestLock_);
-    Thread* const thread = runningThread();
-    if (thread == nullptr) return 0;
-    if (effect == nullptr) {
-        logMessage("Error: This effect is NULL!");
-        return 0;
-    }
-    if (thread->stopFlag) {
-        thread->stopFlag = false;
-        return 0;
-    }
-    Request& request = thread->request;
-    request.command = commandRender;
-    request.effect = effect;
-    request.output = outputBuffer;
-    request.inputPixels = inputPixels;
-    request.bytesPerPixel = bytesPerPixel;
-    request.slowFlag = slowFlag;
-    request.evaluateMilliseconds = evaluateMilliseconds;
-    thread->post();
-    return request.succeeded ? 1 : 0;
+                                bool* slowFlag, std::uint32_t evaluateMilliseconds,
+                                std::string* failure) {
+    return post(commandRender, [=](Thread& thread, Request& request) {
+        if (!given(effect, "Error: This effect is NULL!")) return false;
+        if (std::exchange(thread.stopFlag, false)) return false;
+        request.effect = effect;
+        request.output = outputBuffer;
+        request.inputPixels = inputPixels;
+        request.bytesPerPixel = bytesPerPixel;
+        request.slowFlag = slowFlag;
+        request.evaluateMilliseconds = evaluateMilliseconds;
+        request.failure = failure;
+        return true;
+    });
 }
 
 int KelOgreRenderThread::readResult(_ResultRecord* record, unsigned char* inputPixels,
                                     std::uint32_t bytesPerPixel) {
-    MyCSingleLock lock(&requestLock_);
-    Thread* const thread = runningThread();
-    if (thread == nullptr) return 0;
-    if (record == nullptr || record->effect == nullptr) {
-        logMessage("Error: This effect is NULL!");
-        return 0;
-    }
-    Request& request = thread->request;
-    request.command = commandReadRecord;
-    request.output = &record;
-    request.inputPixels = inputPixels;
-    request.bytesPerPixel = bytesPerPixel;
-    thread->post();
-    return request.succeeded ? 1 : 0;
+    return post(commandReadRecord, [=, &record](Thread&, Request& request) {
+        request.output = &record;
+        request.inputPixels = inputPixels;
+        request.bytesPerPixel = bytesPerPixel;
+        return given(record != nullptr ? record->effect : nullptr, "Error: This effect is NULL!");
+    });
 }
 
 int KelOgreRenderThread::removeEffect(KelEffectBase* effect, bool all) {
-    MyCSingleLock lock(&requestLock_);
-    Thread* const thread = runningThread();
-    if (thread == nullptr) return 0;
-    thread->request.command = commandRemoveEffect;
-    thread->request.effect = effect;
-    thread->request.removeAll = all;
-    thread->post();
-    return thread->request.succeeded ? 1 : 0;
+    return post(commandRemoveEffect, [=](Thread&, Request& request) {
+        request.effect = effect;
+        request.removeAll = all;
+        return true;
+    });
 }
 
 int KelOgreRenderThread::stop() {
     MyCSingleLock lock(&requestLock_);
     Thread* const owned = thread();
     if (owned == nullptr) return 0;
-    if (owned->engineInitialised) {
-        owned->request.command = commandDeleteAllAndStop;
-        owned->post();
-    }
+    if (owned->engineInitialised) owned->run(commandDeleteAllAndStop);
     stopThread(owned);
     return 1;
 }

@@ -2,6 +2,7 @@
 #define KELADJUST_ENGINE_KELOGRERENDERTHREAD_H
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -21,6 +22,7 @@ class Image;
 class KelOgreRenderThread {
 public:
     using EngineMaker = std::unique_ptr<KelOgreBase> (*)(const KelOgreBase::Start&);
+    using PictureReader = std::function<void(const Ogre::Image&)>;
 
     /// Starts the thread and waits until the engine is up or has failed to start. Null paths are
     /// empty.
@@ -34,8 +36,12 @@ public:
     KelOgreRenderThread(const KelOgreRenderThread&) = delete;
     KelOgreRenderThread& operator=(const KelOgreRenderThread&) = delete;
 
+    static std::unique_ptr<KelOgreBase> makeKelOgreBase(const KelOgreBase::Start& start);
+
     /// True from the start of the engine until the thread leaves its loop.
     bool isEngineInitialised() const;
+    /// Why the engine did not come up; empty if it did.
+    const std::string& whyNotStarted() const { return whyNotStarted_; }
     /// The running engine, for a look at what it has found out; null while there is none.
     const KelOgreBase* engine() const;
 
@@ -47,8 +53,13 @@ public:
     /// @return 1 if the parameters were handed over
     int setShaderParameters(KelEffectBase* effect, const void* parameters);
     /// Loads a file into the one shared picture; what that held before is gone.
-    /// @return the picture; null if it could not be loaded
+    /// @return the picture, until the thread has another to load or stops; null if it could not be
+    ///         loaded
     const Ogre::Image* loadPicture(const char* path);
+    /// The same, and has `read` look at the picture on the render thread, where nothing can take it
+    /// away meanwhile.
+    /// @return 1 if it was loaded and read
+    int loadPicture(const char* path, const PictureReader& read);
     /// Stores tight rows of pixels under a name whose ending tells the kind of file.
     /// @return 1 if they were stored
     int storePicture(const char* path, const unsigned char* pixels, std::uint32_t width,
@@ -56,10 +67,12 @@ public:
     /// Renders the effect and reads the result back; see KelEffectBase::process().
     /// @param slowFlag may be null; with it, passes are timed: after ten passes it tells whether
     ///                 their average was above `evaluateMilliseconds`
+    /// @param failure  may be null; set to why the pass that ran rendered nothing
     /// @return 1 if the effect ran; 0 without a running engine, and once after a pass that left the
     ///         stop flag set
     int render(KelEffectBase* effect, unsigned char* outputBuffer, unsigned char* inputPixels,
-               std::uint32_t bytesPerPixel, bool* slowFlag, std::uint32_t evaluateMilliseconds);
+               std::uint32_t bytesPerPixel, bool* slowFlag, std::uint32_t evaluateMilliseconds,
+               std::string* failure = nullptr);
     /// Reads the last result of `record->effect` into `record->image`. @return 1 if it was asked
     int readResult(_ResultRecord* record, unsigned char* inputPixels, std::uint32_t bytesPerPixel);
     /// Destroys one effect, or every one. @return 1 if there was something to destroy
@@ -72,11 +85,11 @@ private:
     struct Thread;
     struct Request;
 
-    static std::unique_ptr<KelOgreBase> makeKelOgreBase(const KelOgreBase::Start& start);
-
     void startThread(const KelOgreBase::Start& start);
     Thread* thread() const;
     Thread* runningThread() const;
+    template <class SetUp>
+    int post(std::uint32_t command, SetUp setUp);
     void stopThread(Thread* thread);
 
     keladjust::platform::CriticalSection requestLock_;
@@ -85,6 +98,7 @@ private:
     std::string logPath_;
     std::uint32_t renderSystemKind_;
     EngineMaker makeEngine_;
+    std::string whyNotStarted_;
 };
 
 #endif

@@ -10,7 +10,6 @@
 #include <new>
 #include <utility>
 
-#include "engine/KelOgreRenderThread.h"
 #include "host/BusyLock.h"
 #include "host/GpuEngine.h"
 #include "host/GpuPipeline.h"
@@ -38,26 +37,23 @@ void createBusyEvent(LibraryState& state) {
 bool startEngine(const char* resourcePrefix, const char* pluginPrefix) {
     LibraryState& state = libraryState();
     const std::lock_guard life(state.life);
+    // The colour table needs no engine: it is there even if the engine does not come up.
+    keladjust::buildLibraryLut();
     if (state.gpu.isRunning()) return true;
     createBusyEvent(state);
     const BusyLock busy;
     keladjust::stopGpuEngine(state.gpu);  // it may have stopped by itself
-    state.cpuOnly = false;
-    state.gpu = keladjust::startGpuEngine(resourcePrefix, pluginPrefix, state.logPath.data());
-    if (!state.gpu.isRunning()) {
-        keladjust::stopGpuEngine(state.gpu);
-        state.cpuOnly = true;
-        return false;
-    }
-    if (keladjust::isDriverTooOld(state.gpu)) state.cpuOnly = true;
-    return true;
+    state.whyNotOnGpu = {};
+    state.gpu = keladjust::startGpuEngine(resourcePrefix, pluginPrefix, state.logPath.data(),
+                                          state.whyNotOnGpu);
+    const bool running = state.gpu.isRunning();
+    state.cpuOnly = !running || keladjust::isDriverTooOld(state.gpu, state.whyNotOnGpu);
+    return running;
 }
 
 }  // namespace
 
 bool initOgreRunTime(const char* resourcePrefix, const char* pluginPrefix) {
-    // The colour table needs no engine: it is there even if the engine does not come up.
-    keladjust::buildLibraryLut();
     try {
         return startEngine(resourcePrefix, pluginPrefix);
     } catch (...) {
@@ -95,8 +91,7 @@ CxImage* createCxImage(unsigned char** ppBits, unsigned int width, unsigned int 
 CxImage* createCxImageFromFile(const char* fileName) {
     LibraryState& state = libraryState();
     const std::lock_guard life(state.life);
-    if (!state.gpu.isRunning()) return new (std::nothrow) CxImage();
-    return state.filePicture.take(state.gpu.thread->loadPicture(fileName));
+    return state.filePicture.load(state.gpu.file.module, fileName);
 }
 
 void releaseCxImage(CxImage* image) {
@@ -111,7 +106,7 @@ CxImage* doAdjust(CxImage* image, _AdjustParam parameters) {
     const BusyLock lock;
     const LibraryState& state = libraryState();
     if (lock.isHeld() && !state.cpuOnly && state.gpu.canAdjust()) {
-        return keladjust::runGpuPipeline(image, parameters, state.gpu);
+        return keladjust::runGpuPipeline(image, parameters, state.gpu, nullptr);
     }
     return keladjust::runCpuPipeline(image, parameters);
 }

@@ -3,30 +3,30 @@
 
 #include <keladjust/CxImage.h>
 
-namespace Ogre {
-class Image;
-}
+#include "engine/EngineModule.h"
 
 namespace keladjust {
 
-/// Pixels of the file that was loaded last, with the row padding that images have. Images made
-/// from it hold them by the address of this object's pointer, so it outlives those images.
-class FilePicture {
+/// Loads pictures from files. The pixels of the last one, with the row padding that images have,
+/// are kept for its image until the next one is loaded.
+class FilePicture : private EnginePictureTaker {
 public:
     FilePicture() = default;
     ~FilePicture();
     FilePicture(const FilePicture&) = delete;
     FilePicture& operator=(const FilePicture&) = delete;
 
-    /// Frees the pixels of the file before and takes over those of `loaded`.
-    /// @return a new image; without pixels if `loaded` is null or too large
-    CxImage* take(const Ogre::Image* loaded);
+    /// Frees the pixels of the file before and has the engine load another; null is none.
+    /// @return a new image; without pixels if there is no such picture or it is too large
+    CxImage* load(EngineModule* engine, const char* fileName);
 
 private:
-    void free();
+    void take(const EnginePicture& picture) noexcept override;
 
-    /// From malloc, because CxImage::Copy() may free it; it sets the pointer to null then.
-    unsigned char* bits_ = nullptr;
+    unsigned int width_ = 0;
+    unsigned int height_ = 0;
+    unsigned int bpp_ = 0;
+    _ImagePixelFormat format_ = IMAGE_FORMAT_UNKNOWN;
 };
 
 }  // namespace keladjust

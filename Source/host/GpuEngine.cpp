@@ -1,74 +1,88 @@
 #include "host/GpuEngine.h"
 
+#include <cstdio>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 
-#include "engine/EngineLog.h"
-#include "engine/KelOgreBase.h"
-#include "engine/KelOgreEffectBase.h"
-#include "engine/KelOgreRenderThread.h"
-#include "engine/RenderSystemOptions.h"
+#include "platform/ModuleReference.h"
 #include "shaders/Programs.h"
 
 namespace keladjust {
 
 namespace {
 
-// Null if the effect cannot be made; adjustments then run on the CPU.
-KelOgreEffectBase* createEffect(KelOgreRenderThread& thread, const char* program) {
-    auto* effect = static_cast<KelOgreEffectBase*>(thread.createEffect("KelOgreEffectBase"));
-    if (effect == nullptr) return nullptr;
-    effect->setShaderSource(program, 1, 1);
-    thread.getMaterial(effect);  // compiles, so that the first adjustment need not
-    return effect;
+// A log with one line, where the engine, which else writes it, is not even there.
+void writeLog(const char* prefix, const char* line) {
+    std::ofstream log(std::string(prefix) + "Ogre.log");
+    log << line << '\n';
 }
 
 }  // namespace
 
 bool GpuEngine::isRunning() const {
-    return thread != nullptr && thread->isEngineInitialised();
+    return file.module != nullptr && file.module->isRunning();
 }
 
 bool GpuEngine::canAdjust() const {
-    return isRunning() && basicAdjust != nullptr && range != nullptr && lens != nullptr;
+    return isRunning() && file.module->hasEffect(basicAdjustEffect) &&
+           file.module->hasEffect(rangeEffect) && file.module->hasEffect(lensEffect);
 }
 
 GpuEngine startGpuEngine(const char* resourcePrefix, const char* pluginPrefix,
-                         const char* logPrefix) {
-    auto thread = std::make_unique<KelOgreRenderThread>(resourcePrefix, pluginPrefix, logPrefix,
-                                                        renderSystemOpenGl);
-    GpuEngine engine;
-    if (!thread->isEngineInitialised()) return engine;
-    engine.basicAdjust = createEffect(*thread, shaders::adjustProgram);
-    engine.range = createEffect(*thread, shaders::rangeProgram);
-    engine.lens = createEffect(*thread, shaders::lensProgram);
+                         const char* logPrefix, EngineReason& reason) {
     const std::string combined = std::string(shaders::combinedDeclarations) + shaders::combinedMain;
-    engine.combined = createEffect(*thread, combined.c_str());
-    engine.thread = thread.release();
-    if (!engine.canAdjust()) logMessage("Effects are missing, adjustments run on the CPU");
+    const char* const programs[] = {shaders::adjustProgram, shaders::rangeProgram,
+                                    shaders::lensProgram, combined.c_str()};
+    auto library = std::make_unique<platform::ModuleReference>();
+    GpuEngine engine;
+    engine.file = openEngineFile(reason);
+    if (engine.file.module == nullptr) {
+        writeLog(logPrefix, (std::string("The engine does not start: ") + reason.text).c_str());
+        return engine;
+    }
+    if (!engine.file.module->start(
+            {resourcePrefix, pluginPrefix, logPrefix, programs, std::size(programs)}, reason)) {
+        closeEngineFile(engine.file);
+        return engine;
+    }
+    engine.library = library.release();
+    if (!engine.canAdjust()) {
+        reason.set("Effects are missing, adjustments run on the CPU");
+        engine.file.module->log(reason.text);
+    }
     return engine;
 }
 
-bool isDriverTooOld(const GpuEngine& engine) {
-    const KelOgreBase* base = engine.thread->engine();
-    if (base == nullptr) return true;
-    const Ogre::DriverVersion& version = base->driverVersion();
-    logMessage("GL version is: " + version.toString());
-    if (version.major <= 2) {
-        logMessage(
+bool isDriverTooOld(const GpuEngine& engine, EngineReason& reason) noexcept {
+    EngineModule& module = *engine.file.module;
+    EngineDriver driver{};
+    if (!module.readDriver(driver)) {
+        reason.set("The engine has stopped");
+        return true;
+    }
+    char version[64];
+    std::snprintf(version, sizeof version, "GL version is: %d.%d.%d.%d", driver.major, driver.minor,
+                  driver.release, driver.build);
+    module.log(version);
+    if (driver.major <= 2) {
+        reason.set(
             "GL version is too low, Program requires OpenGL 2.0 or higherra."
             " Please upgrade the driver of your video card!");
-        return true;
+    } else if (driver.major == 3 && driver.minor < 2) {
+        reason.set("Using C algorithm to running!");
+    } else {
+        return false;
     }
-    if (version.major == 3 && version.minor < 2) {
-        logMessage("Using C algorithm to running!");
-        return true;
-    }
-    return false;
+    module.log(reason.text);
+    return true;
 }
 
-void stopGpuEngine(GpuEngine& engine) {
-    delete engine.thread;
+void stopGpuEngine(GpuEngine& engine) noexcept {
+    if (engine.file.module != nullptr) engine.file.module->stop();
+    closeEngineFile(engine.file);
+    delete engine.library;
     engine = {};
 }
 

@@ -1,11 +1,9 @@
 #include "host/GpuPipeline.h"
 
-#include <OgrePixelFormat.h>
-
 #include <cstdint>
+#include <initializer_list>
+#include <vector>
 
-#include "engine/KelOgreEffectBase.h"
-#include "engine/KelOgreRenderThread.h"
 #include "filters/Stage.h"
 #include "host/Pipeline.h"
 #include "host/Uniforms.h"
@@ -16,77 +14,64 @@ namespace keladjust {
 
 namespace {
 
-// What a render may take; the pipeline does not ask whether it did.
-constexpr std::uint32_t evaluateMilliseconds = 20;
+/// The renders of one adjustment.
+class Renders {
+public:
+    Renders(const GpuEngine& engine, CxImage& image, const _AdjustParam& record)
+        : engine_(engine), image_(image), record_(record) {}
 
-std::uint32_t enginePixelFormat(_ImagePixelFormat format) {
-    switch (format) {
-        case IMAGE_FORMAT_GRAY:
-            return Ogre::PF_L8;
-        case IMAGE_FORMAT_RGB:
-            return Ogre::PF_B8G8R8;
-        case IMAGE_FORMAT_BGR:
-            return Ogre::PF_R8G8B8;
-        case IMAGE_FORMAT_RGBA:
-            return Ogre::PF_A8B8G8R8;
-        case IMAGE_FORMAT_BGRA:
-            return Ogre::PF_A8R8G8B8;
-        default:
-            return Ogre::PF_UNKNOWN;
+    /// Renders the picture with the uniforms of a program, after some of the picture's own.
+    /// @return false, and why, if it was not rendered and is as it was
+    bool render(GpuEffect effect, Program program, std::initializer_list<EngineInt> ofPicture,
+                EngineReason& reason) const {
+        // A render may have found the window closed: the engine is down then, effects and all.
+        if (!engine_.isRunning()) {
+            reason.set("The engine has stopped");
+            return false;
+        }
+        std::vector<EngineInt> ints{{"Sample", 0}};
+        ints.insert(ints.end(), ofPicture);
+        for (const auto& uniform : integerUniforms(program, record_)) {
+            ints.push_back({uniform.name, uniform.value});
+        }
+        std::vector<EngineFloat> floats;
+        for (const auto& uniform : floatUniforms(program, record_)) {
+            floats.push_back({uniform.name, uniform.value});
+        }
+        return engine_.file.module->render(
+            {effect, image_.GetBits(), image_.GetWidth(), image_.GetHeight(), image_.GetBpp(),
+             image_.getFormat(), ints.data(), static_cast<std::uint32_t>(ints.size()),
+             floats.data(), static_cast<std::uint32_t>(floats.size())},
+            reason);
     }
-}
 
-void setPicture(KelOgreEffectBase& effect, CxImage& image) {
-    effect.setInputImage(image.GetBits(), image.GetWidth(), image.GetHeight(), 0,
-                         enginePixelFormat(image.getFormat()));
-    effect.setRenderSize(image.GetWidth(), image.GetHeight());
-    effect.setParameter(fragmentProgram, "Sample", 0);
-}
-
-void setUniforms(KelOgreEffectBase& effect, Program program, const _AdjustParam& record) {
-    for (const auto& uniform : integerUniforms(program, record)) {
-        effect.setParameter(fragmentProgram, uniform.name, uniform.value);
+    bool renderTones(EngineReason& reason) const {
+        return render(basicAdjustEffect, Program::tone, {}, reason);
     }
-    for (const auto& uniform : floatUniforms(program, record)) {
-        effect.setParameter(fragmentProgram, uniform.name, uniform.value);
+    bool renderRanges(EngineReason& reason) const {
+        return render(rangeEffect, Program::range,
+                      {{"imageWidth", static_cast<std::int32_t>(image_.GetWidth())},
+                       {"imageHeight", static_cast<std::int32_t>(image_.GetHeight())}},
+                      reason);
     }
-}
 
-bool render(const GpuEngine& engine, KelOgreEffectBase& effect, CxImage& image) {
-    return engine.thread->render(&effect, nullptr, image.GetBits(), image.GetBpp() / 8, nullptr,
-                                 evaluateMilliseconds) != 0;
-}
-
-bool renderTones(const GpuEngine& engine, CxImage& image, const _AdjustParam& record) {
-    KelOgreEffectBase& effect = *engine.basicAdjust;
-    setPicture(effect, image);
-    setUniforms(effect, Program::tone, record);
-    return render(engine, effect, image);
-}
-
-bool renderRanges(const GpuEngine& engine, CxImage& image, const _AdjustParam& record) {
-    KelOgreEffectBase& effect = *engine.range;
-    setPicture(effect, image);
-    effect.setParameter(fragmentProgram, "imageWidth", static_cast<std::int32_t>(image.GetWidth()));
-    effect.setParameter(fragmentProgram, "imageHeight",
-                        static_cast<std::int32_t>(image.GetHeight()));
-    setUniforms(effect, Program::range, record);
-    return render(engine, effect, image);
-}
+private:
+    const GpuEngine& engine_;
+    CxImage& image_;
+    const _AdjustParam& record_;
+};
 
 // False at a refused render, which is the end if nothing may go on without it.
 bool renderStages(CxImage& image, const _AdjustParam& record, const GpuEngine& engine,
-                  bool goesOnWithout) {
+                  bool goesOnWithout, EngineReason& reason) {
+    const Renders renders(engine, image, record);
     if (startsProgram(Program::tone, record)) {
-        const bool rendered = engine.isRunning() && renderTones(engine, image, record);
-        if (!rendered && !goesOnWithout) return false;
+        if (!renders.renderTones(reason) && !goesOnWithout) return false;
     }
     // Clarity works on either side of the colour ranges; sharpening once more than they did.
     if (!platform::isCancelled()) clarity(&image, record.clarity);
-    // The first render may have found the window closed: the engine is down then, effects and all.
     if (startsProgram(Program::range, record) && !platform::isCancelled()) {
-        const bool rendered = engine.isRunning() && renderRanges(engine, image, record);
-        if (!rendered && !goesOnWithout) return false;
+        if (!renders.renderRanges(reason) && !goesOnWithout) return false;
     }
     return true;
 }
@@ -95,10 +80,10 @@ bool renderStages(CxImage& image, const _AdjustParam& record, const GpuEngine& e
 constexpr float renderedShare = 0.3f;
 
 bool runStages(CxImage& image, const _AdjustParam& record, const GpuEngine& engine,
-               bool goesOnWithout) {
+               bool goesOnWithout, EngineReason& reason) {
     {
         const platform::ProgressPart part(0.0f, renderedShare);
-        if (!renderStages(image, record, engine, goesOnWithout)) return false;
+        if (!renderStages(image, record, engine, goesOnWithout, reason)) return false;
     }
     const platform::ProgressPart part(renderedShare, 1.0f);
     runSpatialStages(image, record);
@@ -110,8 +95,10 @@ bool runStages(CxImage& image, const _AdjustParam& record, const GpuEngine& engi
 CxImage* runGpuPipeline(CxImage* image, const _AdjustParam& parameters, const GpuEngine& engine,
                         std::string* reason) noexcept {
     guarded([&] {
-        if (image == nullptr || runStages(*image, parameters, engine, reason == nullptr)) return;
-        *reason = "the engine refused to render the picture";
+        if (image == nullptr) return;
+        EngineReason refusal;
+        if (runStages(*image, parameters, engine, reason == nullptr, refusal)) return;
+        *reason = refusal.text[0] != '\0' ? refusal.text : "the picture was not rendered";
     });
     return image;
 }

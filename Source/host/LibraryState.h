@@ -23,10 +23,10 @@ public:
 
     /// Held while the engine is started, stopped or asked for a file.
     std::mutex life;
-    /// Changed by the holder of `life` and the busy event, read by the holder of either. Not ended
-    /// with this object: a program that ends without stopping the engine must not tear it down
-    /// among other libraries that are gone already.
+    /// Changed by the holder of `life` and the busy event, read by the holder of either.
     GpuEngine gpu;
+    /// Why adjustments do not take the GPU path after a start; likewise.
+    EngineReason whyNotOnGpu;
     /// The holder of `life` may use it.
     FilePicture filePicture;
 

@@ -89,16 +89,25 @@ void renderOrRestore(CxImage& image, const _AdjustParam& record, const GpuEngine
     }
 }
 
+bool rendersInSoftware(const GpuEngine& engine) {
+    EngineDriver driver{};
+    return engine.file.module->readDriver(driver) && !driver.isHardware;
+}
+
 /// Adjusts on the GPU; the reason says why not, the picture then being as it was.
-void adjustOnGpu(CxImage& image, const _AdjustParam& record, std::string& reason) {
+void adjustOnGpu(CxImage& image, const _AdjustParam& record, bool hardwareOnly,
+                 std::string& reason) {
     const BusyLock lock;
     const LibraryState& state = libraryState();
+    const std::string atStart = lock.isHeld() ? state.whyNotOnGpu.text : "";
     if (!lock.isHeld() || !state.gpu.isRunning()) {
-        reason = "the engine is not running";
+        reason = atStart.empty() ? "the engine is not running" : atStart;
     } else if (state.cpuOnly) {
-        reason = "the graphics driver is too old";
+        reason = atStart.empty() ? "the graphics driver is too old" : atStart;
     } else if (!state.gpu.canAdjust()) {
-        reason = "the engine lacks an effect";
+        reason = atStart.empty() ? "the engine lacks an effect" : atStart;
+    } else if (hardwareOnly && rendersInSoftware(state.gpu)) {
+        reason = "the driver renders in software";
     } else {
         renderOrRestore(image, record, state.gpu, reason);
     }
@@ -112,7 +121,8 @@ KeladjustResult run(CxImage& image, const _AdjustParam& record, HostRun& host,
     }
     const std::int32_t path = host.wishes.path;
     std::string reason;
-    if (path != KELADJUST_CPU) adjustOnGpu(image, record, reason);
+    const bool hardwareOnly = path == KELADJUST_AUTO && host.wishes.hardwareOnly != 0;
+    if (path != KELADJUST_CPU) adjustOnGpu(image, record, hardwareOnly, reason);
     const bool onGpu = path != KELADJUST_CPU && reason.empty();
     if (!onGpu && path == KELADJUST_GPU) {
         host.tell(KELADJUST_AUTO, reason);

@@ -72,11 +72,17 @@ float stretched(float channel, float low, float high, float span) {
     return (channel - low) / span;
 }
 
-// The window's edges are whole levels, as they are for bytes.
-vec3 withContrast(vec3 colour) {
+// The lower edge of the window, a whole level, as it is for bytes. At a contrast of 255 it would be
+// infinite; any edge above the upper one leads to the same window.
+int contrastEdge() {
+    if (contrast == 255.0) return 255;
     float strength =
         contrast > 0.0 ? 1.0 / (1.0 - contrast / 255.0) - 1.0 : contrast / 255.0;
-    int low = int(strength * 100.0 / 2.0);
+    return int(strength * 100.0 / 2.0);
+}
+
+vec3 withContrast(vec3 colour) {
+    int low = contrastEdge();
     int high = 255 - low;
     if (high < low) {
         high = 127;

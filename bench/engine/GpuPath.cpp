@@ -6,11 +6,11 @@
 
 #include <chrono>
 #include <cstdint>
-#include <memory>
+#include <iterator>
 
 #include "engine/EffectFactory.h"
 #include "engine/KelOgreEffectBase.h"
-#include "engine/KelOgreRenderThread.h"
+#include "engine/OgreEngine.h"
 #include "host/GpuEngine.h"
 #include "host/GpuPipeline.h"
 #include "host/Pipeline.h"
@@ -72,23 +72,19 @@ public:
 DYN_CLASS::CFactory<TimedEffect> timedEffects;
 const DYN_CLASS::CFactoryManager timedEffectsPlace{&timedEffects};
 
-KelOgreEffectBase* timedEffect(KelOgreRenderThread& thread, const char* program) {
-    auto* effect = static_cast<KelOgreEffectBase*>(thread.createEffect("TimedEffect"));
-    effect->setShaderSource(program, 1, 1);
-    return effect;
-}
-
 /// The engine with timed effects; null if it does not come up.
 const GpuEngine* timedEngine() {
-    static const std::unique_ptr<KelOgreRenderThread> thread =
-        std::make_unique<KelOgreRenderThread>(KELADJUST_ENGINE_CONFIG, KELADJUST_ENGINE_CONFIG,
-                                              KELADJUST_ENGINE_CONFIG, 0u);
-    if (!thread->isEngineInitialised()) return nullptr;
     namespace shaders = keladjust::shaders;
-    static const GpuEngine engine{thread.get(), timedEffect(*thread, shaders::adjustProgram),
-                                  timedEffect(*thread, shaders::rangeProgram),
-                                  timedEffect(*thread, shaders::lensProgram), nullptr};
-    return &engine;
+    static keladjust::OgreEngine module{"TimedEffect"};
+    static const GpuEngine engine{{&module, nullptr}, nullptr};
+    const char* const programs[] = {shaders::adjustProgram, shaders::rangeProgram,
+                                    shaders::lensProgram};
+    keladjust::EngineReason reason;
+    static const bool started =
+        module.start({KELADJUST_ENGINE_CONFIG, KELADJUST_ENGINE_CONFIG, KELADJUST_ENGINE_CONFIG,
+                      programs, std::size(programs)},
+                     reason);
+    return started ? &engine : nullptr;
 }
 
 _AdjustParam exposureAlone() {
@@ -107,9 +103,9 @@ void gpuPath(benchmark::State& state, _AdjustParam (*settings)()) {
     CxImage image;
     createPhotographLike(image, state.range(0), state.range(1));
     const _AdjustParam p = settings();
-    keladjust::runGpuPipeline(&image, p, *engine);  // compiles programs, makes textures
+    keladjust::runGpuPipeline(&image, p, *engine, nullptr);  // compiles programs, makes textures
     TimedEffect::times = Times{};
-    for (auto _ : state) keladjust::runGpuPipeline(&image, p, *engine);
+    for (auto _ : state) keladjust::runGpuPipeline(&image, p, *engine, nullptr);
 
     const Times& t = TimedEffect::times;
     const auto perAdjustment = [](double milliseconds) {

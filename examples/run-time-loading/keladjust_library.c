@@ -11,12 +11,12 @@ static bool find(HMODULE module, const char* name, void* function) {
 }
 
 bool loadKeladjust(KeladjustLibrary* library, const char* path) {
-    /* The folder is searched only if the path is a full one with backslashes. */
+    /* By its full path: a bare name would be looked for in folders that anyone may write to. */
     char fullPath[MAX_PATH];
     HMODULE module;
     const DWORD length = GetFullPathNameA(path, sizeof fullPath, fullPath, NULL);
     if (length == 0 || length >= sizeof fullPath) return false;
-    module = LoadLibraryExA(fullPath, NULL, LOAD_WITH_ALTERED_SEARCH_PATH);
+    module = LoadLibraryA(fullPath);
     if (module == NULL) return false;
     library->module = module;
     if (find(module, "initOgreRunTime", &library->initOgreRunTime) &&

@@ -18,8 +18,8 @@ typedef struct KeladjustLibrary {
     bool (*writeLut3DFile)(_AdjustParam parameters, const char* path);
 } KeladjustLibrary;
 
-/* Loads the DLL, and what it needs from the folder in which it lies. False if it cannot be loaded
-   or lacks a function; nothing is loaded then. */
+/* Loads the DLL, which needs no other; initOgreRunTime() looks for the engine in the folder in
+   which it lies. False if it cannot be loaded or lacks a function; nothing is loaded then. */
 bool loadKeladjust(KeladjustLibrary* library, const char* path);
 
 /* Call releaseOgre first if the engine may be running: its thread would keep the DLL. */

@@ -82,9 +82,10 @@ public:
 
     /// Takes geometry and pixels of `source`; a null pointer is ignored.
     ///
-    /// A buffer of another geometry, owned or adopted, is freed first; the host's pointer to an
-    /// adopted one is set to null. With equal geometry the buffer is reused. Ownership is taken
-    /// over from `source`, unless a new buffer was allocated: that one is owned.
+    /// A buffer of another geometry, owned or adopted, is freed; the host's pointer to an adopted
+    /// one is set to null, unless it names another buffer by now, and the adopted one then left
+    /// alone. With equal geometry the buffer is reused. Ownership is taken over from `source`,
+    /// unless a new buffer was allocated: that one is owned.
     void Copy(const CxImage* source);
     /// The same; ignored if `source` has no pixels.
     void Copy(const CxImage& source);

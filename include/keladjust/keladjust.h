@@ -136,6 +136,10 @@ typedef struct CxImage CxImage;
  * @param pluginPrefix   text that stands directly before "plugins.cfg"; null is empty
  * @return true if the engine came up. Otherwise every adjustment runs on the CPU; calling again
  *         tries again. While the engine runs, true and nothing else happens.
+ *
+ * The engine is a file of its own beside the library's, which is loaded here and unloaded by
+ * releaseOgre(). An adjustment that another thread asks for meanwhile waits until the start is
+ * over.
  */
 KELADJUST_API bool initOgreRunTime(const char* resourcePrefix, const char* pluginPrefix);
 
@@ -260,9 +264,10 @@ typedef struct KeladjustRun {
      * engine nor call doAdjust(). Sees the default floating-point environment.
      */
     int32_t (*progress)(void* user, float share);
-    void* user;        /**< for `progress` */
-    int32_t pathTaken; /**< out: KELADJUST_CPU or KELADJUST_GPU; KELADJUST_AUTO if refused */
-    char reason[128];  /**< out: why not the path asked for, or why refused; "" otherwise */
+    void* user;           /**< for `progress` */
+    int32_t pathTaken;    /**< out: KELADJUST_CPU or KELADJUST_GPU; KELADJUST_AUTO if refused */
+    char reason[128];     /**< out: why not the path asked for, or why refused; "" otherwise */
+    int32_t hardwareOnly; /**< KELADJUST_AUTO: if not 0, a driver without hardware counts as none */
 } KeladjustRun;
 
 /** How keladjustRun() ended. */

@@ -302,6 +302,42 @@ TEST(CxImageCopy, ByPointerTakesTheGeometryOfAnImageWithoutABuffer) {
     EXPECT_EQ(target.GetPixelColor(4, 2, true), (_tagMyRGBQUAD{0, 0, 0, 0}));
 }
 
+// A copy of the object shares the host's buffer, which goes with the new geometry.
+TEST(CxImageCopy, BetweenCopiesOfAnObjectReadsWhatItFreesBefore) {
+    unsigned char* bits = newBuffer(16, 7);
+    CxImage target(&bits, 2, 2, 32, IMAGE_FORMAT_BGRA);
+    CxImage source(target);
+    source.Create(2, 1, 32, IMAGE_FORMAT_BGRA);
+    target.Copy(source);
+    EXPECT_EQ(bits, nullptr);
+    EXPECT_EQ(target.GetHeight(), 1u);
+    EXPECT_TRUE(target.ownsBits);
+    EXPECT_EQ(target.GetPixelColor(1, 0, true), (_tagMyRGBQUAD{7, 7, 7, 7}));
+}
+
+TEST(CxImageCopy, FreesAHostsBufferOnceForAllCopiesOfAnObject) {
+    unsigned char* bits = newBuffer(16, 7);
+    CxImage first(&bits, 2, 2, 32, IMAGE_FORMAT_BGRA);
+    CxImage second(first);
+    const CxImage larger(5, 3, 24, IMAGE_FORMAT_RGB);
+    first.Copy(larger);
+    second.Copy(larger);
+    EXPECT_EQ(bits, nullptr);
+    EXPECT_NE(first.GetBits(), second.GetBits());
+    EXPECT_TRUE(first.ownsBits && second.ownsBits);
+}
+
+// The target loses the ownership of its buffer, and frees it all the same for another geometry.
+TEST(CxImageCopy, FreesABufferOfItsOwnThatItNoLongerOwns) {
+    HostPicture hosts(2, 2, 32, IMAGE_FORMAT_BGRA);
+    CxImage target(2, 2, 32, IMAGE_FORMAT_BGRA);
+    target.Copy(hosts.image());
+    EXPECT_FALSE(target.ownsBits);
+    const CxImage larger(5, 3, 24, IMAGE_FORMAT_RGB);
+    target.Copy(larger);  // nothing leaks
+    EXPECT_TRUE(target.ownsBits);
+}
+
 TEST(CxImageCopy, OfItselfOrOfASharedBufferIsHarmless) {
     CxImage image(2, 2, 32, IMAGE_FORMAT_BGRA);
     image.SetPixelColor(1, 1, {1, 2, 3, 4});

@@ -12,7 +12,7 @@
 #include <string>
 
 #include "engine/KelOgreEffectBase.h"
-#include "engine/KelOgreRenderThread.h"
+#include "engine/OgreEngine.h"
 #include "host/LibraryState.h"
 #include "host/Pipeline.h"
 #include "support/HostPicture.h"
@@ -45,6 +45,12 @@ TEST(DriverVersion, DecidesThePath) {
     const bool gpu = version >= "3.2";
     EXPECT_EQ(libraryState().cpuOnly, !gpu);
     EXPECT_TRUE(libraryState().gpu.canAdjust());
+    EXPECT_STREQ(libraryState().whyNotOnGpu.text, gpu ? "" : version < "3" ? tooLow : onTheCpu);
+    // What renders here is Mesa's software driver.
+    keladjust::EngineDriver driver{};
+    ASSERT_TRUE(libraryState().gpu.file.module->readDriver(driver));
+    EXPECT_EQ(std::to_string(driver.major) + '.' + std::to_string(driver.minor), version);
+    EXPECT_FALSE(driver.isHardware);
     // Asking once more changes nothing.
     EXPECT_TRUE(initOgreRunTime(KELADJUST_ENGINE_CONFIG, KELADJUST_ENGINE_CONFIG));
     EXPECT_EQ(libraryState().cpuOnly, !gpu);
@@ -62,9 +68,10 @@ TEST(DriverVersion, DecidesThePath) {
     EXPECT_EQ(picture.bytes() == expected.bytes(), !gpu);
 
     // The programs are of a level that every one of these drivers compiles.
-    const keladjust::GpuEngine& engine = libraryState().gpu;
-    for (KelOgreEffectBase* effect :
-         {engine.basicAdjust, engine.range, engine.lens, engine.combined}) {
+    for (const auto number : {keladjust::basicAdjustEffect, keladjust::rangeEffect,
+                              keladjust::lensEffect, keladjust::combinedEffect}) {
+        const KelOgreEffectBase* effect = keladjust::OgreEngine::instance().effect(number);
+        ASSERT_NE(effect, nullptr);
         EXPECT_TRUE(effect->hasMaterial());
     }
     releaseOgre();

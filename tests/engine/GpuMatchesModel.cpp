@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "engine/KelOgreEffectBase.h"
+#include "engine/OgreEngine.h"
 #include "host/LibraryState.h"
 #include "models/gpu/Path.h"
 #include "support/Closeness.h"
@@ -24,6 +25,11 @@ namespace {
 
 using namespace keladjust::test;
 using keladjust::libraryState;
+
+// Null while the effect has not rendered.
+Ogre::TexturePtr renderTextureOf(keladjust::GpuEffect effect) {
+    return keladjust::OgreEngine::instance().effect(effect)->renderTexture();
+}
 
 // A driver's powers, logarithms and divisions may differ from the C library's in the last bit,
 // which moves a rare byte by one level; where a comparison falls to the other side, or a spatial
@@ -183,8 +189,8 @@ TEST_F(GpuPath, IdentityKeepsEveryByteAndRendersNothing) {
         doAdjust(picture.image(), identity);
         EXPECT_EQ(picture.bytes(), before) << format.bpp << " bits, format " << format.format;
     }
-    EXPECT_EQ(libraryState().gpu.basicAdjust->renderTexture(), nullptr);
-    EXPECT_EQ(libraryState().gpu.range->renderTexture(), nullptr);
+    EXPECT_EQ(renderTextureOf(keladjust::basicAdjustEffect), nullptr);
+    EXPECT_EQ(renderTextureOf(keladjust::rangeEffect), nullptr);
 }
 
 // The shape of a vignette that is not there, bounds of ranges that change nothing.
@@ -199,7 +205,7 @@ TEST_F(GpuPath, SettingsWithoutEffectAloneRenderNothing) {
                                   p.vignetteHighlights = 90;
                               }).settings);
     EXPECT_EQ(picture.bytes(), before);
-    EXPECT_EQ(libraryState().gpu.range->renderTexture(), nullptr);
+    EXPECT_EQ(renderTextureOf(keladjust::rangeEffect), nullptr);
 }
 
 // Sharpening is left to the CPU unless the range program runs for another reason.
@@ -209,7 +215,7 @@ TEST_F(GpuPath, SharpeningAloneRendersNothing) {
     doAdjust(picture.image(), only("sharpen", &_AdjustParam::sharpen, 50).settings);
     sharpen(expected.image(), 50);
     EXPECT_EQ(picture.bytes(), expected.bytes());
-    EXPECT_EQ(libraryState().gpu.range->renderTexture(), nullptr);
+    EXPECT_EQ(renderTextureOf(keladjust::rangeEffect), nullptr);
 }
 
 // A setting that is no number is a change as well, so that the program runs.
@@ -218,7 +224,7 @@ TEST_F(GpuPath, NotANumberRenders) {
     doAdjust(picture.image(),
              only("nan", &_AdjustParam::whites, std::numeric_limits<float>::quiet_NaN()).settings);
     EXPECT_TRUE(picture.guardsIntact());
-    EXPECT_NE(libraryState().gpu.basicAdjust->renderTexture(), nullptr);
+    EXPECT_NE(renderTextureOf(keladjust::basicAdjustEffect), nullptr);
 }
 
 // What a host sees as red, green, blue, alpha comes back as blue, green, red, alpha, each time.

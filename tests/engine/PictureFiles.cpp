@@ -1,5 +1,6 @@
 // Pictures from files, as a host gets them, and pictures stored.
 
+#include <OgreImage.h>
 #include <OgrePixelFormat.h>
 #include <gtest/gtest.h>
 #include <keladjust/CxImage.h>
@@ -8,9 +9,12 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include "engine/HookEffect.h"
 #include "engine/KelOgreRenderThread.h"
+#include "engine/OgreEngine.h"
 #include "host/LibraryState.h"
 #include "support/HostName.h"
 #include "support/HostPicture.h"
@@ -19,6 +23,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using keladjust::libraryState;
+using keladjust::OgreEngine;
 
 class PictureFiles : public testing::Test {
 protected:
@@ -52,8 +57,8 @@ protected:
               unsigned char seed) {
         const auto rows = tightRows(
             width, height, static_cast<unsigned>(Ogre::PixelUtil::getNumElemBytes(format)), seed);
-        return libraryState().gpu.thread->storePicture(file.string().c_str(), rows.data(), width,
-                                                       height, format);
+        return OgreEngine::instance().thread()->storePicture(file.string().c_str(), rows.data(),
+                                                             width, height, format);
     }
     void expectPicture(const std::string& name, unsigned width, unsigned height, unsigned bytes,
                        _ImagePixelFormat format, unsigned char seed) {
@@ -171,6 +176,35 @@ TEST_F(PictureFiles, ThatCannotBeLoadedAreEmpty) {
     EXPECT_TRUE(libraryState().gpu.isRunning());
 }
 
+// A render that finds its window closed ends the engine and the picture with it, but not while the
+// picture is read: the two are commands of one thread.
+TEST_F(PictureFiles, AreReadBeforeARenderThatEndsTheEngine) {
+    ASSERT_EQ(store("photo.png", 61, 17, Ogre::PF_B8G8R8, 1), 1);
+    KelOgreRenderThread& engine = *OgreEngine::instance().thread();
+    const keladjust::test::HookFactory hooks;
+    auto* const hook = static_cast<keladjust::test::HookEffect*>(engine.createEffect("HookEffect"));
+    ASSERT_NE(hook, nullptr);
+    hook->onProcess = [hook](auto...) { hook->setStopped(true); };
+
+    std::thread render;
+    std::vector<unsigned char> rows;
+    EXPECT_EQ(engine.loadPicture("photo.png",
+                                 [&](const Ogre::Image& picture) {
+                                     render = std::thread([&] {
+                                         engine.render(hook, nullptr, nullptr, 4, nullptr, 20);
+                                     });
+                                     for (int i = 0; i < 100; ++i) std::this_thread::yield();
+                                     EXPECT_TRUE(engine.isEngineInitialised());
+                                     rows.assign(picture.getData(),
+                                                 picture.getData() + picture.getSize());
+                                 }),
+              1);
+    render.join();
+    EXPECT_FALSE(engine.isEngineInitialised());
+    EXPECT_EQ(rows, tightRows(61, 17, 3, 1));
+    EXPECT_EQ(engine.loadPicture("photo.png", [](const Ogre::Image&) { FAIL(); }), 0);
+}
+
 TEST_F(PictureFiles, AreAdjustedLikeAnyOther) {
     ASSERT_EQ(store("photo.png", 61, 17, Ogre::PF_B8G8R8, 1), 1);
     CxImage* image = createCxImageFromFile("photo.png");
@@ -200,12 +234,16 @@ TEST_F(PictureFiles, ThatCannotBeStoredAreNot) {
     EXPECT_EQ(store("no/such/folder/p.png", 2, 2, Ogre::PF_B8G8R8, 1), 0);
     EXPECT_EQ(store("p.nosuchkind", 2, 2, Ogre::PF_B8G8R8, 1), 0);
     EXPECT_EQ(store("p", 2, 2, Ogre::PF_B8G8R8, 1), 0);
-    EXPECT_EQ(libraryState().gpu.thread->storePicture("p.png", nullptr, 2, 2, Ogre::PF_B8G8R8), 0);
-    EXPECT_EQ(libraryState().gpu.thread->storePicture(nullptr, nullptr, 2, 2, Ogre::PF_B8G8R8), 0);
+    EXPECT_EQ(
+        OgreEngine::instance().thread()->storePicture("p.png", nullptr, 2, 2, Ogre::PF_B8G8R8), 0);
+    EXPECT_EQ(
+        OgreEngine::instance().thread()->storePicture(nullptr, nullptr, 2, 2, Ogre::PF_B8G8R8), 0);
     const unsigned char pixel[4] = {};
-    EXPECT_EQ(libraryState().gpu.thread->storePicture("p.png", pixel, 0, 0, Ogre::PF_B8G8R8), 0);
-    EXPECT_EQ(libraryState().gpu.thread->storePicture("p.png", pixel, 1, 1, Ogre::PF_UNKNOWN), 0);
-    EXPECT_EQ(libraryState().gpu.thread->storePicture("p.png", pixel, 1, 1, 0xFFFFFFFF), 0);
+    EXPECT_EQ(OgreEngine::instance().thread()->storePicture("p.png", pixel, 0, 0, Ogre::PF_B8G8R8),
+              0);
+    EXPECT_EQ(OgreEngine::instance().thread()->storePicture("p.png", pixel, 1, 1, Ogre::PF_UNKNOWN),
+              0);
+    EXPECT_EQ(OgreEngine::instance().thread()->storePicture("p.png", pixel, 1, 1, 0xFFFFFFFF), 0);
     std::ifstream log("Ogre.log");
     std::string text{std::istreambuf_iterator<char>(log), {}};
     EXPECT_NE(text.find("Could not store picture. Maybe something that you specified is wrong."),

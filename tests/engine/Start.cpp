@@ -25,6 +25,7 @@
 #include "engine/KelOgreEffectBase.h"
 #include "engine/KelOgreRenderThread.h"
 #include "engine/LogCapture.h"
+#include "engine/OgreEngine.h"
 #include "engine/RenderSystemOptions.h"
 #include "host/LibraryState.h"
 #include "support/Holdings.h"
@@ -36,6 +37,7 @@ namespace {
 namespace fs = std::filesystem;
 using DYN_CLASS::CFactoryManager;
 using keladjust::libraryState;
+using keladjust::OgreEngine;
 using keladjust::test::Holdings;
 using keladjust::test::HookEffect;
 using keladjust::test::HookFactory;
@@ -103,8 +105,9 @@ protected:
 TEST_F(Start, ComesUpAndTakesTheGpuPath) {
     ASSERT_TRUE(initOgreRunTime(config, config)) << log();
     EXPECT_TRUE(libraryState().gpu.canAdjust());
-    const keladjust::GpuEngine& gpu = libraryState().gpu;
-    for (const KelOgreEffectBase* effect : {gpu.basicAdjust, gpu.range, gpu.lens, gpu.combined}) {
+    for (const auto number : {keladjust::basicAdjustEffect, keladjust::rangeEffect,
+                              keladjust::lensEffect, keladjust::combinedEffect}) {
+        const KelOgreEffectBase* effect = OgreEngine::instance().effect(number);
         ASSERT_NE(effect, nullptr);
         EXPECT_TRUE(effect->hasMaterial()) << "programs are compiled at the start";
     }
@@ -144,9 +147,9 @@ TEST_F(Start, SkipsOptionsThatAreNotOfferedAndSaysSo) {
 
 TEST_F(Start, TwiceIsOnce) {
     ASSERT_TRUE(initOgreRunTime(config, config));
-    const KelOgreRenderThread* thread = libraryState().gpu.thread;
+    const KelOgreRenderThread* thread = OgreEngine::instance().thread();
     EXPECT_TRUE(initOgreRunTime("nowhere/", "nowhere/"));
-    EXPECT_EQ(libraryState().gpu.thread, thread);
+    EXPECT_EQ(OgreEngine::instance().thread(), thread);
     expectWholeLibrary();
 }
 
@@ -322,7 +325,7 @@ TEST_F(Start, FallsBackToTheCpuOnceTheWindowIsClosed) {
     {
         // On the render thread, since a window belongs to the thread that has opened it.
         const HookFactory hooks;
-        KelOgreRenderThread* const thread = libraryState().gpu.thread;
+        KelOgreRenderThread* const thread = OgreEngine::instance().thread();
         auto* const hook = static_cast<HookEffect*>(thread->createEffect("HookEffect"));
         ASSERT_NE(hook, nullptr);
         hook->onProcess = [thread](auto...) { thread->engine()->renderWindow()->destroy(); };

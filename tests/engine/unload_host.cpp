@@ -1,7 +1,7 @@
 // A host that loads the library at run time, in the ways in which it may let go of it:
-//   released   stops the engine, then unloads; several times
+//   released   stops the engine, whose module goes with it, then unloads; several times
 //   plain      unloads without ever having started it
-//   kept       unloads while the engine runs, whose thread keeps the code
+//   kept       unloads while the engine runs, which keeps the library and its module
 //   exits      just ends, the engine running
 
 #include <dlfcn.h>
@@ -9,18 +9,16 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <string>
+
+#include "support/LoadedLibraries.h"
 
 namespace {
 
-bool isLoaded() {
-    std::ifstream maps("/proc/self/maps");
-    for (std::string line; std::getline(maps, line);) {
-        if (line.find("libkeladjust.so") != std::string::npos) return true;
-    }
-    return false;
-}
+using keladjust::test::isLoaded;
+
+constexpr const char* itself = "libkeladjust.so";
+constexpr const char* module = "libkeladjust-engine.so";
 
 void check(bool condition, const char* what) {
     if (condition) return;
@@ -50,25 +48,28 @@ int main(int count, char** arguments) {
     if (way == "released") {
         for (int i = 0; i < 3; ++i) {
             const Library library(path);
+            check(!isLoaded(module), "no module before the start");
             check(library.start(config, config), "start");
+            check(isLoaded(module), "module loaded by the start");
             library.stop();
+            check(!isLoaded(module), "module unloaded by the stop");
             dlclose(library.handle);
-            check(!isLoaded(), "unloaded after release");
+            check(!isLoaded(itself), "unloaded after release");
         }
     } else if (way == "plain") {
         const Library library(path);
         library.stop();
         dlclose(library.handle);
-        check(!isLoaded(), "unloaded without an engine");
+        check(!isLoaded(itself), "unloaded without an engine");
     } else if (way == "kept") {
         const Library library(path);
         check(library.start(config, config), "start");
         dlclose(library.handle);
-        check(isLoaded(), "kept by its thread");
+        check(isLoaded(itself) && isLoaded(module), "kept by the engine");
         const Library again(path);
         again.stop();
         dlclose(again.handle);
-        check(!isLoaded(), "unloaded in the end");
+        check(!isLoaded(itself) && !isLoaded(module), "unloaded in the end");
     } else {
         const Library library(path);
         check(library.start(config, config), "start");

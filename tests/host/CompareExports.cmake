@@ -1,16 +1,20 @@
-# Compares the names that LIBRARY exports with the lines of EXPECTED, both ways. A DLL is read with
-# OBJDUMP, which also says what it needs beside it: that must be IMPORTS.
+# Compares the names that LIBRARY exports with the lines of EXPECTED, both ways, and holds each library
+# that it needs beside it to the expression NEEDS.
 cmake_policy(VERSION 3.25)
 
+execute_process(COMMAND ${OBJDUMP} -p ${LIBRARY} OUTPUT_VARIABLE headers COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX MATCHALL "(DLL Name:|NEEDED) +[^\n]+" needed "${headers}")
+list(TRANSFORM needed REPLACE "(DLL Name:|NEEDED) +" "")
+if(NOT needed)
+    message(FATAL_ERROR "needs nothing, not even the system")
+endif()
+list(FILTER needed EXCLUDE REGEX "^(${NEEDS})$")
+if(needed)
+    message(FATAL_ERROR "needs ${needed}")
+endif()
+
 if(LIBRARY MATCHES "dll$")
-    execute_process(COMMAND ${OBJDUMP} -p ${LIBRARY} OUTPUT_VARIABLE table COMMAND_ERROR_IS_FATAL ANY)
-    string(REGEX MATCHALL "DLL Name: [^\n]+" imports "${table}")
-    list(TRANSFORM imports REPLACE "DLL Name: " "")
-    list(SORT imports CASE INSENSITIVE)
-    if(NOT imports STREQUAL IMPORTS)
-        message(FATAL_ERROR "needs ${imports} instead of ${IMPORTS}")
-    endif()
-    string(REGEX REPLACE ".*Ordinal/Name Pointer\\] Table\n" "" table "${table}")
+    string(REGEX REPLACE ".*Ordinal/Name Pointer\\] Table\n" "" table "${headers}")
     string(REGEX REPLACE "\n\n.*" "\n" table "${table}")
     # A line is "[number] name"; brackets would glue the elements of a list together.
     string(REGEX REPLACE "[[]|[]]" "" table "${table}")

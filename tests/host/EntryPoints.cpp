@@ -121,6 +121,24 @@ TEST(LifeOfTheLibrary, AnyOrderOfCallsIsHarmless) {
     EXPECT_EQ(libraryState().busyEvent(), nullptr);
 }
 
+// The colour table is made and freed under the same lock as the engine.
+TEST(LifeOfTheLibrary, StartsAndStopsFromTwoThreadsAtOnce) {
+    std::vector<std::thread> hosts;
+    for (int host = 0; host < 2; ++host) {
+        hosts.emplace_back([] {
+            for (int i = 0; i < 20; ++i) {
+                EXPECT_FALSE(initOgreRunTime("nowhere/", "nowhere/"));
+                releaseOgre();
+            }
+        });
+    }
+    for (std::thread& host : hosts) host.join();
+    EXPECT_EQ(libraryState().busyEvent(), nullptr);
+    initOgreRunTime("nowhere/", "nowhere/");
+    EXPECT_NE(getLut3dData(identity), nullptr);
+    releaseOgre();
+}
+
 TEST(DoAdjust, CallsExcludeOneAnotherOnceTheBusyEventExists) {
     initOgreRunTime(nullptr, nullptr);
     const auto busy = libraryState().busyEvent();

@@ -5,15 +5,14 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "engine/EffectFactory.h"
 #include "engine/KelOgreEffectBase.h"
-#include "engine/KelOgreRenderThread.h"
 #include "engine/LogCapture.h"
+#include "engine/OgreEngine.h"
 #include "engine/StubEngine.h"
 #include "support/HostPicture.h"
 #include "support/OddNumbers.h"
@@ -22,6 +21,7 @@
 namespace {
 
 using keladjust::GpuEngine;
+using keladjust::OgreEngine;
 using keladjust::test::HostPicture;
 using keladjust::test::identity;
 using keladjust::test::quietNan;
@@ -48,6 +48,11 @@ public:
         ++renders;
         if (stops) {
             stopped_ = true;
+            failure_ = "no window";
+            return;
+        }
+        if (fails) {
+            failure_ = "no memory";
             return;
         }
         for (std::size_t i = 0; i < input(0)->byteSize; ++i) ++pixels[i];
@@ -58,6 +63,7 @@ public:
     std::uint32_t bytesPerPixel = 0;
     int renders = 0;
     bool stops = false;
+    bool fails = false;
 };
 
 float& slot(_AdjustParam& p, int number) {
@@ -68,28 +74,32 @@ class GpuPipeline : public testing::Test {
 protected:
     GpuPipeline() {
         StubEngine::nextStart = StubEngine::Start::succeeds;
-        thread =
-            std::make_unique<KelOgreRenderThread>(nullptr, nullptr, nullptr, 0u, StubEngine::make);
-        engine.thread = thread.get();
-        engine.basicAdjust = basic = create();
-        engine.range = range = create();
-        engine.lens = lens = create();
+        keladjust::EngineReason reason;
+        const char* const programs[] = {"", "", ""};
+        EXPECT_TRUE(module.start({nullptr, nullptr, nullptr, programs, 3}, reason)) << reason.text;
+        basic = effect(keladjust::basicAdjustEffect);
+        range = effect(keladjust::rangeEffect);
+        lens = effect(keladjust::lensEffect);
+        engine.file.module = &module;
     }
-    NotingEffect* create() {
-        return static_cast<NotingEffect*>(thread->createEffect("NotingEffect"));
+    ~GpuPipeline() override { module.stop(); }
+
+    NotingEffect* effect(keladjust::GpuEffect number) {
+        return static_cast<NotingEffect*>(module.effect(number));
     }
     CxImage* run(HostPicture& picture, const _AdjustParam& p) {
-        return keladjust::runGpuPipeline(picture.image(), p, engine);
+        return keladjust::runGpuPipeline(picture.image(), p, engine, &reason);
     }
 
     keladjust::test::LogCapture log;
     DYN_CLASS::CFactory<NotingEffect> factory;
     DYN_CLASS::CFactoryManager place{&factory};
-    std::unique_ptr<KelOgreRenderThread> thread;
+    OgreEngine module{"NotingEffect", StubEngine::make};
     NotingEffect* basic = nullptr;
     NotingEffect* range = nullptr;
     NotingEffect* lens = nullptr;
     GpuEngine engine;
+    std::string reason = "of the run before";
 };
 
 TEST_F(GpuPipeline, RendersNothingAtIdentity) {
@@ -97,6 +107,7 @@ TEST_F(GpuPipeline, RendersNothingAtIdentity) {
     const auto before = picture.fillRandom(1).bytes();
     EXPECT_EQ(run(picture, identity), picture.image());
     EXPECT_EQ(basic->renders + range->renders + lens->renders, 0);
+    EXPECT_EQ(reason, "");
     EXPECT_TRUE(basic->floats.empty());
     EXPECT_EQ(picture.bytes(), before);
 }
@@ -258,16 +269,32 @@ TEST_F(GpuPipeline, GoesOnWithoutTheEngineThatStoppedInTheMiddle) {
     EXPECT_TRUE(engine.canAdjust());
     run(picture, p);
     EXPECT_EQ(picture.bytes(), expected.bytes());
+    EXPECT_EQ(reason, "no window");
     EXPECT_FALSE(engine.canAdjust());
     EXPECT_FALSE(engine.isRunning());
+}
+
+TEST_F(GpuPipeline, TellsWhyThePictureWasNotRendered) {
+    _AdjustParam p = identity;
+    p.exposure = 1;
+    p.range[KELADJUST_RANGE_BLUE].hue = 1;
+    HostPicture picture(4, 3, 32, IMAGE_FORMAT_BGRA);
+    run(picture, p);
+    EXPECT_EQ(reason, "");
+    range->fails = true;
+    run(picture, p);
+    EXPECT_EQ(reason, "no memory");
+    module.stop();
+    run(picture, p);
+    EXPECT_EQ(reason, "The engine has stopped");
 }
 
 TEST_F(GpuPipeline, TakesNothingAndPicturesWithoutPixels) {
     _AdjustParam p = identity;
     p.clarity = 10;
-    EXPECT_EQ(keladjust::runGpuPipeline(nullptr, p, engine), nullptr);
+    EXPECT_EQ(keladjust::runGpuPipeline(nullptr, p, engine, nullptr), nullptr);
     CxImage empty;
-    EXPECT_EQ(keladjust::runGpuPipeline(&empty, p, engine), &empty);
+    EXPECT_EQ(keladjust::runGpuPipeline(&empty, p, engine, nullptr), &empty);
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
    loaded-gpu    the same while the host has loaded the DLL once more, so that it stays
    plain         unloading without a call
    unreleased    unloading without releaseOgre, where no engine runs
-   kept          unloading while the engine runs: its thread keeps the DLL
+   kept          unloading while the engine runs, which keeps the DLL and its own
    exits         the program ends while the engine runs */
 
 #include <stdint.h>
@@ -46,6 +46,12 @@ enum { cycles = 50, warmUpCycles = 5 };
 
 static bool isLoaded(void) {
     return GetModuleHandleA("keladjust.dll") != NULL;
+}
+
+/* The engine's own DLL, and the one that this is made with. */
+static bool isEngineLoaded(void) {
+    return GetModuleHandleA("keladjust-engine.dll") != NULL ||
+           GetModuleHandleA("OgreMain.dll") != NULL;
 }
 
 static void load(KeladjustLibrary* library, const Arguments* arguments) {
@@ -188,11 +194,14 @@ static void cycle(const Arguments* arguments, bool onGpu) {
     const char* const prefix = onGpu ? arguments->prefix : "nowhere/";
     KeladjustLibrary library;
     load(&library, arguments);
+    CHECK(!isEngineLoaded());
     CHECK(library.initOgreRunTime(prefix, prefix) == onGpu);
+    CHECK(isEngineLoaded() == onGpu);
     adjustPhotograph(&library, arguments, onGpu ? 1 : 0);
     bakeTable(&library);
     writeTable(&library);
     library.releaseOgre();
+    CHECK(!isEngineLoaded());
     unloadKeladjust(&library);
 }
 
@@ -270,7 +279,7 @@ static void unloadWhileTheEngineRuns(const Arguments* arguments) {
     CHECK(library.initOgreRunTime(arguments->prefix, arguments->prefix));
     adjustPhotograph(&library, arguments, 1);
     unloadKeladjust(&library);
-    CHECK(isLoaded());
+    CHECK(isLoaded() && isEngineLoaded());
     load(&again, arguments);
     adjustPhotograph(&again, arguments, 1);
     again.releaseOgre();

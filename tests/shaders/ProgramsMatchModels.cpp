@@ -145,6 +145,29 @@ TEST_F(Programs, AdjustmentFollowsItsModel) {
     }
 }
 
+// The window of the strongest contrasts, 120..127, in which a level is 17. Its edges themselves are
+// left out: they may fall to either side.
+TEST_F(Programs, ContrastOf255TakesTheWindowOfItsNeighbours) {
+    const Texture levels({0, 118, 119, 9, 121, 124, 126, 9, 129, 130, 255, 9}, 3, 1);
+    const std::vector<std::uint8_t> expected{0, 0, 0, 9, 17, 68, 102, 9, 255, 255, 255, 9};
+    for (const float contrast : {200.0f, 255.0f}) {
+        const _AdjustParam p = only("contrast", &_AdjustParam::contrast, contrast).settings;
+        EXPECT_EQ(runner_.render(shaders::adjustProgram, adjustmentSettings(p), levels).bytes(),
+                  expected)
+            << contrast;
+        ProgramSettings settings = adjustmentSettings(p);
+        settings.merge(rangeSettings(p, levels));
+        settings["vignette_exposure"] = 0.0f;
+        EXPECT_EQ(runner_.render(combinedProgram(), settings, levels).bytes(), expected)
+            << "combined, " << contrast;
+    }
+    const _AdjustParam p = only("contrast", &_AdjustParam::contrast, 255.0f).settings;
+    expectModel(
+        "contrast 255", shaders::adjustProgram,
+        [&](const Texture&) { return adjustmentSettings(p); },
+        [&](const Texture& picture, int x, int y) { return gpu::adjustment(p, picture.at(x, y)); });
+}
+
 TEST_F(Programs, RangeFollowsItsModel) {
     std::vector<NamedSettings> cases = rangeStages();
     cases.push_back(only("sharpen 60", &_AdjustParam::sharpen, 60));

@@ -41,9 +41,10 @@ inline Floats brightness(float setting, Floats colour) {
 
 inline Floats contrast(float setting, Floats colour) {
     const float strength = setting > 0 ? 1.0f / (1.0f - setting / 255.0f) - 1.0f : setting / 255.0f;
-    int low = static_cast<int>(strength * 100.0f / 2.0f);
+    const bool infinite = setting == 255;
+    int low = infinite ? 0 : static_cast<int>(strength * 100.0f / 2.0f);
     int high = 255 - low;
-    if (high < low) {
+    if (high < low || infinite) {
         low = 120;
         high = 127;
     } else if (low < -127) {

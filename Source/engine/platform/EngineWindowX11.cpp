@@ -5,7 +5,7 @@
 
 #include <atomic>
 
-#include "platform/EngineWindow.h"
+#include "engine/platform/EngineWindow.h"
 
 namespace keladjust::platform {
 

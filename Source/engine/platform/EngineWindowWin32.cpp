@@ -2,7 +2,7 @@
 #include <OgreRoot.h>
 #include <windows.h>
 
-#include "platform/EngineWindow.h"
+#include "engine/platform/EngineWindow.h"
 
 namespace keladjust::platform {
 

@@ -1,5 +1,5 @@
-#ifndef KELADJUST_PLATFORM_OPENGL_H
-#define KELADJUST_PLATFORM_OPENGL_H
+#ifndef KELADJUST_ENGINE_PLATFORM_OPENGL_H
+#define KELADJUST_ENGINE_PLATFORM_OPENGL_H
 
 // The headers of OpenGL, which need those of the system before them under Windows.
 #if defined(_WIN32)

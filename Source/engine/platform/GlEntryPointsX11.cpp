@@ -1,6 +1,6 @@
 #include <GL/glx.h>
 
-#include "platform/GlEntryPoints.h"
+#include "engine/platform/GlEntryPoints.h"
 
 namespace keladjust::platform {
 

@@ -1,6 +1,6 @@
 #include <windows.h>
 
-#include "platform/GlEntryPoints.h"
+#include "engine/platform/GlEntryPoints.h"
 
 namespace keladjust::platform {
 

@@ -1,0 +1,74 @@
+# The engine: a module that the library loads when a host starts it. It alone needs OGRE, OpenGL and
+# what opens a window.
+find_package(OGRE 1.12 REQUIRED CONFIG GLOBAL)
+find_package(OpenGL REQUIRED)
+
+add_library(keladjust_engine_objects OBJECT
+    engine/EffectFactory.cpp
+    engine/EngineLog.cpp
+    engine/GlBuffers.cpp
+    engine/GlErrors.cpp
+    engine/KelEffectBase.cpp
+    engine/KelOgreBase.cpp
+    engine/KelOgreEffectBase.cpp
+    engine/KelOgrePicturePlane.cpp
+    engine/KelOgreRenderThread.cpp
+    engine/KelOgreShader.cpp
+    engine/ManualTexture.cpp
+    engine/Md5.cpp
+    engine/MyCSingleLock.cpp
+    engine/OgreEngine.cpp
+    engine/PictureFile.cpp
+    engine/PictureRows.cpp
+    engine/ReadBack.cpp
+    engine/RenderSystemOptions.cpp
+    engine/SoftwareRenderer.cpp)
+if(WIN32)
+    target_sources(keladjust_engine_objects PRIVATE
+        engine/platform/EngineWindowWin32.cpp engine/platform/GlEntryPointsWin32.cpp)
+else()
+    target_sources(keladjust_engine_objects PRIVATE
+        engine/platform/EngineWindowX11.cpp engine/platform/GlEntryPointsX11.cpp)
+endif()
+keladjust_embed_program(keladjust_engine_objects defaultVertexGlsl DefaultVertex.glsl)
+keladjust_embed_program(keladjust_engine_objects defaultFragmentGlsl DefaultFragment.glsl)
+keladjust_embed_program(keladjust_engine_objects defaultVertexHlsl DefaultVertex.hlsl)
+keladjust_embed_program(keladjust_engine_objects defaultFragmentHlsl DefaultFragment.hlsl)
+
+# The engine's main library alone: its other components bring along what this one does not need.
+target_link_libraries(keladjust_engine_objects
+    PUBLIC keladjust_platform OgreMain OpenGL::GL
+    PRIVATE keladjust_options)
+target_compile_definitions(keladjust_engine_objects PRIVATE KELADJUST_ENGINE_BUILD)
+if(UNIX AND NOT APPLE)
+    find_package(X11 REQUIRED)
+    target_link_libraries(keladjust_engine_objects PUBLIC X11::X11)
+endif()
+keladjust_hidden(keladjust_engine_objects)
+# The engine's headers take longer to compile than the code: a unity build joins all of it.
+set_target_properties(keladjust_engine_objects PROPERTIES UNITY_BUILD_BATCH_SIZE 0)
+
+add_library(keladjust-engine SHARED)
+target_link_libraries(keladjust-engine PRIVATE keladjust_engine_objects keladjust_options)
+set(description "${PROJECT_DESCRIPTION}: rendering engine")
+keladjust_shared(keladjust-engine engine/exports.txt)
+# Whoever builds the library has beside it what it loads.
+add_dependencies(keladjust keladjust-engine)
+
+# Programs made of all objects take the engine that is linked in.
+add_library(keladjust_linked_engine OBJECT host/EngineFileLinked.cpp)
+target_link_libraries(keladjust_linked_engine PRIVATE keladjust_platform keladjust_options)
+target_link_libraries(keladjust_objects INTERFACE
+    keladjust_engine_objects $<TARGET_OBJECTS:keladjust_engine_objects>
+    $<TARGET_OBJECTS:keladjust_linked_engine>)
+
+# The engine's two configuration files, beside the programs that are built.
+if(WIN32)
+    # Its DLL, too, since that is where Windows looks for it.
+    configure_file(${OGRE_PREFIX_DIR}/bin/OgreMain.dll ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/OgreMain.dll
+        COPYONLY)
+endif()
+configure_file(${PROJECT_SOURCE_DIR}/cmake/plugins.cfg.in
+    ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/plugins.cfg @ONLY)
+configure_file(${PROJECT_SOURCE_DIR}/cmake/resources.cfg.in
+    ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/resources.cfg @ONLY)

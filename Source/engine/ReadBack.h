@@ -1,0 +1,59 @@
+#ifndef KELADJUST_ENGINE_READBACK_H
+#define KELADJUST_ENGINE_READBACK_H
+
+#include <OgreTexture.h>
+
+#include <cstddef>
+#include <cstdint>
+
+#include "engine/EffectRecords.h"
+#include "engine/GlBuffers.h"
+
+namespace Ogre {
+class RenderSystem;
+}
+
+namespace keladjust {
+
+/// How a result gets from the render texture into memory.
+enum ReadBackMode : std::uint32_t {
+    readBackByEngine = 0,       ///< the engine copies it
+    readBackDirectly = 1,       ///< OpenGL writes it to memory
+    readBackThroughBuffer = 2,  ///< OpenGL writes it to a buffer object, which is copied
+};
+
+/// Copies renders into memory. Used on the render thread.
+class ReadBack {
+public:
+    std::uint32_t mode() const { return mode_; }
+    /// Without the driver's functions for buffers the direct way takes the place of that through
+    /// one; it gives the same.
+    void setMode(std::uint32_t mode);
+
+    /// Has the mode that goes through a buffer make one for that many bytes.
+    void rebuildBuffer(std::size_t bytes);
+    void deleteBuffer();
+    /// Binds the buffer, made anew if it has another size; nothing in the other modes.
+    void bindBuffer(std::size_t bytes);
+    void unbindBuffer();
+
+    /// Fills `result.data` with tight rows of blue, green, red, alpha; the buffer is bound.
+    /// @return false, and the memory untouched, if the texture cannot be read
+    bool copy(Ogre::RenderSystem& renderSystem, Ogre::Texture& texture, const _ImageParam& result);
+
+    /// The driver's functions for buffers, once they have been loaded.
+    GlBuffers& glBuffers() { return glBuffers_; }
+
+private:
+    bool copyByOpenGl(const _ImageParam& result);
+    bool copyFromBuffer(const _ImageParam& result);
+
+    std::uint32_t mode_ = readBackByEngine;
+    GlBuffers glBuffers_;
+    GLuint buffer_ = 0;
+    std::size_t bufferBytes_ = 0;
+};
+
+}  // namespace keladjust
+
+#endif

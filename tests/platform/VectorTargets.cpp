@@ -1,0 +1,29 @@
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <hwy/targets.h>
+
+#include <cstdint>
+
+namespace {
+
+// What the library finds of the processor's instruction sets, beside what Highway's own library
+// finds.
+TEST(VectorTargets, AreThoseThatHighwayFinds) {
+    void* const highway = dlopen("libhwy.so.1", RTLD_NOW | RTLD_LOCAL);
+    if (highway == nullptr) GTEST_SKIP() << "Highway's library is not here";
+    const auto supported =
+        reinterpret_cast<std::int64_t (*)()>(dlsym(highway, "_ZN3hwy16SupportedTargetsEv"));
+    ASSERT_NE(supported, nullptr);
+    hwy::SetSupportedTargetsForTest(0);
+    EXPECT_EQ(hwy::SupportedTargets(), supported());
+    dlclose(highway);
+}
+
+TEST(VectorTargets, MayBeChosenByTests) {
+    hwy::SetSupportedTargetsForTest(HWY_SSE4);
+    EXPECT_EQ(hwy::SupportedTargets(), HWY_SSE4);
+    hwy::SetSupportedTargetsForTest(0);
+    EXPECT_NE(hwy::SupportedTargets(), HWY_SSE4);
+}
+
+}  // namespace
