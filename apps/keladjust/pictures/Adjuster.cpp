@@ -3,7 +3,6 @@
 #include <cstdint>
 
 #include "pictures/PhotoImage.h"
-#include "pictures/SoftwareDriver.h"
 #include "text/Failure.h"
 
 namespace keladjust::app {
@@ -26,19 +25,15 @@ Adjuster::Adjuster(GpuUse use, int threads, bool (*stop)())
 void Adjuster::startEngine() {
     try {
         engine_ = std::make_unique<Engine>();
-        obstacle_ = Engine::obstacle();
+        obstacle_ = obstacle();
     } catch (const Failure& failure) {
         obstacle_ = failure.what();  // a folder whose name the library cannot be told
-    }
-    if (obstacle_.empty() && use_ == GpuUse::whenPossible && rendersOnCpu(engine_->driver())) {
-        obstacle_ = "the driver works on the CPU: " + engine_->driver();
     }
     if (!obstacle_.empty()) engine_.reset();
 }
 
-KeladjustPath Adjuster::path() const {
-    if (use_ == GpuUse::always) return KELADJUST_GPU;
-    return engine_ == nullptr ? KELADJUST_CPU : KELADJUST_AUTO;
+std::string Adjuster::obstacle() const {
+    return Engine::obstacle(use_ == GpuUse::whenPossible);
 }
 
 void Adjuster::refuse(const std::string& obstacle) {
@@ -50,26 +45,33 @@ Adjustment Adjuster::adjust(Photo& photo, const _AdjustParam& record) {
     const PhotoImage image(photo);
     KeladjustRun run{};
     run.size = sizeof run;
-    run.path = path();
     run.maxThreads = threads_;
+    if (use_ == GpuUse::always) {
+        run.path = KELADJUST_GPU;
+    } else if (engine_ == nullptr) {
+        run.path = KELADJUST_CPU;
+    } else {
+        run.path = KELADJUST_AUTO;
+        run.hardwareOnly = 1;
+    }
     if (stop_ != nullptr) {
         run.progress = asksToStop;
         run.user = &stop_;
     }
     const KeladjustResult result = keladjustRun(image.get(), &record, sizeof record, &run);
     if (result == KELADJUST_CANCELLED) throw Cancelled();
-    const std::string obstacle = engine_ == nullptr ? obstacle_ : run.reason;
+    const std::string reason = engine_ == nullptr ? obstacle_ : run.reason;
 
     // Other pictures may fare better, and the engine may have ended with this one.
-    if (engine_ != nullptr && !obstacle.empty() && !Engine::obstacle().empty()) {
+    if (engine_ != nullptr && !reason.empty() && !obstacle().empty()) {
         engine_.reset();
         startEngine();
     }
     if (result == KELADJUST_REFUSED) {
-        if (use_ == GpuUse::always) refuse(obstacle);
+        if (use_ == GpuUse::always) refuse(reason);
         throw Failure(std::string("the library refuses the picture: ") + run.reason);
     }
-    return {run.pathTaken == KELADJUST_GPU, obstacle};
+    return {run.pathTaken == KELADJUST_GPU, reason};
 }
 
 }  // namespace keladjust::app

@@ -48,7 +48,7 @@ public:
 
 private:
     void startEngine();
-    KeladjustPath path() const;
+    std::string obstacle() const;
     [[noreturn]] static void refuse(const std::string& obstacle);
 
     GpuUse use_;

@@ -2,9 +2,6 @@
 
 #include <keladjust/keladjust.h>
 
-#include <fstream>
-#include <string_view>
-
 #include "pictures/Photo.h"
 #include "pictures/PhotoImage.h"
 #include "platform/FileNames.h"
@@ -40,24 +37,12 @@ std::string prefix(const fs::path& folder) {
     return *name;
 }
 
-/// The library itself does not tell.
-std::string driverIn(const fs::path& logFile) {
-    constexpr std::string_view label = ": Device Name: ";
-    std::ifstream log(logFile);
-    for (std::string line; std::getline(log, line);) {
-        const std::size_t found = line.find(label);
-        if (found != std::string::npos) return line.substr(found + label.size());
-    }
-    return {};
-}
-
 }  // namespace
 
 Engine::Engine() {
     const std::string files = prefix(configurationFolder());
     setLogPath(prefix(folder_.path()).c_str());
     initOgreRunTime(files.c_str(), files.c_str());
-    driver_ = driverIn(folder_.path() / "Ogre.log");
     // Gone by now where that is possible, so that nothing stays even if the program is killed.
     folder_.remove();
 }
@@ -67,14 +52,16 @@ Engine::~Engine() {
 }
 
 // A record that changes nothing goes all the way to the first render.
-std::string Engine::obstacle() {
+std::string Engine::obstacle(bool hardwareOnly) {
     Photo photo(1, 1, PixelLayout::bgra);
     const PhotoImage image(photo);
     const _AdjustParam record = usualRecord();
     KeladjustRun run{};
     run.size = sizeof run;
-    run.path = KELADJUST_GPU;
-    if (keladjustRun(image.get(), &record, sizeof record, &run) == KELADJUST_DONE) return {};
+    run.path = hardwareOnly ? KELADJUST_AUTO : KELADJUST_GPU;
+    run.hardwareOnly = hardwareOnly ? 1 : 0;
+    keladjustRun(image.get(), &record, sizeof record, &run);
+    if (run.pathTaken == KELADJUST_GPU) return {};
     return run.reason[0] != '\0' ? run.reason : "no reason is known";
 }
 

@@ -18,14 +18,12 @@ public:
     Engine& operator=(const Engine&) = delete;
 
     /// Why pictures cannot take the GPU path; empty if they can.
-    static std::string obstacle();
-
-    /// The name of the graphics driver; empty if it is not known.
-    const std::string& driver() const { return driver_; }
+    ///
+    /// @param hardwareOnly whether a driver that renders in software counts as none
+    static std::string obstacle(bool hardwareOnly);
 
 private:
     ScratchFolder folder_;
-    std::string driver_;
 };
 
 }  // namespace keladjust::app

@@ -101,8 +101,7 @@ TEST_F(ProgramGpu, StartsTheEngineOnRequestOnly) {
 
 TEST_F(ProgramGpu, ADriverOnTheCpuIsLeftAlone) {
     const Variable driver("force_gl_renderer", "softpipe");
-    expectDetails({"--exposure", "20", "--auto"},
-                  "CPU path (the driver works on the CPU: softpipe)");
+    expectDetails({"--exposure", "20", "--auto"}, "CPU path (the driver renders in software)");
     expectDetails({"--exposure", "20", "--gpu"}, "GPU path");
 }
 
