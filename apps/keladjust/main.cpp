@@ -1,4 +1,4 @@
-#include "Program.h"
+#include "commands/Program.h"
 
 int main(int count, char** values) {
     return keladjust::app::runProgram(count, values);

@@ -10,14 +10,14 @@
 /// (allocated with `calloc`, released with `free`) or has adopted one of the host's, which it never
 /// frees except in Copy().
 ///
-/// | format              | bytes | order in memory | notes                                        |
-/// |---------------------|-------|-----------------|----------------------------------------------|
-/// | IMAGE_FORMAT_GRAY   | 1     | grey            | reads fill all four quad bytes, writes take
-/// red | | IMAGE_FORMAT_RGB    | 3, 2  | R, G, B         | 2 bytes: a word red << 11, green << 5,
-/// blue  | | IMAGE_FORMAT_BGR    | 3, 2  | B, G, R         | 2 bytes: a word blue << 11, green <<
-/// 5, red  | | IMAGE_FORMAT_RGBA   | 4     | R, G, B, A      | | | IMAGE_FORMAT_BGRA   | 4     | B,
-/// G, R, A      |                                              | | IMAGE_FORMAT_UNKNOWN| -     | -
-/// | no image: pixels read as zero, writes are ignored |
+/// | format               | bytes | order in memory | notes                                       |
+/// |----------------------|-------|-----------------|---------------------------------------------|
+/// | IMAGE_FORMAT_GRAY    | 1     | grey            | reads fill the whole quad, writes take red  |
+/// | IMAGE_FORMAT_RGB     | 3, 2  | R, G, B         | 2 bytes: a word red << 11, green << 5, blue |
+/// | IMAGE_FORMAT_BGR     | 3, 2  | B, G, R         | 2 bytes: a word blue << 11, green << 5, red |
+/// | IMAGE_FORMAT_RGBA    | 4     | R, G, B, A      |                                             |
+/// | IMAGE_FORMAT_BGRA    | 4     | B, G, R, A      |                                             |
+/// | IMAGE_FORMAT_UNKNOWN | -     | -               | no image: pixels read as zero, writes lost  |
 ///
 /// Any other pair of format and depth reads as zero and ignores writes. The layout of the members
 /// is part of the binary interface.

@@ -1,9 +1,9 @@
 #include "codecs/Codec.h"
 
-#include "Failure.h"
-
 #include <algorithm>
 #include <array>
+
+#include "text/Failure.h"
 
 namespace keladjust::app {
 
@@ -27,7 +27,8 @@ const Codec* codecForContent(std::span<const unsigned char> start) {
 const Codec& codecForFile(std::span<const unsigned char> file) {
     if (file.empty()) throw Failure("the file is empty");
     const Codec* codec = codecForContent(file);
-    if (!codec) throw Failure("not a JPEG, PNG, TIFF or WebP picture; convert it to one first");
+    if (codec == nullptr)
+        throw Failure("not a JPEG, PNG, TIFF or WebP picture; convert it to one first");
     return *codec;
 }
 

@@ -1,11 +1,12 @@
-#ifndef KELADJUST_APP_CODEC_H
-#define KELADJUST_APP_CODEC_H
-
-#include "Photo.h"
+#ifndef KELADJUST_APP_CODECS_CODEC_H
+#define KELADJUST_APP_CODECS_CODEC_H
 
 #include <filesystem>
 #include <span>
 #include <string_view>
+
+#include "files/Bytes.h"
+#include "pictures/Photo.h"
 
 namespace keladjust::app {
 
@@ -40,7 +41,7 @@ public:
 };
 
 /// How many bytes from the start of a file recognises() looks at.
-inline constexpr std::size_t SIGNATURE_SIZE = 16;
+inline constexpr std::size_t signatureSize = 16;
 
 const Codec& jpegCodec();
 const Codec& pngCodec();

@@ -1,6 +1,3 @@
-#include "Failure.h"
-#include "codecs/Codec.h"
-
 #include <algorithm>
 #include <array>
 #include <csetjmp>
@@ -8,11 +5,14 @@
 #include <cstdlib>
 #include <new>
 
+#include <jerror.h>
 #include <jpeglib.h>
 
-#include <jerror.h>
+#include "codecs/Codec.h"
+#include "text/Failure.h"
 
 namespace keladjust::app {
+
 namespace {
 
 /// Where libjpeg ends when it gives up: it knows no return values, so it jumps.
@@ -98,7 +98,7 @@ public:
         return jpeg_.jpeg_color_space == JCS_CMYK || jpeg_.jpeg_color_space == JCS_YCCK;
     }
     /// Files that bear Adobe's marker store how much of each ink is missing.
-    bool inksAreInverted() const { return jpeg_.saw_Adobe_marker; }
+    bool inksAreInverted() const { return jpeg_.saw_Adobe_marker != 0; }
     std::uint32_t width() const { return jpeg_.image_width; }
     std::uint32_t height() const { return jpeg_.image_height; }
     std::string message() const { return messageOf(errors_); }

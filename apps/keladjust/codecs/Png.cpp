@@ -1,5 +1,4 @@
-#include "Failure.h"
-#include "codecs/Codec.h"
+#include <png.h>
 
 #include <algorithm>
 #include <array>
@@ -7,9 +6,11 @@
 #include <cstdio>
 #include <cstring>
 
-#include <png.h>
+#include "codecs/Codec.h"
+#include "text/Failure.h"
 
 namespace keladjust::app {
+
 namespace {
 
 /// What libpng said before it jumped. As with every setjmp, those below stand in functions whose
@@ -30,8 +31,8 @@ class Reader {
 public:
     explicit Reader(std::span<const unsigned char> file) : left_(file) {
         png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, &error_, onError, onWarning);
-        if (png_) info_ = png_create_info_struct(png_);
-        if (!info_) {
+        if (png_ != nullptr) info_ = png_create_info_struct(png_);
+        if (info_ == nullptr) {
             png_destroy_read_struct(&png_, nullptr, nullptr);
             throw std::bad_alloc();
         }
@@ -49,9 +50,9 @@ public:
         png_read_info(png_, info_);
         const int colour = png_get_color_type(png_, info_);
         const bool transparent =
-            (colour & PNG_COLOR_MASK_ALPHA) || png_get_valid(png_, info_, PNG_INFO_tRNS);
+            (colour & PNG_COLOR_MASK_ALPHA) != 0 || png_get_valid(png_, info_, PNG_INFO_tRNS) != 0;
         hasAlpha_ = transparent;
-        isGrey_ = !(colour & PNG_COLOR_MASK_COLOR) && !transparent;
+        isGrey_ = (colour & PNG_COLOR_MASK_COLOR) == 0 && !transparent;
         isDeep_ = png_get_bit_depth(png_, info_) == 16;
 
         png_set_expand(png_);
@@ -101,8 +102,8 @@ class Writer {
 public:
     Writer() {
         png_ = png_create_write_struct(PNG_LIBPNG_VER_STRING, &error_, onError, onWarning);
-        if (png_) info_ = png_create_info_struct(png_);
-        if (!info_) {
+        if (png_ != nullptr) info_ = png_create_info_struct(png_);
+        if (info_ == nullptr) {
             png_destroy_write_struct(&png_, nullptr);
             throw std::bad_alloc();
         }

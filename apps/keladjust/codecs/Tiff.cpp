@@ -1,6 +1,4 @@
-#include "Failure.h"
-#include "SampleDepth.h"
-#include "codecs/Codec.h"
+#include <tiffio.h>
 
 #include <algorithm>
 #include <array>
@@ -9,9 +7,12 @@
 #include <cstring>
 #include <memory>
 
-#include <tiffio.h>
+#include "codecs/Codec.h"
+#include "codecs/SampleDepth.h"
+#include "text/Failure.h"
 
 namespace keladjust::app {
+
 namespace {
 
 /// A TIFF file in memory, as libtiff's callbacks see it. They must not throw.
@@ -89,7 +90,7 @@ using Tiff = std::unique_ptr<TIFF, decltype(&TIFFClose)>;
 Tiff open(MemoryFile& file, const char* mode) {
     const std::unique_ptr<TIFFOpenOptions, decltype(&TIFFOpenOptionsFree)> options(
         TIFFOpenOptionsAlloc(), &TIFFOpenOptionsFree);
-    if (!options) throw std::bad_alloc();
+    if (options == nullptr) throw std::bad_alloc();
     TIFFOpenOptionsSetErrorHandlerExtR(options.get(), onError, &file);
     TIFFOpenOptionsSetWarningHandlerExtR(options.get(), onWarning, &file);
     return Tiff(TIFFClientOpenExt("picture", mode, &file, onRead, onWrite, onSeek, onClose, onSize,
@@ -324,7 +325,7 @@ public:
         MemoryFile file;
         file.input = bytes;
         const Tiff tiff = open(file, "rm");
-        if (!tiff) throw damaged(file);
+        if (tiff == nullptr) throw damaged(file);
         refuseRaw(tiff.get(), bytes);
         const Layout layout = readLayout(tiff.get(), file);
         const bool grey = layout.isGrey() && !layout.hasAlpha;
@@ -352,7 +353,7 @@ public:
         MemoryFile file;
         file.writing = true;
         Tiff tiff = open(file, "w");
-        if (!tiff) throw std::bad_alloc();
+        if (tiff == nullptr) throw std::bad_alloc();
         describe(tiff.get(), photo);
         Bytes row;
         bool written = true;

@@ -1,14 +1,15 @@
-#include "Failure.h"
-#include "codecs/Codec.h"
+#include <webp/decode.h>
+#include <webp/encode.h>
 
 #include <algorithm>
 #include <array>
 #include <cstring>
 
-#include <webp/decode.h>
-#include <webp/encode.h>
+#include "codecs/Codec.h"
+#include "text/Failure.h"
 
 namespace keladjust::app {
+
 namespace {
 
 class EncoderPicture {
@@ -83,9 +84,9 @@ public:
         Photo photo(static_cast<std::uint64_t>(features.width),
                     static_cast<std::uint64_t>(features.height), PixelLayout::bgra);
         photo.hasAlpha = features.has_alpha != 0;
-        if (!WebPDecodeBGRAInto(file.data(), file.size(), photo.row(0),
-                                photo.stride() * photo.height(),
-                                static_cast<int>(photo.stride()))) {
+        if (WebPDecodeBGRAInto(file.data(), file.size(), photo.row(0),
+                               photo.stride() * photo.height(),
+                               static_cast<int>(photo.stride())) == nullptr) {
             throw fail();
         }
         return photo;

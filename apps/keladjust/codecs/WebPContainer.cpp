@@ -6,6 +6,7 @@
 #include <new>
 
 namespace keladjust::app {
+
 namespace {
 
 void set(WebPMux* mux, const char* name, std::span<const unsigned char> bytes) {
@@ -20,7 +21,7 @@ Bytes withWebPChunks(const Bytes& encoded, const WebPChunks& chunks) {
     const WebPData picture{encoded.data(), encoded.size()};
     const std::unique_ptr<WebPMux, decltype(&WebPMuxDelete)> mux(WebPMuxCreate(&picture, 0),
                                                                  &WebPMuxDelete);
-    if (!mux) throw std::bad_alloc();
+    if (mux == nullptr) throw std::bad_alloc();
     set(mux.get(), "ICCP", chunks.profile);
     set(mux.get(), "EXIF", chunks.exif);
     set(mux.get(), "XMP ", chunks.xmp);

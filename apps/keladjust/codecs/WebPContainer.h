@@ -1,9 +1,9 @@
-#ifndef KELADJUST_APP_WEBPCONTAINER_H
-#define KELADJUST_APP_WEBPCONTAINER_H
-
-#include "Photo.h"
+#ifndef KELADJUST_APP_CODECS_WEBPCONTAINER_H
+#define KELADJUST_APP_CODECS_WEBPCONTAINER_H
 
 #include <span>
+
+#include "files/Bytes.h"
 
 namespace keladjust::app {
 

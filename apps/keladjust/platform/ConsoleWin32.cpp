@@ -13,6 +13,7 @@
 #include <filesystem>
 
 namespace keladjust::app::platform {
+
 namespace {
 
 std::string utf8(const std::wstring& text) {
@@ -52,7 +53,7 @@ std::vector<std::string> arguments(int, char**) {
     std::vector<std::string> result;
     int count = 0;
     wchar_t** values = CommandLineToArgvW(GetCommandLineW(), &count);
-    for (int index = 1; values && index < count; ++index) {
+    for (int index = 1; values != nullptr && index < count; ++index) {
         for (const std::wstring& file : filesOf(values[index])) result.push_back(utf8(file));
     }
     LocalFree(values);

@@ -6,7 +6,7 @@ std::filesystem::path comparable(const std::filesystem::path& path) {
     return path;
 }
 
-std::string narrow(const std::filesystem::path& path) {
+std::optional<std::string> narrow(const std::filesystem::path& path) {
     return path.string();
 }
 

@@ -1,14 +1,12 @@
 #include "platform/FileNames.h"
 
-#include "Failure.h"
-#include "PathText.h"
-
 #ifndef NOMINMAX
 #define NOMINMAX
 #endif
 #include <windows.h>
 
 namespace keladjust::app::platform {
+
 namespace {
 
 /// In the code page that narrow functions expect; nothing if it lacks one of the letters.
@@ -42,13 +40,10 @@ std::filesystem::path comparable(const std::filesystem::path& path) {
     return name;
 }
 
-std::string narrow(const std::filesystem::path& path) {
-    if (const auto name = inCodePage(path.native())) return *name;
+std::optional<std::string> narrow(const std::filesystem::path& path) {
+    if (const auto name = inCodePage(path.native())) return name;
     const std::wstring shorter = shortName(path.native());
-    if (!shorter.empty()) {
-        if (const auto name = inCodePage(shorter)) return *name;
-    }
-    throw Failure("letters in " + textOf(path) + " are none of this system's; use another folder");
+    return shorter.empty() ? std::nullopt : inCodePage(shorter);
 }
 
 std::optional<std::string> faultIn(const std::filesystem::path& path) {

@@ -1,8 +1,7 @@
 #include "support/OddPictures.h"
 
-#include "AtomicFile.h"
-#include "codecs/Codec.h"
-#include "support/Pictures.h"
+#include <png.h>
+#include <tiffio.h>
 
 #include <array>
 #include <cstdio>
@@ -11,10 +10,13 @@
 #include <stdexcept>
 
 #include <jpeglib.h>
-#include <png.h>
-#include <tiffio.h>
+
+#include "codecs/Codec.h"
+#include "files/AtomicFile.h"
+#include "support/Pictures.h"
 
 namespace keladjust::test {
+
 namespace {
 
 void writePng(const std::filesystem::path& path, png_uint_32 width, png_uint_32 format,

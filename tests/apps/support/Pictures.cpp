@@ -1,13 +1,13 @@
 #include "support/Pictures.h"
 
-#include "InputFile.h"
-#include "codecs/Codec.h"
-
-#include <gtest/gtest.h>
 #include <exiv2/exiv2.hpp>
+#include <gtest/gtest.h>
 
 #include <cstring>
 #include <random>
+
+#include "codecs/Codec.h"
+#include "files/InputFile.h"
 
 namespace keladjust::test {
 

@@ -1,11 +1,11 @@
 #ifndef KELADJUST_TESTS_PICTURES_H
 #define KELADJUST_TESTS_PICTURES_H
 
-#include "Photo.h"
-
 #include <array>
 #include <filesystem>
 #include <string>
+
+#include "pictures/Photo.h"
 
 namespace keladjust::test {
 

@@ -1,10 +1,11 @@
-#include "support/Process.h"
+#include <sys/wait.h>
 
 #include <cstdlib>
 
-#include <sys/wait.h>
+#include "support/Process.h"
 
 namespace keladjust::test {
+
 namespace {
 
 std::string quoted(const std::string& text) {

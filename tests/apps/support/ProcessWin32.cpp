@@ -1,6 +1,5 @@
 #include "support/Process.h"
-
-#include "PathText.h"
+#include "text/PathText.h"
 
 #ifndef NOMINMAX
 #define NOMINMAX
@@ -10,6 +9,7 @@
 #include <stdexcept>
 
 namespace keladjust::test {
+
 namespace {
 
 /// As programs take their command line apart: a backslash stands for itself but before a quote.

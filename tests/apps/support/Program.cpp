@@ -1,12 +1,13 @@
 #include "support/Program.h"
 
-#include "support/Process.h"
-#include "support/TemporaryFolder.h"
-
 #include <fstream>
 #include <iterator>
 
+#include "support/Process.h"
+#include "support/TemporaryFolder.h"
+
 namespace keladjust::test {
+
 namespace {
 
 /// As text: with the line ends of C++, whatever the system's are.

@@ -1,0 +1,63 @@
+#include "commands/Batch.h"
+
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+#include <optional>
+#include <system_error>
+#include <thread>
+
+namespace keladjust::app {
+
+namespace {
+
+/// Holds reports back until those of all earlier pictures are there.
+class InOrder {
+public:
+    InOrder(std::size_t count, const std::function<void(const JobReport&)>& onReport)
+        : waiting_(count), onReport_(onReport) {}
+
+    void add(std::size_t index, JobReport report) {
+        const std::lock_guard lock(mutex_);
+        waiting_[index] = std::move(report);
+        while (next_ < waiting_.size() && waiting_[next_]) {
+            onReport_(*waiting_[next_]);
+            waiting_[next_++].reset();
+        }
+    }
+
+private:
+    std::mutex mutex_;
+    std::vector<std::optional<JobReport>> waiting_;
+    std::size_t next_ = 0;
+    const std::function<void(const JobReport&)>& onReport_;
+};
+
+}  // namespace
+
+void runBatch(const std::vector<PicturePlan>& plans, const JobSettings& settings,
+              Adjuster& adjuster, int jobs, bool (*stop)(),
+              const std::function<void(const JobReport&)>& onReport) {
+    InOrder reports(plans.size(), onReport);
+    std::atomic<std::size_t> next{0};
+    // Pictures are taken in order, so those that are done when the run stops are the first ones.
+    const auto work = [&] {
+        while (!stop()) {
+            const std::size_t index = next++;
+            if (index >= plans.size()) return;
+            reports.add(index, runJob(plans[index], settings, adjuster));
+        }
+    };
+
+    const std::size_t helpers = std::min(static_cast<std::size_t>(jobs), plans.size()) - 1;
+    std::vector<std::jthread> threads;
+    threads.reserve(helpers);
+    try {
+        while (threads.size() < helpers) threads.emplace_back(work);
+    } catch (const std::system_error&) {
+        // Fewer threads than hoped for do the same work.
+    }
+    work();
+}
+
+}  // namespace keladjust::app

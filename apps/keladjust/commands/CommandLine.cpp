@@ -1,0 +1,116 @@
+#include "commands/CommandLine.h"
+
+#include <algorithm>
+#include <iostream>
+
+#include "files/InputFile.h"
+#include "settings/Preset.h"
+#include "text/Failure.h"
+#include "text/NearestName.h"
+#include "text/NumberText.h"
+#include "text/PathText.h"
+
+namespace keladjust::app {
+
+namespace {
+
+double parseValue(const KeladjustSetting& setting, const std::string& text) {
+    const std::string option = std::string("--") + setting.name;
+    const auto value = numberFromText(text);
+    if (!value) {
+        throw UsageError(option + " needs a number, not \"" + text + "\"; useful values are " +
+                         rangeText(setting));
+    }
+    try {
+        checkValue(setting, *value, option);
+    } catch (const Failure& failure) {
+        throw UsageError(failure.what());
+    }
+    return *value;
+}
+
+std::string describe(const KeladjustSetting& setting) {
+    return rangeText(setting) + "; " + setting.help;
+}
+
+}  // namespace
+
+CommandLine::CommandLine(const std::string& description) : app_(description, "keladjust") {
+    app_.set_version_flag("--version", std::string("keladjust ") + keladjustVersion(),
+                          "Print the version");
+    app_.set_help_flag("-h,--help", "Print this help");
+    app_.get_formatter()->column_width(40);
+    app_.allow_windows_style_options(false);
+    // Collected rather than refused by the parser, so that the nearest name can be suggested.
+    app_.allow_extras();
+    app_.add_option("--preset", presets_,
+                    "Take settings from a preset; several stack, later ones win")
+        ->type_name("FILE")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->group("Settings");
+    for (const KeladjustSetting& setting : allSettings()) {
+        app_.add_option_function<std::string>(
+                std::string("--") + setting.name,
+                [this, &setting](const std::string& text) {
+                    explicit_.set(setting, parseValue(setting, text));
+                },
+                describe(setting))
+            ->type_name("N")
+            ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)
+            ->group(setting.group);
+    }
+}
+
+bool CommandLine::parse(const std::vector<std::string>& arguments) {
+    std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
+    try {
+        app_.parse(reversed);
+    } catch (const CLI::Success& asked) {
+        app_.exit(asked, std::cout, std::cerr);
+        return false;
+    } catch (const CLI::ParseError& error) {
+        refuseUnknown();
+        throw UsageError(error.what());
+    }
+    refuseUnknown();
+    return true;
+}
+
+Settings CommandLine::settings() const {
+    Settings all;
+    for (const std::string& preset : presets_) {
+        Bytes bytes;
+        try {
+            bytes = readFile(pathFromText(preset));
+        } catch (const Failure& failure) {
+            throw UsageError(preset + ": " + failure.what());
+        }
+        all.apply(settingsFromPreset(std::string(bytes.begin(), bytes.end()), preset));
+    }
+    all.apply(explicit_);
+    return all;
+}
+
+std::vector<std::filesystem::path> CommandLine::presets() const {
+    std::vector<std::filesystem::path> paths;
+    for (const std::string& preset : presets_) paths.push_back(pathFromText(preset));
+    return paths;
+}
+
+void CommandLine::refuseUnknown() const {
+    const auto left = app_.remaining();
+    if (left.empty()) return;
+    if (!left.front().starts_with('-')) {
+        throw UsageError("\"" + left.front() + "\" was not expected here");
+    }
+    std::vector<std::string> known;
+    for (const CLI::Option* option : app_.get_options()) {
+        for (const std::string& name : option->get_lnames()) known.push_back("--" + name);
+        for (const std::string& name : option->get_snames()) known.push_back("-" + name);
+    }
+    const std::string unknown = left.front().substr(0, left.front().find('='));
+    throw UsageError("unknown option " + unknown + suggestion(unknown, known));
+}
+
+}  // namespace keladjust::app

@@ -1,0 +1,16 @@
+#ifndef KELADJUST_APP_COMMANDS_EXITCODE_H
+#define KELADJUST_APP_COMMANDS_EXITCODE_H
+
+namespace keladjust::app {
+
+/// What the program tells the shell.
+enum ExitCode : int {
+    exitAllFine = 0,
+    exitSomeFailed = 1,    ///< at least one picture, preset or table could not be made
+    exitUsage = 2,         ///< the command line was refused; nothing was written
+    exitInterrupted = 130  ///< Ctrl-C; what was written before is whole
+};
+
+}  // namespace keladjust::app
+
+#endif

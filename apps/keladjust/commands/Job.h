@@ -1,0 +1,34 @@
+#ifndef KELADJUST_APP_COMMANDS_JOB_H
+#define KELADJUST_APP_COMMANDS_JOB_H
+
+#include <string>
+#include <vector>
+
+#include "commands/OutputPlan.h"
+#include "pictures/Adjuster.h"
+
+namespace keladjust::app {
+
+/// What all pictures of a run have in common.
+struct JobSettings {
+    _AdjustParam record;
+    EncodeOptions encoding;
+    const KeladjustSetting* sheet = nullptr;
+};
+
+/// What became of one picture.
+struct JobReport {
+    std::filesystem::path input;
+    std::vector<std::filesystem::path> written;
+    std::vector<std::string> notices;  ///< what was lost on the way
+    std::string details;               ///< for who wants to know more
+    std::string failure;               ///< empty if all went well
+    bool cancelled = false;            ///< begun, and left when the run was to stop
+};
+
+/// Reads, adjusts and writes one picture. Whatever goes wrong ends up in the report.
+JobReport runJob(const PicturePlan& plan, const JobSettings& settings, Adjuster& adjuster);
+
+}  // namespace keladjust::app
+
+#endif
