@@ -103,8 +103,8 @@ TEST_F(FilePictures, AreFreedForAnotherGeometry) {
     EXPECT_EQ(load("b")->GetPixelColor(0, 0, true), (_tagMyRGBQUAD{'b', 'b', 'b', 0}));
 }
 
-// An image of a file that another has followed is of no use, and does no harm. Where the next file's
-// pixels happen to come to lie in the same place, it shows those.
+// An image of a file that another has followed is of no use, and does no harm. Where the next
+// file's pixels happen to come to lie in the same place, it shows those.
 TEST_F(FilePictures, OfBeforeAreNotCopied) {
     const Image before = load("a");
     const Image now = load("b");
