@@ -20,7 +20,7 @@
 namespace keladjust {
 
 /// The four-byte slots of a record of settings. The first one holds an integer.
-inline constexpr int slotCount = sizeof(_AdjustParam) / 4;
+inline constexpr int slotCount = KELADJUST_SLOT_COUNT;
 
 template <class Number>
 Number readSlot(const _AdjustParam& record, int slot) {

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "host/EngineFile.h"
+#include "host/EngineFileName.h"
 #include "platform/SharedLibrary.h"
 #include "platform/Version.h"
 
@@ -15,12 +16,12 @@ EngineModule* moduleIn(void* library, std::string& reason) {
     const auto entryOf = reinterpret_cast<EngineModuleFunction>(
         platform::functionOf(library, engineModuleFunctionName));
     if (entryOf == nullptr) {
-        reason = std::string(KELADJUST_ENGINE_FILE) + " is not the engine module";
+        reason = std::string(engineFileName) + " is not the engine module";
         return nullptr;
     }
     const EngineModuleEntry* const entry = entryOf();
     if (std::string_view(entry->version) != versionText) {
-        reason = std::string(KELADJUST_ENGINE_FILE) + " is of version " + entry->version +
+        reason = std::string(engineFileName) + " is of version " + entry->version +
                  ", the library of " + versionText;
         return nullptr;
     }
@@ -30,9 +31,9 @@ EngineModule* moduleIn(void* library, std::string& reason) {
 }  // namespace
 
 EngineFile openEngineFile(EngineReason& reason) {
-    std::string why = std::string(KELADJUST_ENGINE_FILE) + " is missing";
+    std::string why = std::string(engineFileName) + " is missing";
     for (const std::filesystem::path& place :
-         platform::placesBesideThisLibrary(KELADJUST_ENGINE_FILE, KELADJUST_ENGINE_VERSIONED)) {
+         platform::placesBesideThisLibrary(engineFileName, versionedEngineFileName)) {
         void* const library = platform::loadSharedLibrary(place, why);
         if (library == nullptr) continue;
         EngineModule* const module = moduleIn(library, why);

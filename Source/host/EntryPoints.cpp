@@ -23,7 +23,8 @@ using keladjust::BusyLock;
 using keladjust::libraryState;
 using keladjust::LibraryState;
 
-static_assert(sizeof(_AdjustParam) == 65 * 4, "hosts pass the record by value, slot by slot");
+static_assert(sizeof(_AdjustParam) == 4 * KELADJUST_SLOT_COUNT,
+              "hosts pass the record by value, slot by slot");
 
 namespace {
 

@@ -84,8 +84,11 @@ enum {
     KELADJUST_RANGE_COUNT
 };
 
+/** The slots of `_AdjustParam`. */
+enum { KELADJUST_SLOT_COUNT = 65 };
+
 /**
- * One setting per slider: 65 slots of four bytes, passed by value.
+ * One setting per slider: KELADJUST_SLOT_COUNT slots of four bytes, passed by value.
  *
  * Every stage leaves the picture alone at its identity value, which is 11500 for `temperature` and
  * 0 for all others. Ranges in the comments are the useful ones.

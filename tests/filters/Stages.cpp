@@ -8,6 +8,7 @@
 #include <cctype>
 #include <cstddef>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <set>
 #include <string>
@@ -65,12 +66,16 @@ TEST(Stages, StandInThePipelinesOrder) {
         {"colour-noise-reduction", 63, 1, Wing::spatial},
         {"luminance-noise-reduction", 64, 1, Wing::spatial},
     };
-    ASSERT_EQ(stages.size(), std::size(expected));
-    for (std::size_t i = 0; i < stages.size(); ++i) {
-        EXPECT_STREQ(stages[i].name.c_str(), expected[i].name);
-        EXPECT_EQ(stages[i].firstSlot, expected[i].firstSlot) << expected[i].name;
-        EXPECT_EQ(stages[i].settings().size(), expected[i].settings) << expected[i].name;
-        EXPECT_EQ(stages[i].wing, expected[i].wing) << expected[i].name;
+    // Those that have joined since, with slots behind these, may stand anywhere.
+    std::vector<Stage> first;
+    std::copy_if(stages.begin(), stages.end(), std::back_inserter(first),
+                 [](const Stage& stage) { return stage.firstSlot < 65; });
+    ASSERT_EQ(first.size(), std::size(expected));
+    for (std::size_t i = 0; i < first.size(); ++i) {
+        EXPECT_STREQ(first[i].name.c_str(), expected[i].name);
+        EXPECT_EQ(first[i].firstSlot, expected[i].firstSlot) << expected[i].name;
+        EXPECT_EQ(first[i].settings().size(), expected[i].settings) << expected[i].name;
+        EXPECT_EQ(first[i].wing, expected[i].wing) << expected[i].name;
     }
 }
 
@@ -82,7 +87,8 @@ TEST(Stages, HaveEachSlotOfTheRecordOnce) {
         }
     }
     ASSERT_EQ(slots.size(), 65u);
-    for (int slot = 0; slot < 65; ++slot) EXPECT_EQ(slots.count(slot), 1u) << slot;
+    for (int slot = 0; slot < KELADJUST_SLOT_COUNT; ++slot)
+        EXPECT_EQ(slots.count(slot), 1u) << slot;
 }
 
 TEST(Stages, AreNamedOnce) {

@@ -11,6 +11,7 @@
 
 #include "golden/DigestByDepth.h"
 #include "golden/Results.h"
+#include "support/EveryStage.h"
 #include "support/OddNumbers.h"
 
 namespace keladjust::test {
@@ -88,6 +89,18 @@ void addColourStrips(Results& results) {
     }
 }
 
+// What has joined the catalogue since, behind the first 65 slots.
+void addLaterStages(Results& results) {
+    for (const Stage& stage : stages) {
+        if (stage.firstSlot < 65) continue;
+        for (const float strength : {1.0f, 0.3f, -0.6f, -1.0f, 1e30f, -1e30f, quietNan}) {
+            const _AdjustParam record = stageAlone(stage, strength);
+            results.add(callText(stage.name.c_str(), strength),
+                        digestByDepth([&](CxImage* image) { return stage.run(image, record); }));
+        }
+    }
+}
+
 }  // namespace
 
 Results stageResults() {
@@ -130,6 +143,7 @@ Results stageResults() {
     }
     addStage(results, "whiteBalanceAdjustment", whiteBalanceAdjustment, {100, 5, 450, 600, -1});
     addColourStrips(results);
+    addLaterStages(results);
     return results;
 }
 

@@ -19,8 +19,9 @@ using keladjust::libraryState;
 using keladjust::test::HostPicture;
 using keladjust::test::identity;
 
-TEST(AdjustParam, Is65SlotsOfFourBytes) {
-    EXPECT_EQ(sizeof(_AdjustParam), 260u);
+TEST(AdjustParam, IsSlotsOfFourBytesOfWhich65AreFixed) {
+    EXPECT_EQ(sizeof(_AdjustParam), std::size_t{4} * KELADJUST_SLOT_COUNT);
+    EXPECT_GE(KELADJUST_SLOT_COUNT, 65);
     const auto slot = [](std::size_t offset) { return offset / 4; };
     EXPECT_EQ(slot(offsetof(_AdjustParam, temperature)), 0u);
     EXPECT_EQ(slot(offsetof(_AdjustParam, tint)), 1u);

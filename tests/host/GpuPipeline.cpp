@@ -14,16 +14,18 @@
 #include "engine/LogCapture.h"
 #include "engine/OgreEngine.h"
 #include "engine/StubEngine.h"
+#include "support/EveryStage.h"
 #include "support/HostPicture.h"
 #include "support/OddNumbers.h"
-#include "support/StageSettings.h"
 
 namespace {
 
 using keladjust::GpuEngine;
 using keladjust::OgreEngine;
+using keladjust::Program;
 using keladjust::test::HostPicture;
 using keladjust::test::identity;
+using keladjust::test::laterUniforms;
 using keladjust::test::quietNan;
 using keladjust::test::StubEngine;
 
@@ -158,9 +160,10 @@ TEST_F(GpuPipeline, SetsEveryUniformByNameAndInOrder) {
     const std::vector<std::pair<std::string, std::int32_t>> basicInts{{"Sample", 0},
                                                                       {"temperature", 9000}};
     EXPECT_EQ(basic->ints, basicInts);
-    const std::vector<std::pair<std::string, float>> basicFloats{
+    std::vector<std::pair<std::string, float>> basicFloats{
         {"tint", 1}, {"exposure", 2},  {"brightness", 3}, {"contrast", 4},   {"vib", 5},
         {"sat", 6},  {"highLight", 7}, {"shadow", 8},     {"whiteLevel", 9}, {"blackLevel", 10}};
+    for (const std::string& name : laterUniforms(Program::tone)) basicFloats.emplace_back(name, 0);
     EXPECT_EQ(basic->floats, basicFloats);
 
     const std::vector<std::pair<std::string, std::int32_t>> rangeInts{

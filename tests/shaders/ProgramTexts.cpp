@@ -14,6 +14,7 @@
 
 #include "host/StagePrograms.h"
 #include "shaders/Programs.h"
+#include "support/EveryStage.h"
 
 namespace {
 
@@ -94,9 +95,18 @@ Declarations operator+(Declarations a, const Declarations& b) {
 
 const Declarations picture{{"Sample", "sampler2D"}};
 const Declarations size{{"imageWidth", "int"}, {"imageHeight", "int"}};
+Declarations later() {
+    Declarations declarations;
+    for (const std::string& name : keladjust::test::laterUniforms(keladjust::Program::tone)) {
+        declarations[name] = "float";
+    }
+    return declarations;
+}
+
 const Declarations adjustment = Declarations{{"temperature", "int"}} +
                                 floats({"tint", "exposure", "brightness", "contrast", "vib", "sat",
-                                        "highLight", "shadow", "whiteLevel", "blackLevel"});
+                                        "highLight", "shadow", "whiteLevel", "blackLevel"}) +
+                                later();
 const Declarations vignette = floats({"amount", "feather", "highlights", "size", "roundness"});
 
 Declarations ranges() {

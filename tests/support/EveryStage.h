@@ -4,6 +4,9 @@
 #include <keladjust/keladjust.h>
 
 #include <cstddef>
+#include <span>
+#include <string>
+#include <vector>
 
 #include "filters/Stages.h"
 #include "support/StageSettings.h"
@@ -24,6 +27,15 @@ inline _AdjustParam stageAlone(const Stage& stage, float strength = 0.5f) {
         setSlot(record, stage, i, setting.shapesOnly ? setting.usual : value);
     }
     return record;
+}
+
+/// The uniforms of stages that have joined behind the first 65 slots.
+inline std::vector<std::string> laterUniforms(Program program) {
+    std::vector<std::string> names;
+    for (const CataloguedSlot& slot : std::span(cataloguedSlots).subspan(65)) {
+        if (slot.stage->program == program) names.emplace_back(slot.setting->uniform.c_str());
+    }
+    return names;
 }
 
 }  // namespace keladjust::test
