@@ -9,12 +9,16 @@
 #include <vector>
 
 #include "filters/Stages.h"
-#include "models/BrightnessContrast.h"
-#include "models/ColourRanges.h"
-#include "models/ExposureTonalRanges.h"
-#include "models/Saturation.h"
-#include "models/TemperatureTint.h"
-#include "models/VibranceHue.h"
+#include "models/colour-ranges/ColourRanges.h"
+#include "models/contrast/Contrast.h"
+#include "models/exposure/Brightness.h"
+#include "models/exposure/Exposure.h"
+#include "models/hue/Hue.h"
+#include "models/saturation/Saturation.h"
+#include "models/temperature/Temperature.h"
+#include "models/temperature/Tint.h"
+#include "models/tonal/TonalRanges.h"
+#include "models/vibrance/Vibrance.h"
 #include "support/Rows.h"
 #include "support/StageSettings.h"
 

@@ -8,7 +8,15 @@
 #include <utility>
 #include <vector>
 
-#include "models/SpatialStages.h"
+#include "models/blur/Clarity.h"
+#include "models/blur/Diffuse.h"
+#include "models/dehaze/Dehaze.h"
+#include "models/grain/Grain.h"
+#include "models/lens/Distortion.h"
+#include "models/lens/Fringing.h"
+#include "models/sharpen/Sharpen.h"
+#include "models/vignette/Vignette.h"
+#include "models/white-balance/WhiteBalance.h"
 #include "support/HostPicture.h"
 #include "support/OddNumbers.h"
 

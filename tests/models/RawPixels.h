@@ -6,8 +6,14 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 namespace keladjust::test {
+
+/// A copy of the buffer.
+inline std::vector<std::uint8_t> pixelsOf(const CxImage& image) {
+    return {image.pBits, image.pBits + image.size};
+}
 
 /// Calls `body(pixel, i, channels)` for pixel after pixel along the buffer, ignoring the padding of
 /// rows: `channels` bytes from `pixel` on may change.

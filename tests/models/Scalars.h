@@ -3,8 +3,9 @@
 
 #include <array>
 
-/// The formulas of the stages in a few lines each, pixel by pixel, written apart from the library:
-/// what tests expect and what benchmarks compare with.
+/// The formulas of the stages in a few lines each, written apart from the library: what tests
+/// expect and what benchmarks compare with. Those of a colour alone return the new one. Those that
+/// look at neighbours, at positions or at the whole picture are done the plainest way, in place.
 namespace keladjust::test {
 
 /// Red, green, blue: 0..255 and 0..1.

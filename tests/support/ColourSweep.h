@@ -63,6 +63,19 @@ void expectEveryColour(Stage stage, Model model) {
                   << expected[2] << ")";
 }
 
+/// What a stage that treats all three channels alike makes of every byte.
+inline std::vector<int> curveOf(CxImage* (*stage)(CxImage*, float), float setting) {
+    HostPicture picture = everyByte();
+    EXPECT_EQ(stage(picture.image(), setting), picture.image());
+    std::vector<int> curve;
+    for (unsigned i = 0; i < 256; ++i) {
+        const _tagMyRGBQUAD p = picture.pixel(i, 0);
+        EXPECT_TRUE(p.red == p.green && p.green == p.blue && p.alpha == 255) << i;
+        curve.push_back(p.red);
+    }
+    return curve;
+}
+
 /// Entries of a colour table: a lattice of 17 steps an axis and values a host may pass by mistake.
 inline std::vector<Floats> tableEntries() {
     std::vector<Floats> entries;

@@ -55,6 +55,12 @@ void HostPicture::setPixel(unsigned x, unsigned y, _tagMyRGBQUAD colour) {
     image_.SetPixelColor(static_cast<int>(x), static_cast<int>(y), colour);
 }
 
+HostPicture flatPicture(unsigned width, unsigned height, std::uint8_t value) {
+    HostPicture picture(width, height, 32, IMAGE_FORMAT_BGRA);
+    std::fill_n(picture.bits(), picture.size(), value);
+    return picture;
+}
+
 HostPicture greyPicture(unsigned width, unsigned height, std::uint8_t value) {
     HostPicture picture(width, height, 32, IMAGE_FORMAT_BGRA);
     for (unsigned y = 0; y < height; ++y) {

@@ -41,6 +41,9 @@ private:
     CxImage image_;
 };
 
+/// BGRA, every byte of one value, alpha among them.
+HostPicture flatPicture(unsigned width, unsigned height, std::uint8_t value);
+
 /// BGRA, every pixel of one grey with an alpha of 77.
 HostPicture greyPicture(unsigned width, unsigned height, std::uint8_t value);
 

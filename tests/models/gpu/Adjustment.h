@@ -7,10 +7,10 @@
 #include <cmath>
 #include <cstddef>
 
-#include "models/ExposureTonalRanges.h"
-#include "models/Saturation.h"
 #include "models/Scalars.h"
-#include "models/TemperatureTint.h"
+#include "models/saturation/Saturation.h"
+#include "models/temperature/Temperature.h"
+#include "models/tonal/TonalRanges.h"
 
 /// What the adjustment program makes of one colour. Stages that it shares with the colour table are
 /// the table's models.

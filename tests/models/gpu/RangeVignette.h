@@ -7,8 +7,8 @@
 #include <cmath>
 #include <cstddef>
 
-#include "models/ColourRanges.h"
 #include "models/Scalars.h"
+#include "models/colour-ranges/ColourRanges.h"
 #include "models/gpu/Texture.h"
 
 /// What the range program makes of one texel.
