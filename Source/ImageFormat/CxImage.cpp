@@ -13,11 +13,6 @@
 
 namespace {
 
-// 32-bit unsigned on purpose: the arithmetic of the class, which wraps for absurd sizes.
-unsigned rowBytesOf(unsigned width, unsigned bpp) {
-    return ((width * bpp + 31) >> 5) << 2;
-}
-
 _ImagePixelFormat formatOf(unsigned bytesPerPixel, _ImagePixelFormat format) {
     return bytesPerPixel == 1 ? IMAGE_FORMAT_GRAY : format;
 }
@@ -38,7 +33,7 @@ void setGeometry(CxImage& image, unsigned width, unsigned height, unsigned bpp,
     image.height = height;
     image.bpp = bpp;
     image.bytesPerPixel = keladjust::bytesPerPixelOf(bpp);
-    image.effWidth = rowBytesOf(width, bpp);
+    image.effWidth = keladjust::wrappedRowBytes(width, bpp);
     image.size = image.effWidth * height;
     image.format = formatOf(image.bytesPerPixel, format);
 }
@@ -118,7 +113,8 @@ void* CxImage::Create(unsigned int newWidth, unsigned int newHeight, unsigned in
     if (newWidth == 0 || newHeight == 0 || newBpp == 0) return nullptr;
     if (!keladjust::sizeFits(newWidth, newHeight, newBpp)) return nullptr;
     if (ownsBits) {
-        const std::size_t bytes = std::size_t{rowBytesOf(newWidth, newBpp)} * newHeight;
+        const std::size_t bytes =
+            std::size_t{keladjust::wrappedRowBytes(newWidth, newBpp)} * newHeight;
         pBits = static_cast<unsigned char*>(std::calloc(bytes, 1));
         if (pBits == nullptr) return nullptr;
     }

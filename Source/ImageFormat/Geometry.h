@@ -35,6 +35,11 @@ constexpr std::uint64_t exactRowBytes(unsigned width, unsigned bpp) {
     return paddedRowBytes((static_cast<std::uint64_t>(width) * bpp + 7) / 8);
 }
 
+/// As the image's own arithmetic has it, which is 32 bits wide and wraps for absurd sizes.
+constexpr unsigned wrappedRowBytes(unsigned width, unsigned bpp) {
+    return ((width * bpp + 31) >> 5) << 2;
+}
+
 /// True if rows and whole buffer can be addressed in 32 bits.
 constexpr bool sizeFits(unsigned width, unsigned height, unsigned bpp) {
     constexpr std::uint64_t limit = std::numeric_limits<std::uint32_t>::max();

@@ -15,12 +15,12 @@ struct PackedSpan {
     static constexpr std::size_t capacity = 2048;
     /// Kernels take this many pixels at a time, or a divisor of it. They may run on up to a
     /// multiple of it past the pixels that count.
-    static constexpr std::size_t stride = 16;
+    static constexpr std::size_t block = 16;
 
     unsigned x = 0;                  ///< column of the first pixel
     unsigned y = 0;                  ///< row
     std::size_t count = 0;           ///< pixels
-    std::uint8_t* pixels = nullptr;  ///< memory for them, in whole strides
+    std::uint8_t* pixels = nullptr;  ///< memory for them, in whole blocks
 };
 
 /// Memory for a span whose pixels lie otherwise in their picture.

@@ -4,6 +4,7 @@
 #include <cstdarg>
 #include <string>
 
+#include "ImageFormat/Geometry.h"
 #include "engine/EngineLog.h"
 #include "engine/KelOgreBase.h"
 #include "engine/PictureFile.h"
@@ -13,9 +14,8 @@ using keladjust::logMessage;
 
 namespace {
 
-// Rows of the library's pictures are padded to four bytes.
-std::size_t paddedRowBytes(std::uint32_t width, Ogre::PixelFormat format) {
-    return (width * Ogre::PixelUtil::getNumElemBytes(format) + 3) / 4 * 4;
+std::size_t rowBytesOf(std::uint32_t width, Ogre::PixelFormat format) {
+    return keladjust::paddedRowBytes(width * Ogre::PixelUtil::getNumElemBytes(format));
 }
 
 bool fitsTexture(std::uint32_t width, std::uint32_t height) {
@@ -80,7 +80,7 @@ void KelEffectBase::setInputImages(unsigned char* pixels, std::uint32_t width, s
         const auto index = va_arg(arguments, std::uint32_t);
         const auto format = static_cast<Ogre::PixelFormat>(va_arg(arguments, std::uint32_t));
         storeInput(
-            {pixels, true, width, height, index, format, paddedRowBytes(width, format) * height});
+            {pixels, true, width, height, index, format, rowBytesOf(width, format) * height});
     }
     va_end(arguments);
 }

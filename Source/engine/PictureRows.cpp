@@ -3,15 +3,9 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "ImageFormat/Geometry.h"
+
 namespace keladjust {
-
-namespace {
-
-constexpr std::size_t paddedTo4(std::size_t bytes) {
-    return (bytes + 3) / 4 * 4;
-}
-
-}  // namespace
 
 Ogre::PixelBox uploadBox(const _ImageParam& picture, std::vector<unsigned char>& tightRows) {
     const std::size_t pixelBytes = Ogre::PixelUtil::getNumElemBytes(picture.format);
@@ -52,7 +46,7 @@ bool isRenderable(Ogre::PixelFormat format, std::uint32_t bytesPerPixel) {
 void storeRender(const unsigned char* render, std::uint32_t width, std::uint32_t height,
                  Ogre::PixelFormat format, unsigned char* pixels) {
     const std::size_t pixelBytes = Ogre::PixelUtil::getNumElemBytes(format);
-    const std::size_t rowBytes = paddedTo4(width * pixelBytes);
+    const std::size_t rowBytes = paddedRowBytes(width * pixelBytes);
     for (std::size_t y = 0; y < height; ++y) {
         const unsigned char* from = render + std::size_t{width} * 4 * y;
         unsigned char* to = pixels + rowBytes * y;

@@ -43,8 +43,8 @@ public:
         for (; span.x < picture_.width; span.x += static_cast<unsigned>(span.count)) {
             std::uint8_t* const pixels = row + span.x * pixelBytes;
             span.count = std::min<std::size_t>(PackedSpan::capacity, picture_.width - span.x);
-            if (layout_ == PixelLayout::bgra32 && span.count >= PackedSpan::stride) {
-                span.count -= span.count % PackedSpan::stride;
+            if (layout_ == PixelLayout::bgra32 && span.count >= PackedSpan::block) {
+                span.count -= span.count % PackedSpan::block;
                 span.pixels = pixels;
                 change(span);
             } else {

@@ -23,18 +23,18 @@ namespace keladjust {
 namespace HWY_NAMESPACE {
 namespace {
 
-using WordTag = hn::RebindToUnsigned<FloatTag>;
-using Words = hn::Vec<WordTag>;
+using StateTag = hn::RebindToUnsigned<FloatTag>;
+using States = hn::Vec<StateTag>;
 
-HWY_INLINE Words take(Steps steps, Words states) {
-    const WordTag tag;
+HWY_INLINE States take(Steps steps, States states) {
+    const StateTag tag;
     return hn::Add(hn::Mul(states, hn::Set(tag, steps.factor)), hn::Set(tag, steps.addend));
 }
 
 // The sum of each pixel's last four draws, from the generator's state before the pixel.
-HWY_INLINE Words sumOfDraws(Words states) {
+HWY_INLINE States sumOfDraws(States states) {
     const auto draw = [states](std::uint64_t number) HWY_ATTR {
-        return hn::And(take(repeated(oneDraw, number), states), hn::Set(WordTag(), 0x7FFF0000));
+        return hn::And(take(repeated(oneDraw, number), states), hn::Set(StateTag(), 0x7FFF0000));
     };
     // Two draws fit side by side above bit 15, four do not.
     return hn::Add(hn::ShiftRight<16>(hn::Add(draw(2), draw(3))),
@@ -45,7 +45,7 @@ HWY_INLINE Words sumOfDraws(Words states) {
 class Sums {
 public:
     explicit Sums(std::size_t firstPixel) {
-        const WordTag tag;
+        const StateTag tag;
         HWY_ALIGN std::array<std::uint32_t, HWY_LANES(std::uint32_t)> first;
         first[0] = repeated(oneDraw, drawsPerPixel * firstPixel)(grainSeed);
         for (std::size_t i = 1; i < hn::Lanes(tag); ++i) {
@@ -55,14 +55,14 @@ public:
         toNextVector_ = repeated(oneDraw, drawsPerPixel * hn::Lanes(tag));
     }
 
-    HWY_INLINE Words next() {
-        const Words sums = sumOfDraws(states_);
+    HWY_INLINE States next() {
+        const States sums = sumOfDraws(states_);
         states_ = take(toNextVector_, states_);
         return sums;
     }
 
 private:
-    Words states_;
+    States states_;
     Steps toNextVector_;
 };
 
@@ -86,14 +86,14 @@ public:
           factor_(static_cast<float>(static_cast<double>(scale) * (127.0 * 4096 * step))),
           finite_(std::isfinite(factor_)) {}
 
-    HWY_INLINE Floats of(Words sums) const {
+    HWY_INLINE Floats of(States sums) const {
         const Floats number = throughDouble(hn::BitCast(IntTag(), sums), [](Doubles sum) HWY_ATTR {
             return hn::Sub(hn::Mul(sum, constant(step)), constant(middle));
         });
         return hn::Mul(hn::Mul(number, constant(scale_)), constant(127.0f));
     }
 
-    HWY_INLINE Change changeBy(Words sums) const {
+    HWY_INLINE Change changeBy(States sums) const {
         constexpr std::int32_t middleSum = 2 * 32767;
         const Ints fromMiddle = hn::Sub(hn::BitCast(IntTag(), sums), constant(middleSum));
         const Floats grain = hn::Mul(toFloats(fromMiddle), constant(factor_));
@@ -124,7 +124,7 @@ void addGrain(PixelSpan& span, std::size_t channels, std::size_t firstPixel, flo
     std::uint8_t* const channelLanes[] = {span.blue, span.green, span.red};
     channels = std::min(channels, std::size(channelLanes));
     forEachVector(span, [&](std::size_t i) HWY_ATTR {
-        const Words sums = sumsOfPixels.next();
+        const States sums = sumsOfPixels.next();
         const Change change = grain.changeBy(sums);
         const ByteTag tag;
         const auto added = hn::DemoteTo(tag, change.added);
@@ -142,11 +142,11 @@ void addGrain(PixelSpan& span, std::size_t channels, std::size_t firstPixel, flo
 }
 
 // As many pixels of four bytes as a vector has lanes.
-HWY_INLINE void addToPixels(const Grain& grain, Words sums, std::uint8_t* pixels) {
+HWY_INLINE void addToPixels(const Grain& grain, States sums, std::uint8_t* pixels) {
 #if HWY_TARGET != HWY_SCALAR
     const Change change = grain.changeBy(sums);
     if (change.certain) {
-        const hn::Repartition<std::uint8_t, WordTag> tag;
+        const hn::Repartition<std::uint8_t, StateTag> tag;
         HWY_ALIGN static constexpr std::uint8_t channels[16] = {0, 0, 0, 128, 4,  4,  4,  128,
                                                                 8, 8, 8, 128, 12, 12, 12, 128};
         const auto places = hn::LoadDup128(tag, channels);
@@ -170,7 +170,7 @@ HWY_INLINE void addToPixels(const Grain& grain, Words sums, std::uint8_t* pixels
 void addGrainInPlace(std::uint8_t* pixels, std::size_t count, std::size_t firstPixel, float scale) {
     const Grain grain(scale);
     Sums sumsOfPixels(firstPixel);
-    const std::size_t vector = hn::Lanes(WordTag());
+    const std::size_t vector = hn::Lanes(StateTag());
     std::size_t i = 0;
     for (; i + vector <= count; i += vector) {
         addToPixels(grain, sumsOfPixels.next(), pixels + 4 * i);

@@ -147,7 +147,7 @@ public:
         jpeg_.image_width = photo.width();
         jpeg_.image_height = photo.height();
         jpeg_.input_components = static_cast<int>(photo.bytesPerPixel());
-        jpeg_.in_color_space = photo.layout() == PixelLayout::grey ? JCS_GRAYSCALE : JCS_EXT_BGRX;
+        jpeg_.in_color_space = photo.layout() == ChannelLayout::grey ? JCS_GRAYSCALE : JCS_EXT_BGRX;
         jpeg_set_defaults(&jpeg_);
         jpeg_set_quality(&jpeg_, quality, TRUE);
         jpeg_.optimize_coding = TRUE;
@@ -199,7 +199,7 @@ public:
         };
         if (!jpeg.readHeader(file)) throw fail();
         Photo photo(jpeg.width(), jpeg.height(),
-                    jpeg.isGrey() ? PixelLayout::grey : PixelLayout::bgra);
+                    jpeg.isGrey() ? ChannelLayout::grey : ChannelLayout::bgra);
         if (!jpeg.readRows(photo)) throw fail();
         if (jpeg.isCmyk()) {
             convertFromCmyk(photo, jpeg.inksAreInverted());

@@ -95,9 +95,10 @@ void replaceIfPresent(Exiv2::XmpData& xmp, const char* key, std::uint32_t value)
 }
 
 /// A profile names, in four letters from its 16th byte on, the kind of pixel it is for.
-bool profileFits(const Bytes& profile, PixelLayout layout) {
+bool profileFits(const Bytes& profile, ChannelLayout layout) {
     return profile.size() >= 20 &&
-           std::memcmp(profile.data() + 16, layout == PixelLayout::grey ? "GRAY" : "RGB ", 4) == 0;
+           std::memcmp(profile.data() + 16, layout == ChannelLayout::grey ? "GRAY" : "RGB ", 4) ==
+               0;
 }
 
 bool canHold(const Exiv2::Image& image, Exiv2::MetadataId kind) {

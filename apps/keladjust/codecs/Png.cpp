@@ -116,7 +116,7 @@ public:
         if (setjmp(png_jmpbuf(png_))) return false;
         png_set_write_fn(png_, &result_, onWrite, nullptr);
         png_set_user_limits(png_, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
-        const bool grey = photo.layout() == PixelLayout::grey;
+        const bool grey = photo.layout() == ChannelLayout::grey;
         const int colour = grey             ? PNG_COLOR_TYPE_GRAY
                            : photo.hasAlpha ? PNG_COLOR_TYPE_RGB_ALPHA
                                             : PNG_COLOR_TYPE_RGB;
@@ -183,7 +183,7 @@ public:
         };
         if (!png.readHeader()) throw fail();
         Photo photo(png.width(), png.height(),
-                    png.isGrey() ? PixelLayout::grey : PixelLayout::bgra);
+                    png.isGrey() ? ChannelLayout::grey : ChannelLayout::bgra);
         photo.hasAlpha = png.hasAlpha();
         if (png.isDeep()) photo.notices.emplace_back("16 bits per channel converted to 8");
         std::vector<png_bytep> rows(photo.height());

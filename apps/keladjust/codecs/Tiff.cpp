@@ -197,7 +197,7 @@ void readPlainRow(const Layout& layout, const unsigned char* source, Photo& phot
     for (std::uint32_t x = 0; x < layout.width; ++x) {
         const std::size_t start = std::size_t{x} * layout.samples;
         unsigned char* pixel = photo.pixel(x, y);
-        if (photo.layout() == PixelLayout::grey) {
+        if (photo.layout() == ChannelLayout::grey) {
             *pixel = sample(start) ^ inversion;
             continue;
         }
@@ -257,7 +257,7 @@ void readConverted(TIFF* tiff, const Layout& layout, Photo& photo, const MemoryF
     for (std::uint32_t y = 0; y < layout.height; ++y) {
         for (std::uint32_t x = 0; x < layout.width; ++x, ++source) {
             unsigned char* pixel = photo.pixel(x, y);
-            if (photo.layout() == PixelLayout::grey) {
+            if (photo.layout() == ChannelLayout::grey) {
                 *pixel = static_cast<unsigned char>(TIFFGetR(*source));
                 continue;
             }
@@ -271,7 +271,7 @@ void readConverted(TIFF* tiff, const Layout& layout, Photo& photo, const MemoryF
 }
 
 void describe(TIFF* tiff, const Photo& photo) {
-    const bool grey = photo.layout() == PixelLayout::grey;
+    const bool grey = photo.layout() == ChannelLayout::grey;
     const int samples = grey ? 1 : photo.hasAlpha ? 4 : 3;
     TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, photo.width());
     TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, photo.height());
@@ -291,7 +291,7 @@ void describe(TIFF* tiff, const Photo& photo) {
 
 void packRow(const Photo& photo, std::uint32_t y, Bytes& row) {
     row.clear();
-    if (photo.layout() == PixelLayout::grey) {
+    if (photo.layout() == ChannelLayout::grey) {
         row.assign(photo.row(y), photo.row(y) + photo.width());
         return;
     }
@@ -329,7 +329,7 @@ public:
         refuseRaw(tiff.get(), bytes);
         const Layout layout = readLayout(tiff.get(), file);
         const bool grey = layout.isGrey() && !layout.hasAlpha;
-        Photo photo(layout.width, layout.height, grey ? PixelLayout::grey : PixelLayout::bgra);
+        Photo photo(layout.width, layout.height, grey ? ChannelLayout::grey : ChannelLayout::bgra);
         photo.hasAlpha = layout.hasAlpha;
         if (layout.bits > 8) {
             photo.notices.push_back(std::to_string(layout.bits) +

@@ -48,7 +48,7 @@ void import(WebPPicture& picture, const Photo& photo) {
     picture.width = static_cast<int>(photo.width());
     picture.height = static_cast<int>(photo.height());
     const int stride = picture.width * 4;
-    const Bytes expanded = photo.layout() == PixelLayout::grey ? expandGrey(photo) : Bytes();
+    const Bytes expanded = photo.layout() == ChannelLayout::grey ? expandGrey(photo) : Bytes();
     const unsigned char* pixels = expanded.empty() ? photo.row(0) : expanded.data();
     const int done = photo.hasAlpha ? WebPPictureImportBGRA(&picture, pixels, stride)
                                     : WebPPictureImportBGRX(&picture, pixels, stride);
@@ -82,7 +82,7 @@ public:
             throw Failure("an animated WebP; only still pictures can be adjusted");
         }
         Photo photo(static_cast<std::uint64_t>(features.width),
-                    static_cast<std::uint64_t>(features.height), PixelLayout::bgra);
+                    static_cast<std::uint64_t>(features.height), ChannelLayout::bgra);
         photo.hasAlpha = features.has_alpha != 0;
         if (WebPDecodeBGRAInto(file.data(), file.size(), photo.row(0),
                                photo.stride() * photo.height(),

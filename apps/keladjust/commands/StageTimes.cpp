@@ -46,7 +46,7 @@ void move(_AdjustParam& record, const KeladjustSetting& setting) {
 
 /// A picture on which every stage leaves its mark: all kinds of colours, none like its neighbours.
 Photo sample() {
-    Photo photo(64, 64, PixelLayout::bgra);
+    Photo photo(64, 64, ChannelLayout::bgra);
     std::uint32_t state = 1;
     for (std::uint32_t y = 0; y < photo.height(); ++y) {
         for (std::size_t i = 0; i < photo.stride(); ++i) {

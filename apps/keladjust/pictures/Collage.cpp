@@ -4,7 +4,7 @@
 
 namespace keladjust::app {
 
-Photo whiteSheet(std::uint64_t width, std::uint64_t height, PixelLayout layout) {
+Photo whiteSheet(std::uint64_t width, std::uint64_t height, ChannelLayout layout) {
     Photo sheet(width, height, layout);
     std::fill_n(sheet.row(0), sheet.stride() * sheet.height(), static_cast<unsigned char>(255));
     return sheet;

@@ -6,7 +6,7 @@
 namespace keladjust::app {
 
 /// An opaque white picture to paste others on.
-Photo whiteSheet(std::uint64_t width, std::uint64_t height, PixelLayout layout);
+Photo whiteSheet(std::uint64_t width, std::uint64_t height, ChannelLayout layout);
 
 /// Copies `part`, which has the sheet's layout, to where it fits entirely.
 void paste(const Photo& part, Photo& sheet, std::uint32_t left, std::uint32_t top);

@@ -53,7 +53,7 @@ Engine::~Engine() {
 
 // A record that changes nothing goes all the way to the first render.
 std::string Engine::obstacle(bool hardwareOnly) {
-    Photo photo(1, 1, PixelLayout::bgra);
+    Photo photo(1, 1, ChannelLayout::bgra);
     const PhotoImage image(photo);
     const _AdjustParam record = usualRecord();
     KeladjustRun run{};

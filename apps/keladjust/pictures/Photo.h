@@ -11,7 +11,7 @@
 namespace keladjust::app {
 
 /// The two layouts in which pictures travel between codecs and the library.
-enum class PixelLayout {
+enum class ChannelLayout {
     grey,  ///< one byte per pixel
     bgra   ///< blue, green, red, alpha; alpha is 255 where the file has none
 };
@@ -22,13 +22,13 @@ public:
     /// A black picture.
     ///
     /// @throws Failure if the size is 0 or beyond what the library can address
-    Photo(std::uint64_t width, std::uint64_t height, PixelLayout layout);
+    Photo(std::uint64_t width, std::uint64_t height, ChannelLayout layout);
 
     std::uint32_t width() const { return width_; }
     std::uint32_t height() const { return height_; }
-    PixelLayout layout() const { return layout_; }
-    std::size_t bytesPerPixel() const { return layout_ == PixelLayout::grey ? 1 : 4; }
-    std::size_t stride() const { return (width_ * bytesPerPixel() + 3) / 4 * 4; }
+    ChannelLayout layout() const { return layout_; }
+    std::size_t bytesPerPixel() const { return layout_ == ChannelLayout::grey ? 1 : 4; }
+    std::size_t stride() const { return stride_; }
 
     unsigned char* row(std::uint32_t y) { return pixels_.data() + y * stride(); }
     const unsigned char* row(std::uint32_t y) const { return pixels_.data() + y * stride(); }
@@ -43,8 +43,9 @@ public:
 private:
     std::uint32_t width_;
     std::uint32_t height_;
-    PixelLayout layout_;
+    ChannelLayout layout_;
     Bytes pixels_;
+    std::size_t stride_;
 };
 
 }  // namespace keladjust::app

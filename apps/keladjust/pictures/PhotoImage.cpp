@@ -7,7 +7,7 @@ namespace keladjust::app {
 namespace {
 
 CxImage* adopt(unsigned char** bits, const Photo& photo) {
-    const bool grey = photo.layout() == PixelLayout::grey;
+    const bool grey = photo.layout() == ChannelLayout::grey;
     return createCxImage(bits, photo.width(), photo.height(), grey ? 8 : 32,
                          grey ? IMAGE_FORMAT_GRAY : IMAGE_FORMAT_BGRA);
 }

@@ -26,39 +26,39 @@ TEST(Codecs, KeepEveryPixelWhereTheFormatCan) {
     for (const Codec* codec : {&pngCodec(), &tiffCodec()}) {
         SCOPED_TRACE(codec->name());
         for (const bool hasAlpha : {false, true}) {
-            const Photo photo = noise(37, 21, PixelLayout::bgra, hasAlpha);
+            const Photo photo = noise(37, 21, ChannelLayout::bgra, hasAlpha);
             expectSamePixels(roundTrip(*codec, photo), photo);
         }
-        const Photo grey = noise(37, 21, PixelLayout::grey);
+        const Photo grey = noise(37, 21, ChannelLayout::grey);
         expectSamePixels(roundTrip(*codec, grey), grey);
     }
 }
 
 TEST(Codecs, KeepEveryPixelInLosslessWebP) {
     for (const bool hasAlpha : {false, true}) {
-        const Photo photo = noise(37, 21, PixelLayout::bgra, hasAlpha);
+        const Photo photo = noise(37, 21, ChannelLayout::bgra, hasAlpha);
         expectSamePixels(roundTrip(webpCodec(), photo, {.lossless = true}), photo);
     }
 }
 
 TEST(Codecs, WriteGreyAsColourInWebP) {
-    const Photo grey = noise(5, 4, PixelLayout::grey);
+    const Photo grey = noise(5, 4, ChannelLayout::grey);
     const Photo colour = roundTrip(webpCodec(), grey, {.lossless = true});
-    ASSERT_EQ(colour.layout(), PixelLayout::bgra);
+    ASSERT_EQ(colour.layout(), ChannelLayout::bgra);
     for (int channel = 0; channel < 3; ++channel) {
         EXPECT_EQ(colour.pixel(3, 2)[channel], *grey.pixel(3, 2));
     }
 }
 
 TEST(Codecs, KeepGreyAndSizeInJpeg) {
-    const Photo grey = roundTrip(jpegCodec(), noise(37, 21, PixelLayout::grey));
-    EXPECT_EQ(grey.layout(), PixelLayout::grey);
+    const Photo grey = roundTrip(jpegCodec(), noise(37, 21, ChannelLayout::grey));
+    EXPECT_EQ(grey.layout(), ChannelLayout::grey);
     EXPECT_EQ(grey.width(), 37u);
     EXPECT_EQ(grey.height(), 21u);
 }
 
 TEST(Codecs, SpendBytesOnQuality) {
-    const Photo photo = noise(64, 64, PixelLayout::bgra);
+    const Photo photo = noise(64, 64, ChannelLayout::bgra);
     for (const Codec* codec : {&jpegCodec(), &webpCodec()}) {
         EXPECT_GT(codec->encode(photo, {.quality = 95}).size(),
                   codec->encode(photo, {.quality = 20}).size())
@@ -67,7 +67,7 @@ TEST(Codecs, SpendBytesOnQuality) {
 }
 
 TEST(Codecs, KnowTheirFilesByContent) {
-    const Photo photo = noise(8, 8, PixelLayout::bgra);
+    const Photo photo = noise(8, 8, ChannelLayout::bgra);
     for (const Codec* codec : codecs()) {
         EXPECT_EQ(codecForContent(codec->encode(photo, {})), codec) << codec->name();
     }
@@ -89,7 +89,7 @@ TEST(Codecs, KnowTheirExtensions) {
 
 // A picture that ends early must never pass as a good one with a grey rest.
 TEST(Codecs, RefuseTruncatedFiles) {
-    const Photo photo = noise(64, 64, PixelLayout::bgra);
+    const Photo photo = noise(64, 64, ChannelLayout::bgra);
     for (const Codec* codec : codecs()) {
         const Bytes whole = codec->encode(photo, {});
         for (const std::size_t size :
@@ -101,7 +101,7 @@ TEST(Codecs, RefuseTruncatedFiles) {
 }
 
 TEST(Codecs, SurviveDamagedFiles) {
-    const Photo photo = noise(32, 32, PixelLayout::bgra, true);
+    const Photo photo = noise(32, 32, ChannelLayout::bgra, true);
     for (const Codec* codec : codecs()) {
         const Bytes whole = codec->encode(photo, {});
         int refused = 0;
@@ -120,7 +120,7 @@ TEST(Codecs, SurviveDamagedFiles) {
 }
 
 TEST(Codecs, RefusePicturesTooLargeForTheFormat) {
-    const Photo wide(70'000, 1, PixelLayout::grey);
+    const Photo wide(70'000, 1, ChannelLayout::grey);
     EXPECT_THROW(jpegCodec().encode(wide, {}), Failure);
     EXPECT_THROW(webpCodec().encode(wide, {}), Failure);
     expectSamePixels(roundTrip(pngCodec(), wide), wide);
@@ -164,7 +164,7 @@ TEST(OddPictures, GreyWithAlphaBecomesColourWithAlpha) {
     const TemporaryFolder folder;
     writeGreyAlphaPng(folder / "grey.png", {10, 20, 200, 255});
     const Photo photo = decodeFile(folder / "grey.png");
-    ASSERT_EQ(photo.layout(), PixelLayout::bgra);
+    ASSERT_EQ(photo.layout(), ChannelLayout::bgra);
     ASSERT_TRUE(photo.hasAlpha);
     const std::vector<int> pixels(photo.row(0), photo.row(0) + 8);
     EXPECT_EQ(pixels, (std::vector<int>{10, 10, 10, 20, 200, 200, 200, 255}));

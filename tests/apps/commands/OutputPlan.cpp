@@ -17,7 +17,7 @@ protected:
     std::filesystem::path picture(const std::string& name, const Codec& codec = pngCodec()) {
         const auto path = folder / name;
         std::filesystem::create_directories(path.parent_path());
-        writeFile(path, codec.encode(noise(4, 4, PixelLayout::bgra), {}));
+        writeFile(path, codec.encode(noise(4, 4, ChannelLayout::bgra), {}));
         options.inputs.push_back(path);
         return path;
     }

@@ -49,7 +49,7 @@ class ProgramBench : public testing::Test {
 protected:
     std::string picture(const std::string& name, std::uint32_t width = 90,
                         std::uint32_t height = 70) {
-        writeFile(folder / name, pngCodec().encode(noise(width, height, PixelLayout::bgra), {}));
+        writeFile(folder / name, pngCodec().encode(noise(width, height, ChannelLayout::bgra), {}));
         return (folder / name).string();
     }
 
@@ -115,7 +115,7 @@ TEST_F(ProgramBench, MeasuresTheSettingsGiven) {
 }
 
 TEST_F(ProgramBench, TakesGreyPictures) {
-    writeFile(folder / "grey.png", pngCodec().encode(noise(50, 40, PixelLayout::grey), {}));
+    writeFile(folder / "grey.png", pngCodec().encode(noise(50, 40, ChannelLayout::grey), {}));
     EXPECT_EQ(measured({(folder / "grey.png").string(), "--runs", "1"}).size(),
               measured({picture("p.png"), "--runs", "1"}).size());
 }

@@ -42,7 +42,7 @@ private:
 TEST(ProgramFullDisk, LeavesNothingHalfWritten) {
     const TemporaryFolder folder;
     const std::string picture = (folder / "a.png").string();
-    writeFile(picture, pngCodec().encode(noise(200, 200, PixelLayout::bgra), {}));
+    writeFile(picture, pngCodec().encode(noise(200, 200, ChannelLayout::bgra), {}));
     const std::vector<std::vector<std::string>> runs = {
         {picture, "-o", (folder / "b.png").string()},
         {"lut", "-o", (folder / "b.cube").string()},

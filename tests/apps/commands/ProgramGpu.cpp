@@ -56,13 +56,13 @@ protected:
     }
 
     void SetUp() override {
-        writeFile(picture, pngCodec().encode(noise(61, 47, PixelLayout::bgra), {}));
+        writeFile(picture, pngCodec().encode(noise(61, 47, ChannelLayout::bgra), {}));
     }
 
     /// Wider than Mesa's textures may be.
     std::string tooWide() {
         const auto path = inputs / "wide.png";
-        writeFile(path, pngCodec().encode(noise(16385, 2, PixelLayout::bgra), {}));
+        writeFile(path, pngCodec().encode(noise(16385, 2, ChannelLayout::bgra), {}));
         return path.string();
     }
 

@@ -96,13 +96,13 @@ TEST_F(ProgramMetadata, ATurnedTiffIsTurnedOnce) {
 
 TEST_F(ProgramMetadata, DropsAProfileThatNoLongerFits) {
     const auto grey = folder / "grey.jpg";
-    writeFile(grey, jpegCodec().encode(noise(20, 20, PixelLayout::grey), {}));
+    writeFile(grey, jpegCodec().encode(noise(20, 20, ChannelLayout::grey), {}));
     annotate(grey, 1);
     const auto output = folder / "out.png";
     const Outcome outcome = runProgram({grey.string(), "-o", output.string()});
     EXPECT_EQ(outcome.code, 0);
     EXPECT_NE(outcome.errors.find("profile does not fit"), std::string::npos);
-    EXPECT_EQ(decodeFile(output).layout(), PixelLayout::grey);
+    EXPECT_EQ(decodeFile(output).layout(), ChannelLayout::grey);
 }
 
 TEST_F(ProgramMetadata, ComparisonAndSheetKeepTheProfileOnly) {

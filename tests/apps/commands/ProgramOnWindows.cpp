@@ -32,7 +32,7 @@ protected:
     /// A picture in the folder, which is the current one.
     static void picture(const fs::path& name) {
         if (name.has_parent_path()) fs::create_directories(name.parent_path());
-        writeFile(name, pngCodec().encode(noise(20, 10, PixelLayout::bgra), {}));
+        writeFile(name, pngCodec().encode(noise(20, 10, ChannelLayout::bgra), {}));
     }
 
     void expectRefusal(const std::vector<std::string>& arguments, int code,

@@ -101,15 +101,15 @@ TEST_F(ProgramPictures, JpegGetsCloserWithQuality) {
 
 TEST_F(ProgramPictures, GreyStaysGrey) {
     const auto input = folder / "grey.png";
-    writeFile(input, pngCodec().encode(noise(50, 40, PixelLayout::grey), {}));
+    writeFile(input, pngCodec().encode(noise(50, 40, ChannelLayout::grey), {}));
     const Photo result = adjusted(input.string(), {"--exposure", "20"});
-    EXPECT_EQ(result.layout(), PixelLayout::grey);
+    EXPECT_EQ(result.layout(), ChannelLayout::grey);
     EXPECT_GT(meanBrightness(result), meanBrightness(decodeFile(input)));
 }
 
 TEST_F(ProgramPictures, AlphaIsKeptOrItsLossToldOf) {
     const auto input = folder / "alpha.png";
-    const Photo photo = noise(50, 40, PixelLayout::bgra, true);
+    const Photo photo = noise(50, 40, ChannelLayout::bgra, true);
     writeFile(input, pngCodec().encode(photo, {}));
     expectSamePixels(adjusted(input.string()), photo);
     EXPECT_EQ(outcome.errors, "");

@@ -44,7 +44,7 @@ class AdjusterOnADisplay : public testing::Test {
 protected:
     // The pictures of both paths differ, so what comes out tells which one it was. They are made
     // beforehand because the library has one engine, whoever starts it.
-    const Photo colours = noise(61, 47, PixelLayout::bgra);
+    const Photo colours = noise(61, 47, ChannelLayout::bgra);
     const Photo onCpu = adjusted(colours, GpuUse::never);
     const Photo onGpu = adjusted(colours, GpuUse::always);
 };
@@ -69,7 +69,7 @@ TEST_F(AdjusterOnADisplay, TakesThePathThatItIsTold) {
 // What the library's exposure is on the GPU: times 2^(50 / 50 x 0.6), rounded to a level, in which
 // drivers may differ by one.
 TEST_F(AdjusterOnADisplay, RendersWhatTheFormulaSays) {
-    Photo photo(5, 3, PixelLayout::bgra);
+    Photo photo(5, 3, ChannelLayout::bgra);
     for (std::uint32_t y = 0; y < 3; ++y) {
         for (std::uint32_t x = 0; x < 5; ++x) {
             unsigned char* pixel = photo.pixel(x, y);
@@ -95,7 +95,7 @@ TEST_F(AdjusterOnADisplay, RendersWhatTheFormulaSays) {
 }
 
 TEST_F(AdjusterOnADisplay, WhatCannotBeRenderedTakesTheCpuPathWhole) {
-    const Photo tooWide = noise(beyondTextures, 2, PixelLayout::bgra);
+    const Photo tooWide = noise(beyondTextures, 2, ChannelLayout::bgra);
     const Photo tooWideOnCpu = adjusted(tooWide, GpuUse::never);
     Adjuster adjuster(GpuUse::whenPossible);
     for (int i = 0; i < 2; ++i) {
@@ -113,7 +113,7 @@ TEST_F(AdjusterOnADisplay, WhatCannotBeRenderedTakesTheCpuPathWhole) {
 }
 
 TEST_F(AdjusterOnADisplay, WhatHasToBeRenderedAndCannotBeStaysAsItWas) {
-    const Photo tooHigh = noise(1, beyondTextures, PixelLayout::grey);
+    const Photo tooHigh = noise(1, beyondTextures, ChannelLayout::grey);
     Adjuster adjuster(GpuUse::always);
     Photo photo = tooHigh;
     EXPECT_NE(refusal([&] { adjuster.adjust(photo, someSettings()); }), "");

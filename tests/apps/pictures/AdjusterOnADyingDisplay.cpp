@@ -19,7 +19,7 @@ using namespace keladjust::test;
 
 // A driver may go on rendering or not, but what is told is true.
 TEST(AdjusterOnADyingDisplay, TellsTheTruth) {
-    const Photo colours = noise(61, 47, PixelLayout::bgra);
+    const Photo colours = noise(61, 47, ChannelLayout::bgra);
     const Photo onCpu = adjusted(colours, GpuUse::never);
     Adjuster adjuster(GpuUse::whenPossible);
     Photo onGpu = colours;

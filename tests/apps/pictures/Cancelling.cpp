@@ -24,7 +24,7 @@ protected:
 };
 
 TEST_F(Cancelling, BeforeTheFirstStageLeavesThePictureAsItWas) {
-    const Photo before = noise(61, 47, PixelLayout::bgra);
+    const Photo before = noise(61, 47, ChannelLayout::bgra);
     Photo photo = before;
     Adjuster adjuster(GpuUse::never, 0, [] { return true; });
     EXPECT_THROW(adjuster.adjust(photo, record), Cancelled);
@@ -33,14 +33,14 @@ TEST_F(Cancelling, BeforeTheFirstStageLeavesThePictureAsItWas) {
 
 // A picture large enough for the library to ask more than once.
 TEST_F(Cancelling, EndsAStageInItsMiddle) {
-    Photo photo = noise(2000, 1500, PixelLayout::bgra);
+    Photo photo = noise(2000, 1500, ChannelLayout::bgra);
     Adjuster adjuster(GpuUse::never, 0, [] { return ++timesAsked > 1; });
     EXPECT_THROW(adjuster.adjust(photo, record), Cancelled);
     EXPECT_EQ(timesAsked, 2);
 }
 
 TEST_F(Cancelling, AdjustsThePictureIfNobodyAsksForIt) {
-    const Photo before = noise(61, 47, PixelLayout::bgra);
+    const Photo before = noise(61, 47, ChannelLayout::bgra);
     Photo asked = before;
     Photo alone = before;
     Adjuster(GpuUse::never, 0, [] { return ++timesAsked < 0; }).adjust(asked, record);

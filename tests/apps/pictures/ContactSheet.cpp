@@ -13,7 +13,7 @@ using namespace keladjust::app;
 using namespace keladjust::test;
 
 TEST(Downscale, TakesTheMeanOfEachBlock) {
-    Photo photo(5, 2, PixelLayout::grey);
+    Photo photo(5, 2, ChannelLayout::grey);
     const unsigned char rows[2][5] = {{10, 20, 0, 0, 7}, {30, 40, 0, 3, 8}};
     for (std::uint32_t y = 0; y < 2; ++y) std::copy_n(rows[y], 5, photo.row(y));
     const Photo small = downscaled(photo, 3);
@@ -25,13 +25,13 @@ TEST(Downscale, TakesTheMeanOfEachBlock) {
 }
 
 TEST(Downscale, CopiesWhatIsSmallEnough) {
-    const Photo photo = noise(30, 20, PixelLayout::bgra, true);
+    const Photo photo = noise(30, 20, ChannelLayout::bgra, true);
     expectSamePixels(downscaled(photo, 30), photo);
 }
 
 TEST(Comparison, StandsSideBySideWithAWhiteGap) {
-    const Photo before = noise(6, 3, PixelLayout::bgra);
-    const Photo after = noise(6, 3, PixelLayout::bgra, true);
+    const Photo before = noise(6, 3, ChannelLayout::bgra);
+    const Photo after = noise(6, 3, ChannelLayout::bgra, true);
     const Photo both = sideBySide(before, after);
     ASSERT_EQ(both.width(), 12 + comparisonGap);
     ASSERT_EQ(both.height(), 3u);
@@ -52,7 +52,7 @@ TEST(ContactSheet, GoesThroughTheWholeRange) {
 }
 
 TEST(ContactSheet, AdjustsEveryCopyByItsOwnValue) {
-    const Photo photo = noise(90, 60, PixelLayout::bgra);
+    const Photo photo = noise(90, 60, ChannelLayout::bgra);
     Adjuster adjuster(GpuUse::never);
     _AdjustParam record = usualRecord();
     record.saturation = -100;
@@ -64,7 +64,7 @@ TEST(ContactSheet, AdjustsEveryCopyByItsOwnValue) {
 
     double previous = -1;
     for (std::uint32_t cell = 0; cell < sheetColumns * sheetRows; ++cell) {
-        Photo copy(photo.width(), photo.height(), PixelLayout::bgra);
+        Photo copy(photo.width(), photo.height(), ChannelLayout::bgra);
         for (std::uint32_t y = 0; y < copy.height(); ++y) {
             std::copy_n(sheet.pixel(cell % sheetColumns * cellWidth + sheetMargin,
                                     cell / sheetColumns * cellHeight + sheetMargin + y),
@@ -78,7 +78,7 @@ TEST(ContactSheet, AdjustsEveryCopyByItsOwnValue) {
 }
 
 TEST(DigitFont, DrawsInBlackAndStaysInside) {
-    Photo photo(40, labelHeight, PixelLayout::grey);
+    Photo photo(40, labelHeight, ChannelLayout::grey);
     std::fill_n(photo.row(0), photo.stride() * photo.height(), static_cast<unsigned char>(255));
     drawNumber(photo, "-12.5", 0, 0);
     // The bar of the minus: two pixels high in the middle of the line.

@@ -10,7 +10,7 @@ using namespace keladjust::app;
 
 // Rows of one letter per pixel, top row first.
 Photo photoOf(const std::vector<std::string>& rows) {
-    Photo photo(rows[0].size(), rows.size(), PixelLayout::grey);
+    Photo photo(rows[0].size(), rows.size(), ChannelLayout::grey);
     for (std::uint32_t y = 0; y < photo.height(); ++y) {
         for (std::uint32_t x = 0; x < photo.width(); ++x) {
             *photo.pixel(x, y) = static_cast<unsigned char>(rows[y][x]);
@@ -54,7 +54,7 @@ TEST(Orientation, IgnoresValuesThatMeanNothing) {
 }
 
 TEST(Orientation, MovesWholePixelsAndKeepsTheRest) {
-    Photo photo = keladjust::test::noise(3, 2, PixelLayout::bgra, true);
+    Photo photo = keladjust::test::noise(3, 2, ChannelLayout::bgra, true);
     photo.notices = {"something"};
     const Photo turned = upright(photo, 6);
     EXPECT_TRUE(turned.hasAlpha);

@@ -56,7 +56,7 @@ TEST(Record, HoldsWhatWasSet) {
 }
 
 TEST(Record, LeavesPicturesAloneToStartWith) {
-    const Photo before = noise(61, 47, PixelLayout::bgra);
+    const Photo before = noise(61, 47, ChannelLayout::bgra);
     Photo after = before;
     Adjuster(GpuUse::never).adjust(after, usualRecord());
     expectSamePixels(after, before);
@@ -64,7 +64,7 @@ TEST(Record, LeavesPicturesAloneToStartWith) {
 
 // With everything at 0 but the amount there is no inside.
 TEST(Record, StartsWithAVignetteThatSparesTheMiddle) {
-    const Photo before = noise(61, 47, PixelLayout::bgra);
+    const Photo before = noise(61, 47, ChannelLayout::bgra);
     Photo after = before;
     _AdjustParam record = usualRecord();
     record.vignetteAmount = -60;

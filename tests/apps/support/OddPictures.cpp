@@ -133,7 +133,7 @@ void writePagedTiff(const std::filesystem::path& path, const std::vector<bool>& 
 }
 
 void writeAbsurdJpeg(const std::filesystem::path& path) {
-    app::Bytes jpeg = app::jpegCodec().encode(noise(16, 16, app::PixelLayout::bgra), {});
+    app::Bytes jpeg = app::jpegCodec().encode(noise(16, 16, app::ChannelLayout::bgra), {});
     // The frame header: marker FF C0, length, precision, then height and width in two bytes each.
     for (std::size_t index = 2; index + 9 < jpeg.size(); ++index) {
         if (jpeg[index] == 0xFF && jpeg[index + 1] == 0xC0) {

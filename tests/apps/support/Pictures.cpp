@@ -11,8 +11,8 @@
 
 namespace keladjust::test {
 
+using app::ChannelLayout;
 using app::Photo;
-using app::PixelLayout;
 
 std::string photograph(const std::string& name) {
     const std::filesystem::path path = std::filesystem::path(KELADJUST_PHOTO_DIR) / name;
@@ -23,7 +23,7 @@ std::string photograph(const std::string& name) {
     return path.string();
 }
 
-Photo noise(std::uint32_t width, std::uint32_t height, PixelLayout layout, bool hasAlpha) {
+Photo noise(std::uint32_t width, std::uint32_t height, ChannelLayout layout, bool hasAlpha) {
     Photo photo(width, height, layout);
     photo.hasAlpha = hasAlpha;
     std::mt19937 random(42);
@@ -51,7 +51,7 @@ std::array<double, 3> meanColour(const Photo& photo) {
     for (std::uint32_t y = 0; y < photo.height(); ++y) {
         for (std::uint32_t x = 0; x < photo.width(); ++x) {
             const unsigned char* pixel = photo.pixel(x, y);
-            const std::size_t step = photo.layout() == PixelLayout::grey ? 0 : 1;
+            const std::size_t step = photo.layout() == ChannelLayout::grey ? 0 : 1;
             sum[0] += pixel[2 * step];
             sum[1] += pixel[step];
             sum[2] += pixel[0];
@@ -86,7 +86,7 @@ void annotate(const std::filesystem::path& path, int orientation) {
     exif["Exif.Image.Orientation"] = static_cast<std::uint16_t>(orientation);
     exif["Exif.Photo.PixelXDimension"] = std::uint32_t{12345};
     exif["Exif.Photo.PixelYDimension"] = std::uint32_t{54321};
-    const app::Bytes thumbnail = app::jpegCodec().encode(noise(16, 16, PixelLayout::bgra), {});
+    const app::Bytes thumbnail = app::jpegCodec().encode(noise(16, 16, ChannelLayout::bgra), {});
     Exiv2::ExifThumb(exif).setJpegThumbnail(thumbnail.data(), static_cast<long>(thumbnail.size()));
     image->setExifData(exif);
     image->xmpData()["Xmp.dc.title"] = "Title";

@@ -13,7 +13,7 @@ namespace keladjust::test {
 std::string photograph(const std::string& name);
 
 /// A picture without any pattern, the same each time.
-app::Photo noise(std::uint32_t width, std::uint32_t height, app::PixelLayout layout,
+app::Photo noise(std::uint32_t width, std::uint32_t height, app::ChannelLayout layout,
                  bool hasAlpha = false);
 
 /// What a file decodes to; its name plays no part.
