@@ -61,16 +61,11 @@ bool joinPass(const Stage& stage, const Picture& picture, const _AdjustParam& pa
               CommonPass& pass) {
     if (!canShareAPass(stage, picture)) return false;
     try {
-        KernelPointer kernel = stage.forms.pixels(picture, stage.slots(parameters));
-        if (kernel->active()) pass.add(std::move(kernel));
+        pass.add(stage.forms.pixels(picture, stage.slots(parameters)));
         return true;
     } catch (const std::bad_alloc&) {
         return false;  // by itself it may need less, or passes the picture on
     }
-}
-
-unsigned effortOf(const Stage& stage, const _AdjustParam& parameters) {
-    return stage.isActive(parameters) ? stage.effort : 0;
 }
 
 /// Gives stages their parts of the progress, by what they take.
@@ -79,7 +74,7 @@ public:
     /// Of the stages from a wing on.
     Efforts(const _AdjustParam& parameters, Wing first) {
         for (const Stage& stage : stages) {
-            if (stage.wing >= first) total_ += effortOf(stage, parameters);
+            if (stage.wing >= first && stage.isActive(parameters)) total_ += stage.effort;
         }
     }
 
@@ -109,13 +104,14 @@ void runStages(CxImage* image, const Picture& picture, const _AdjustParam& param
         passEffort = 0;
     };
     for (const Stage& stage : stages) {
+        if (!stage.isActive(parameters)) continue;
         if (joinPass(stage, picture, parameters, pass)) {
-            passEffort += effortOf(stage, parameters);
+            passEffort += stage.effort;
             continue;
         }
         runPass();
         if (platform::isCancelled()) return;
-        const platform::ProgressPart part = efforts.next(effortOf(stage, parameters));
+        const platform::ProgressPart part = efforts.next(stage.effort);
         stage.run(image, parameters);
     }
     runPass();
@@ -126,9 +122,9 @@ void runStages(CxImage* image, const Picture& picture, const _AdjustParam& param
 void runSpatialStages(CxImage& image, const _AdjustParam& parameters) {
     Efforts efforts(parameters, Wing::spatial);
     for (const Stage& stage : stages) {
-        if (stage.wing != Wing::spatial) continue;
+        if (stage.wing != Wing::spatial || !stage.isActive(parameters)) continue;
         if (platform::isCancelled()) return;
-        const platform::ProgressPart part = efforts.next(effortOf(stage, parameters));
+        const platform::ProgressPart part = efforts.next(stage.effort);
         stage.run(&image, parameters);
     }
 }
