@@ -27,7 +27,7 @@ std::vector<float> bake(const _AdjustParam& record, int dimension, bool redFaste
 
 // The table's stages one after another, by the functions that do one each.
 void adjustTriples(std::vector<float>& points, const _AdjustParam& p) {
-    const unsigned long count = points.size() / 3;
+    const auto count = static_cast<unsigned long>(points.size() / 3);
     float* lut = points.data();
     lut3d_temperatureAdjustment(lut, count, 3, p.temperature);
     lut3d_tintAdjustment(lut, count, 3, p.tint);
