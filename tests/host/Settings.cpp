@@ -123,7 +123,8 @@ TEST(Settings, OfOneGroupStandTogether) {
     std::set<std::string> groups;
     std::string last;
     for (const KeladjustSetting& setting : settings()) {
-        if (last == setting.group) continue;
+        // What joins later takes a slot behind all groups.
+        if (setting.slot >= 65 || last == setting.group) continue;
         last = setting.group;
         EXPECT_TRUE(groups.insert(last).second) << last;
     }
