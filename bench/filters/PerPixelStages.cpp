@@ -3,12 +3,9 @@
 
 #include <keladjust/keladjust.h>
 
-#include <algorithm>
 #include <functional>
-#include <string_view>
 #include <vector>
 
-#include "filters/Stages.h"
 #include "models/colour-ranges/ColourRanges.h"
 #include "models/contrast/Contrast.h"
 #include "models/exposure/Brightness.h"
@@ -19,8 +16,8 @@
 #include "models/temperature/Tint.h"
 #include "models/tonal/TonalRanges.h"
 #include "models/vibrance/Vibrance.h"
+#include "support/Catalogued.h"
 #include "support/Rows.h"
-#include "support/StageSettings.h"
 
 namespace {
 
@@ -58,14 +55,8 @@ Bytes changeEightBandsModel(Bytes c) {
     return c;
 }
 
-/// A stage of the catalogue at a setting that a user might choose.
 Stage catalogued(const char* name, float value, Bytes (*formula)(Bytes)) {
-    const auto stage = std::find_if(
-        keladjust::stages.begin(), keladjust::stages.end(),
-        [&](const keladjust::Stage& each) { return std::string_view(each.name.c_str()) == name; });
-    _AdjustParam record = identity;
-    setSlot(record, *stage, 0, value);
-    return {name, [stage, record](CxImage* i) { return stage->run(i, record); }, formula};
+    return {name, keladjust::bench::Catalogued(name, value), formula};
 }
 
 // The formulas compute their constants anew for every pixel, as the plainest host code would.

@@ -7,11 +7,13 @@
 #include <cstdint>
 #include <vector>
 
+#include "support/Catalogued.h"
 #include "support/Rows.h"
 
 namespace {
 
 using keladjust::bench::addRows;
+using keladjust::bench::Catalogued;
 using keladjust::bench::plainly;
 using keladjust::bench::Work;
 
@@ -48,20 +50,20 @@ const bool added = addRows(
     {
         {"blur, radius 1", stackBlurOf(1)},
         {"blur, radius 50", stackBlurOf(50)},
-        {"clarity", plainly([](CxImage& i) { clarity(&i, 100); })},
-        {"sharpen", plainly([](CxImage& i) { sharpen(&i, 80); })},
-        {"dehaze", plainly([](CxImage& i) { dehaze(&i, 50); })},
+        {"clarity", plainly(Catalogued("clarity", 100))},
+        {"sharpen", plainly(Catalogued("sharpen", 80))},
+        {"dehaze", plainly(Catalogued("dehaze", 50))},
         {"15 x 15 mean", meanFilter},
-        {"diffuse", plainly([](CxImage& i) { diffuse(&i, 50); })},
+        {"diffuse", plainly(Catalogued("diffuse", 50))},
         {"vignette", plainly([](CxImage& i) { vignetteAdjustFilter(&i, -50, 50, 70, 50, 0, 20); })},
-        {"distortion, map kept", plainly([](CxImage& i) { distortFilter(&i, lens); })},
+        {"distortion, map kept", plainly(Catalogued("distortion", lens))},
         {"distortion, new map", inTurn<distortFilter>},
-        {"fringing, maps kept", plainly([](CxImage& i) { fringingFilter(&i, lens); })},
+        {"fringing, maps kept", plainly(Catalogued("fringing", lens))},
         {"fringing, new maps", inTurn<fringingFilter>},
         {"grain", plainly([](CxImage& i) { addNoiseFilter(&i, 30, 50); })},
         {"white balance", plainly([](CxImage& i) { whiteBalanceAdjustment(&i, 50); })},
-        {"denoise", plainly([](CxImage& i) { deNoiseRGB(&i, 100.0f / 3); })},  // a level of 5
-        {"denoise luminance", plainly([](CxImage& i) { deNoiseLumiance(&i, 100.0f / 3); })},
+        {"denoise", plainly(Catalogued("colour-noise-reduction", 100.0f / 3))},  // a level of 5
+        {"denoise luminance", plainly(Catalogued("luminance-noise-reduction", 100.0f / 3))},
     });
 
 }  // namespace

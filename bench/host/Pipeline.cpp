@@ -4,16 +4,19 @@
 #include <benchmark/benchmark.h>
 #include <keladjust/keladjust.h>
 
+#include <functional>
 #include <string>
 
 #include "filters/Stages.h"
 #include "support/BenchPicture.h"
 #include "support/BenchSettings.h"
+#include "support/Catalogued.h"
 #include "support/Rows.h"
 
 namespace {
 
 using keladjust::bench::addRows;
+using keladjust::bench::Catalogued;
 using keladjust::bench::elevenSettings;
 using keladjust::bench::photographLike;
 using keladjust::bench::plainly;
@@ -48,16 +51,13 @@ BENCHMARK(identity)
 
 struct Growing {
     const char* name;
-    void (*run)(CxImage&);
+    std::function<void(CxImage&)> run;
 };
 
-constexpr Growing growing[] = {
-    {"exposure", [](CxImage& i) { exposureAdjustment(&i, 10); }},
-    {"eleven settings", adjust<elevenSettings>},
-    {"sharpen", [](CxImage& i) { sharpen(&i, 80); }},
-    {"clarity", [](CxImage& i) { clarity(&i, 100); }},
-    {"dehaze", [](CxImage& i) { dehaze(&i, 50); }},
-    {"denoise", [](CxImage& i) { deNoiseRGB(&i, 30); }},
+const Growing growing[] = {
+    {"exposure", Catalogued("exposure", 10)}, {"eleven settings", adjust<elevenSettings>},
+    {"sharpen", Catalogued("sharpen", 80)},   {"clarity", Catalogued("clarity", 100)},
+    {"dehaze", Catalogued("dehaze", 50)},     {"denoise", Catalogued("colour-noise-reduction", 30)},
 };
 
 // In place, over and over: what the pixels are makes no difference to these.
