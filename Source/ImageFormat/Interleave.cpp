@@ -5,6 +5,7 @@
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "ImageFormat/Interleave.cpp"
 #include <hwy/foreach_target.h>
+
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();

@@ -3,11 +3,12 @@
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "walks/ByteMap.cpp"
 #include <hwy/foreach_target.h>
+
+#include "walks/ByteMap.h"
+
 #include <hwy/highway.h>
 
 #include <cstring>
-
-#include "walks/ByteMap.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {

@@ -4,8 +4,9 @@
 #define HWY_TARGET_INCLUDE "walks/ScaleByFours.cpp"
 #include <hwy/foreach_target.h>
 
-#include "walks/RowVectors-inl.h"
 #include "walks/ScaleByFours.h"
+
+#include "walks/RowVectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {

@@ -3,7 +3,6 @@
 
 #include <benchmark/benchmark.h>
 #include <keladjust/keladjust.h>
-
 #include <sys/wait.h>
 #include <unistd.h>
 

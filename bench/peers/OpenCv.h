@@ -2,7 +2,6 @@
 #define KELADJUST_BENCH_PEERS_OPENCV_H
 
 #include <keladjust/CxImage.h>
-
 #include <opencv2/core.hpp>
 
 #include "support/Rows.h"

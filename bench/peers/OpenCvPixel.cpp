@@ -2,15 +2,14 @@
 // shown bare, without the change that a stage would make between there and back.
 
 #include <keladjust/keladjust.h>
+#include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
 #include <vector>
-
-#include <opencv2/core.hpp>
-#include <opencv2/imgproc.hpp>
 
 #include "peers/OpenCv.h"
 #include "support/BenchSettings.h"

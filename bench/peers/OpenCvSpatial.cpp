@@ -1,12 +1,12 @@
 // Stages that see the whole picture, from OpenCV's building blocks. They leave
 // the picture as it is and keep their result and buffers for the next run.
 
+#include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
+
 #include <algorithm>
 #include <cmath>
 #include <vector>
-
-#include <opencv2/core.hpp>
-#include <opencv2/imgproc.hpp>
 
 #include "peers/OpenCv.h"
 #include "support/Rows.h"

@@ -2,8 +2,8 @@
 #ifndef KELADJUST_LIBRARY_H
 #define KELADJUST_LIBRARY_H
 
-#include <keladjust/keladjust.h>
 #include <windows.h>
+#include <keladjust/keladjust.h>
 
 typedef struct KeladjustLibrary {
     HMODULE module;

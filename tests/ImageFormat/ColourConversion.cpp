@@ -1,6 +1,5 @@
-#include <keladjust/CxImage.h>
-
 #include <gtest/gtest.h>
+#include <keladjust/CxImage.h>
 
 #include <cfenv>
 

@@ -1,8 +1,8 @@
 // The engine's window on a Windows desktop.
 
+#include <windows.h>
 #include <OgreRenderWindow.h>
 #include <gtest/gtest.h>
-#include <windows.h>
 
 #include "engine/KelOgreBase.h"
 #include "engine/RunningEngine.h"

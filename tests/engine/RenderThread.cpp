@@ -1,8 +1,6 @@
 // The render thread with an engine that only counts: commands, their order, the stop flag, failures
 // and host threads side by side. Nothing here needs a display.
 
-#include "engine/KelOgreRenderThread.h"
-
 #include <OgreException.h>
 #include <gtest/gtest.h>
 
@@ -13,6 +11,7 @@
 #include <vector>
 
 #include "engine/HookEffect.h"
+#include "engine/KelOgreRenderThread.h"
 #include "engine/LogCapture.h"
 #include "engine/StubEngine.h"
 

@@ -1,8 +1,6 @@
 // The programs of an effect: names, sharing, defaults, parameters of every type; and the HLSL side
 // against a language that only takes notes.
 
-#include "engine/KelOgreShader.h"
-
 #include <OgreHighLevelGpuProgramManager.h>
 #include <OgreMaterialManager.h>
 #include <OgrePass.h>
@@ -15,6 +13,7 @@
 #include <map>
 #include <string>
 
+#include "engine/KelOgreShader.h"
 #include "engine/Md5.h"
 #include "engine/RunningEngine.h"
 #include "host/StagePrograms.h"

@@ -1,8 +1,7 @@
 // The building blocks of the spatial stages.
 
-#include <keladjust/CxImage.h>
-
 #include <gtest/gtest.h>
+#include <keladjust/CxImage.h>
 
 #include <cstdint>
 #include <cstdlib>

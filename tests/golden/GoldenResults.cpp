@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 #include <keladjust/keladjust.h>
-
 #include <xmmintrin.h>
 
 #include <cfenv>

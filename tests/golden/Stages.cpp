@@ -1,9 +1,8 @@
 // Every stage on pictures, at usual settings, at the ends of its range and at absurd ones. The four
 // digests of a line are for pictures of 8, 16, 24 and 32 bits.
 
-#include <keladjust/CxImage.h>
-
 #include <gtest/gtest.h>
+#include <keladjust/CxImage.h>
 
 #include <cstdint>
 #include <initializer_list>

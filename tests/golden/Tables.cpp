@@ -1,9 +1,8 @@
 // Colour tables: the stages on tables of a host's own, with strides of 3 and 5 (two digests), the
 // library's bakes, and the bytes of its cube files but for the platform's line ends.
 
-#include <keladjust/keladjust.h>
-
 #include <gtest/gtest.h>
+#include <keladjust/keladjust.h>
 
 #include <algorithm>
 #include <cstdint>

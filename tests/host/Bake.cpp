@@ -1,8 +1,7 @@
 // Colour tables of any size, in the host's memory.
 
-#include <keladjust/keladjust.h>
-
 #include <gtest/gtest.h>
+#include <keladjust/keladjust.h>
 
 #include <algorithm>
 #include <array>

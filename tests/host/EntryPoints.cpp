@@ -1,6 +1,5 @@
-#include <keladjust/keladjust.h>
-
 #include <gtest/gtest.h>
+#include <keladjust/keladjust.h>
 
 #include <atomic>
 #include <cstddef>

@@ -1,7 +1,10 @@
 // One result on every instruction set that the processor has, with any number of threads and in any
 // floating-point mode of the caller's: every stage, the whole pipeline and the colour table.
 
+#include "support/InstructionSets.h"
+
 #include <gtest/gtest.h>
+#include <xmmintrin.h>
 
 #include <algorithm>
 #include <cfenv>
@@ -14,12 +17,9 @@
 #include <utility>
 #include <vector>
 
-#include <xmmintrin.h>
-
 #include "filters/Stages.h"
 #include "support/EveryStage.h"
 #include "support/HostPicture.h"
-#include "support/InstructionSets.h"
 #include "support/StageSettings.h"
 
 namespace {

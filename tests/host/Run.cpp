@@ -1,9 +1,8 @@
 // Adjustments that tell how far they are, can be cancelled and take records of other versions, on
 // the CPU path.
 
-#include <keladjust/keladjust.h>
-
 #include <gtest/gtest.h>
+#include <keladjust/keladjust.h>
 
 #include <algorithm>
 #include <array>

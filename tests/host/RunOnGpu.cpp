@@ -1,9 +1,8 @@
 // What an adjustment does with an engine that renders, and with one that refuses to. The effects
 // here render nothing, so no display is needed.
 
-#include <keladjust/keladjust.h>
-
 #include <gtest/gtest.h>
+#include <keladjust/keladjust.h>
 
 #include <algorithm>
 #include <cstddef>

@@ -1,8 +1,7 @@
 // The record's description, as front ends read it.
 
-#include <keladjust/keladjust.h>
-
 #include <gtest/gtest.h>
+#include <keladjust/keladjust.h>
 
 #include <cctype>
 #include <cstddef>

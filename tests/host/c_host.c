@@ -1,7 +1,6 @@
 /* A host in C: the public header compiles as C, the record goes by value, results come back. */
 
 #include <keladjust/keladjust.h>
-
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>

@@ -1,12 +1,13 @@
 // The lattice object by itself.
 
 #include "lut/CubeLut.h"
-#include "support/StageSettings.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <memory>
+
+#include "support/StageSettings.h"
 
 namespace {
 

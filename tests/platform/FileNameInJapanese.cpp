@@ -1,7 +1,6 @@
 // Run in the Japanese code page, in which the second byte of a letter may be a backslash's.
 
 #include <windows.h>
-
 #include <gtest/gtest.h>
 
 #include <string>

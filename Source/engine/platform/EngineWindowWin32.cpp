@@ -1,6 +1,6 @@
+#include <windows.h>
 #include <OgreRenderWindow.h>
 #include <OgreRoot.h>
-#include <windows.h>
 
 #include "engine/platform/EngineWindow.h"
 

@@ -8,9 +8,10 @@
 #include <hwy/foreach_target.h>
 
 #include "filters/blur/SmallBlurRows.h"
-#include "walks/RowVectors-inl.h"
 
 #include <algorithm>
+
+#include "walks/RowVectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {

@@ -6,14 +6,15 @@
 #define HWY_TARGET_INCLUDE "filters/blur/StackBlurRows.cpp"
 #include <hwy/foreach_target.h>
 
-#include <hwy/cache_control.h>
-
-#include "arithmetic/Rounding.h"
 #include "filters/blur/StackBlurRows.h"
-#include "walks/RowVectors-inl.h"
+
+#include <hwy/cache_control.h>
 
 #include <algorithm>
 #include <span>
+
+#include "arithmetic/Rounding.h"
+#include "walks/RowVectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {

@@ -4,10 +4,11 @@
 #define HWY_TARGET_INCLUDE "filters/colour-ranges/ColourRanges.cpp"
 #include <hwy/foreach_target.h>
 
+#include "filters/colour-ranges/ColourRanges.h"
+
 #include <cmath>
 #include <limits>
 
-#include "filters/colour-ranges/ColourRanges.h"
 #include "walks/HslVectors-inl.h"
 #include "walks/StageForms.h"
 

@@ -5,10 +5,11 @@
 #define HWY_TARGET_INCLUDE "filters/contrast/Contrast.cpp"
 #include <hwy/foreach_target.h>
 
+#include "filters/contrast/Contrast.h"
+
 #include <cstdint>
 
 #include "arithmetic/Rounding.h"
-#include "filters/contrast/Contrast.h"
 #include "walks/PixelVectors-inl.h"
 #include "walks/StageForms.h"
 

@@ -4,11 +4,12 @@
 #define HWY_TARGET_INCLUDE "filters/dehaze/DehazeRows.cpp"
 #include <hwy/foreach_target.h>
 
-#include "arithmetic/Rounding.h"
 #include "filters/dehaze/DehazeRows.h"
-#include "walks/RowVectors-inl.h"
 
 #include <algorithm>
+
+#include "arithmetic/Rounding.h"
+#include "walks/RowVectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {

@@ -3,9 +3,10 @@
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "filters/dehaze/MeanRows.cpp"
 #include <hwy/foreach_target.h>
-#include <hwy/highway.h>
 
 #include "filters/dehaze/MeanRows.h"
+
+#include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {

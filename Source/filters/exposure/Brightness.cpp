@@ -4,10 +4,11 @@
 #define HWY_TARGET_INCLUDE "filters/exposure/Brightness.cpp"
 #include <hwy/foreach_target.h>
 
+#include "filters/exposure/Brightness.h"
+
 #include <cstdint>
 
 #include "arithmetic/Rounding.h"
-#include "filters/exposure/Brightness.h"
 #include "walks/PixelVectors-inl.h"
 #include "walks/StageForms.h"
 

@@ -4,11 +4,12 @@
 #define HWY_TARGET_INCLUDE "filters/exposure/Exposure.cpp"
 #include <hwy/foreach_target.h>
 
+#include "filters/exposure/Exposure.h"
+
 #include <cmath>
 #include <cstdint>
 
 #include "arithmetic/Rounding.h"
-#include "filters/exposure/Exposure.h"
 #include "walks/PixelVectors-inl.h"
 #include "walks/StageForms.h"
 

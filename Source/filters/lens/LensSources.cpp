@@ -4,9 +4,10 @@
 #define HWY_TARGET_INCLUDE "filters/lens/LensSources.cpp"
 #include <hwy/foreach_target.h>
 
+#include "filters/lens/LensSources.h"
+
 #include <cstring>
 
-#include "filters/lens/LensSources.h"
 #include "walks/PixelVectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();

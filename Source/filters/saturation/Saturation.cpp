@@ -5,6 +5,7 @@
 #include <hwy/foreach_target.h>
 
 #include "filters/saturation/Saturation.h"
+
 #include "walks/PixelVectors-inl.h"
 #include "walks/StageForms.h"
 

@@ -4,8 +4,9 @@
 #define HWY_TARGET_INCLUDE "filters/sharpen/SharpenRows.cpp"
 #include <hwy/foreach_target.h>
 
-#include "arithmetic/Rounding.h"
 #include "filters/sharpen/SharpenRows.h"
+
+#include "arithmetic/Rounding.h"
 #include "walks/RowVectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();

@@ -5,13 +5,14 @@
 #define HWY_TARGET_INCLUDE "filters/temperature/Temperature.cpp"
 #include <hwy/foreach_target.h>
 
+#include "filters/temperature/Temperature.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
 
 #include "filters/temperature/BlackBody.h"
-#include "filters/temperature/Temperature.h"
 #include "walks/HslVectors-inl.h"
 #include "walks/StageForms.h"
 

@@ -4,8 +4,9 @@
 #define HWY_TARGET_INCLUDE "filters/temperature/Tint.cpp"
 #include <hwy/foreach_target.h>
 
-#include "arithmetic/Rounding.h"
 #include "filters/temperature/Tint.h"
+
+#include "arithmetic/Rounding.h"
 #include "walks/PixelVectors-inl.h"
 #include "walks/StageForms.h"
 

@@ -4,9 +4,10 @@
 #define HWY_TARGET_INCLUDE "filters/tonal/TonalRanges.cpp"
 #include <hwy/foreach_target.h>
 
+#include "filters/tonal/TonalRanges.h"
+
 #include <cmath>
 
-#include "filters/tonal/TonalRanges.h"
 #include "walks/PixelVectors-inl.h"
 #include "walks/StageForms.h"
 

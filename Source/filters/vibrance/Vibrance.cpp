@@ -4,9 +4,10 @@
 #define HWY_TARGET_INCLUDE "filters/vibrance/Vibrance.cpp"
 #include <hwy/foreach_target.h>
 
+#include "filters/vibrance/Vibrance.h"
+
 #include <cmath>
 
-#include "filters/vibrance/Vibrance.h"
 #include "walks/PixelVectors-inl.h"
 #include "walks/StageForms.h"
 

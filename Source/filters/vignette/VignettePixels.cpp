@@ -4,11 +4,12 @@
 #define HWY_TARGET_INCLUDE "filters/vignette/VignettePixels.cpp"
 #include <hwy/foreach_target.h>
 
+#include "filters/vignette/VignettePixels.h"
+
 #include <cmath>
 #include <cstring>
 
 #include "arithmetic/Angle.h"
-#include "filters/vignette/VignettePixels.h"
 #include "walks/PixelVectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();

@@ -3,11 +3,12 @@
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "filters/white-balance/BrightPixels.cpp"
 #include <hwy/foreach_target.h>
+
+#include "filters/white-balance/BrightPixels.h"
+
 #include <hwy/highway.h>
 
 #include <algorithm>
-
-#include "filters/white-balance/BrightPixels.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {

@@ -4,7 +4,6 @@
 #define NOMINMAX
 #endif
 #include <windows.h>
-
 #include <io.h>
 #include <shellapi.h>
 #include <stdio.h>

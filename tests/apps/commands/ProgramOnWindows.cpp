@@ -1,7 +1,7 @@
 // What other systems do differently: names of files, files in use, line ends, desktops.
 
-#include <gtest/gtest.h>
 #include <windows.h>
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <fstream>

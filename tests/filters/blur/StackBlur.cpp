@@ -1,3 +1,5 @@
+#include "filters/blur/StackBlur.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -6,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "filters/blur/StackBlur.h"
 #include "models/blur/StackBlur.h"
 #include "support/HostPicture.h"
 #include "support/InstructionSets.h"

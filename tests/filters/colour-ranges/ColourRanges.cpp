@@ -1,10 +1,11 @@
+#include "models/colour-ranges/ColourRanges.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <vector>
 
-#include "models/colour-ranges/ColourRanges.h"
 #include "support/ColourSweep.h"
 #include "support/OddNumbers.h"
 

@@ -1,9 +1,10 @@
+#include "models/contrast/Contrast.h"
+
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <vector>
 
-#include "models/contrast/Contrast.h"
 #include "support/ColourSweep.h"
 #include "support/OddNumbers.h"
 

@@ -1,3 +1,5 @@
+#include "models/dehaze/Dehaze.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -8,7 +10,6 @@
 #include <random>
 #include <vector>
 
-#include "models/dehaze/Dehaze.h"
 #include "support/HostPicture.h"
 
 namespace {

@@ -1,3 +1,5 @@
+#include "models/denoise/Denoise.h"
+
 #include <gtest/gtest.h>
 #include <keladjust/CxImage.h>
 
@@ -9,7 +11,6 @@
 #include <string>
 #include <vector>
 
-#include "models/denoise/Denoise.h"
 #include "support/HostPicture.h"
 #include "support/InstructionSets.h"
 #include "support/OddNumbers.h"

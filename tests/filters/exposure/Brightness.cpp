@@ -1,3 +1,5 @@
+#include "models/exposure/Brightness.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -5,7 +7,6 @@
 #include <cstdint>
 #include <vector>
 
-#include "models/exposure/Brightness.h"
 #include "support/ColourSweep.h"
 #include "support/OddNumbers.h"
 

@@ -1,3 +1,5 @@
+#include "models/grain/Grain.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -5,7 +7,6 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "models/grain/Grain.h"
 #include "support/HostPicture.h"
 
 namespace {

@@ -1,9 +1,10 @@
+#include "models/hue/Hue.h"
+
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <cstdint>
 
-#include "models/hue/Hue.h"
 #include "support/ColourSweep.h"
 
 namespace {

@@ -1,10 +1,11 @@
+#include "models/lens/Distortion.h"
+
 #include <gtest/gtest.h>
 #include <keladjust/keladjust.h>
 
 #include <cstddef>
 #include <cstdint>
 
-#include "models/lens/Distortion.h"
 #include "support/HostPicture.h"
 
 namespace {

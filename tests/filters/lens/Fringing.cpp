@@ -1,3 +1,5 @@
+#include "models/lens/Fringing.h"
+
 #include <gtest/gtest.h>
 #include <keladjust/keladjust.h>
 
@@ -5,7 +7,6 @@
 #include <cstdint>
 #include <vector>
 
-#include "models/lens/Fringing.h"
 #include "support/HostPicture.h"
 #include "support/OddNumbers.h"
 

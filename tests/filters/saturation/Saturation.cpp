@@ -1,9 +1,10 @@
+#include "models/saturation/Saturation.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <limits>
 
-#include "models/saturation/Saturation.h"
 #include "support/ColourSweep.h"
 #include "support/OddNumbers.h"
 

@@ -1,9 +1,10 @@
+#include "models/temperature/Temperature.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <climits>
 
-#include "models/temperature/Temperature.h"
 #include "support/ColourSweep.h"
 
 namespace {

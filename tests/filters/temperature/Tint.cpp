@@ -1,8 +1,9 @@
+#include "models/temperature/Tint.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
 
-#include "models/temperature/Tint.h"
 #include "support/ColourSweep.h"
 #include "support/OddNumbers.h"
 

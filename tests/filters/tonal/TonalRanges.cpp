@@ -1,8 +1,9 @@
+#include "models/tonal/TonalRanges.h"
+
 #include <gtest/gtest.h>
 
 #include <tuple>
 
-#include "models/tonal/TonalRanges.h"
 #include "support/ColourSweep.h"
 #include "support/OddNumbers.h"
 

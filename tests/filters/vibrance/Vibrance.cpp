@@ -1,8 +1,9 @@
+#include "models/vibrance/Vibrance.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
-#include "models/vibrance/Vibrance.h"
 #include "support/ColourSweep.h"
 #include "support/OddNumbers.h"
 

@@ -1,9 +1,10 @@
+#include "models/vignette/Vignette.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdint>
 
-#include "models/vignette/Vignette.h"
 #include "support/HostPicture.h"
 
 namespace {

@@ -1,8 +1,9 @@
+#include "models/white-balance/WhiteBalance.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
 
-#include "models/white-balance/WhiteBalance.h"
 #include "support/HostPicture.h"
 
 namespace {
