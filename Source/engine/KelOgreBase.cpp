@@ -7,6 +7,7 @@
 #include <OgreResourceGroupManager.h>
 #include <OgreRoot.h>
 #include <OgreStringVector.h>
+#include <OgreWorkQueue.h>
 
 #include <atomic>
 
@@ -120,6 +121,11 @@ void KelOgreBase::createRoot() {
     }
     // The root would let the first plugin that fails end all; plugins are loaded one by one.
     root_ = std::make_unique<Ogre::Root>("", configurationFile_, "");
+    // Its threads would write the log side by side with this one, without a lock, and do nothing
+    // else here.
+    if (auto* const queue = dynamic_cast<Ogre::DefaultWorkQueueBase*>(root_->getWorkQueue())) {
+        queue->setWorkerThreadCount(0);
+    }
     loadPlugins();
     restoreConfiguration();
     addResourceLocations();

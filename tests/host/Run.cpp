@@ -17,6 +17,7 @@
 #include "filters/Stages.h"
 #include "support/EveryStage.h"
 #include "support/HostPicture.h"
+#include "support/RunsOnThreads.h"
 #include "support/StageSettings.h"
 
 namespace {
@@ -307,60 +308,16 @@ TEST(Run, LetsTheHostAdjustAnotherPictureMeanwhile) {
     EXPECT_TRUE(other.bytes() == expectedOther.bytes());
 }
 
-// The stages of the record by themselves and at once, and tables, on eight threads, while another
-// starts and stops what there is of the engine and changes the library's thread limit.
+// While another thread starts and stops what there is of the engine and changes the thread limit.
 TEST(RunOnThreads, GivesWhatALoneCallGives) {
-    struct Case {
-        _AdjustParam record;
-        HostPicture picture;
-        std::vector<std::uint8_t> expected;
-        std::vector<float> expectedTable;
-    };
-    const auto table = [](const _AdjustParam& record) {
-        std::vector<float> points(3 * 9 * 9 * 9);
-        EXPECT_TRUE(keladjustBake(&record, sizeof record, 9, true, points.data()));
-        return points;
-    };
-    std::vector<Case> cases;
-    for (const keladjust::Stage& stage : keladjust::stages) {
-        cases.push_back({stageAlone(stage), randomPicture(131, 97), {}, {}});
-    }
-    cases.push_back({everyStage().settings, randomPicture(131, 97), {}, {}});
-    for (std::size_t i = 0; i < cases.size(); ++i) {
-        cases[i].picture.fillRandom(static_cast<std::uint32_t>(i));
-        HostPicture alone(cases[i].picture);
-        doAdjust(alone.image(), cases[i].record);
-        cases[i].expected = alone.bytes();
-        cases[i].expectedTable = table(cases[i].record);
-    }
-
-    std::array<std::thread, 8> threads;
-    for (std::size_t t = 0; t < threads.size(); ++t) {
-        threads[t] = std::thread([&, t] {
-            for (std::size_t i = 0; i < cases.size(); ++i) {
-                const Case& each = cases[(i + 5 * t) % cases.size()];
-                HostPicture picture(each.picture);
-                Notes notes;
-                KeladjustRun wishes = notes.run();
-                wishes.path = KELADJUST_CPU;
-                wishes.maxThreads = static_cast<std::int32_t>(t % 4);
-                EXPECT_EQ(keladjustRun(picture.image(), &each.record, sizeof each.record, &wishes),
-                          KELADJUST_DONE);
-                EXPECT_TRUE(picture.bytes() == each.expected);
-                EXPECT_TRUE(table(each.record) == each.expectedTable);
-                // Cancelling one is nothing to the others.
-                HostPicture cancelled(each.picture);
-                notes.cancelAt = notes.shares.size() + 1;
-                keladjustRun(cancelled.image(), &each.record, sizeof each.record, &wishes);
-            }
-        });
-    }
-    for (int i = 0; i < 20; ++i) {
-        initOgreRunTime("/nowhere/", "/nowhere/");
-        setMaxThreads(i % 5);
-        releaseOgre();
-    }
-    for (std::thread& thread : threads) thread.join();
+    keladjust::test::RunsOnThreads runs;
+    runs.during([] {
+        for (int i = 0; i < 20; ++i) {
+            initOgreRunTime("/nowhere/", "/nowhere/");
+            setMaxThreads(i % 5);
+            releaseOgre();
+        }
+    });
     setMaxThreads(0);
 }
 
