@@ -2,8 +2,10 @@
 //   released   stops the engine, whose module goes with it, then unloads; several times
 //   plain      unloads without ever having started it
 //   kept       unloads while the engine runs, which keeps the library and its module
+//   handled    stops the engine, whose handler of broken connections somebody else has saved
 //   exits      just ends, the engine running
 
+#include <X11/Xlib.h>
 #include <dlfcn.h>
 
 #include <cstdio>
@@ -70,6 +72,16 @@ int main(int count, char** arguments) {
         again.stop();
         dlclose(again.handle);
         check(!isLoaded(itself) && !isLoaded(module), "unloaded in the end");
+    } else if (way == "handled") {
+        int connection = 0;
+        auto* const someDisplay = reinterpret_cast<Display*>(&connection);
+        XSetIOErrorHandler([](Display*) { return 7; });
+        const Library library(path);
+        check(library.start(config, config), "start");
+        const XIOErrorHandler saved = XSetIOErrorHandler([](Display*) { return 8; });
+        library.stop();
+        dlclose(library.handle);
+        check(saved(someDisplay) == 7, "the saved handler leads to the host's");
     } else {
         const Library library(path);
         check(library.start(config, config), "start");

@@ -4,8 +4,10 @@
 #include <X11/Xlib.h>
 
 #include <atomic>
+#include <new>
 
 #include "engine/platform/EngineWindow.h"
+#include "platform/ModuleReference.h"
 
 namespace keladjust::platform {
 
@@ -15,13 +17,28 @@ namespace {
 // window is open; and what a broken connection led to before.
 std::atomic<Display*> windowDisplay{nullptr};
 std::atomic<Display*> openGlDisplay{nullptr};
-XIOErrorHandler previousHandler = nullptr;
+std::atomic<XIOErrorHandler> previousHandler{nullptr};
+bool isWindowOpen = false;
 
 // A server that ends takes its clients along, unless they say that they live on. The library must
 // not end the host because its own connection has broken; the host's connections are its own.
 int onBrokenConnection(Display* display) {
-    if (display != windowDisplay && display != openGlDisplay) return previousHandler(display);
-    return 0;
+    if (display == windowDisplay || display == openGlDisplay) return 0;
+    // Another library that had saved this handler may call it for its own, which it had saved.
+    static thread_local bool passingOn = false;
+    const XIOErrorHandler previous = previousHandler;
+    if (passingOn || previous == nullptr) return 0;
+    passingOn = true;
+    const int answer = previous(display);
+    passingOn = false;
+    return answer;
+}
+
+// Keeps the code of the handler loaded to the end of the process: whoever has saved it may put it
+// back, or call it, at any time.
+void keepHandlerLoaded() {
+    static const auto* const kept = new (std::nothrow) ModuleReference;
+    static_cast<void>(kept);
 }
 
 void liveOn(Display*, void*) {}
@@ -49,16 +66,22 @@ Ogre::RenderWindow* openEngineWindow(Ogre::Root& root, const std::string& title,
     for (Display* each : {windowDisplay.load(), openGlDisplay.load()}) {
         if (each != nullptr) XSetIOErrorExitHandler(each, liveOn, nullptr);
     }
-    previousHandler = XSetIOErrorHandler(onBrokenConnection);
+    const XIOErrorHandler installed = XSetIOErrorHandler(onBrokenConnection);
+    // It is its own where another library has put it back.
+    if (installed != onBrokenConnection) previousHandler = installed;
+    isWindowOpen = true;
     return window;
 }
 
 void engineWindowClosed() {
-    if (previousHandler == nullptr) return;
+    if (!isWindowOpen) return;
+    isWindowOpen = false;
     const XIOErrorHandler installed = XSetIOErrorHandler(previousHandler);
-    // Somebody else's by now: it stays.
-    if (installed != onBrokenConnection) XSetIOErrorHandler(installed);
-    previousHandler = nullptr;
+    if (installed != onBrokenConnection) {
+        // Somebody else's by now: it stays.
+        XSetIOErrorHandler(installed);
+        keepHandlerLoaded();
+    }
     windowDisplay = nullptr;
     openGlDisplay = nullptr;
 }
