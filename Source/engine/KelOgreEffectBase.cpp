@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <atomic>
 #include <map>
+#include <utility>
 
 #include "engine/EngineLog.h"
 #include "engine/EngineName.h"
@@ -135,12 +136,17 @@ bool KelOgreEffectBase::driverLacksMemory() {
 void KelOgreEffectBase::releaseTextures() noexcept {
     sizeChanged_ = true;
     for (auto& [index, picture] : inputs_) picture.changed = true;
-    try {
-        destroyRenderTexture();
+    const auto attempt = [](auto release) {
+        try {
+            release();
+        } catch (...) {
+            logCurrentException("Textures not released");
+        }
+    };
+    attempt([this] { destroyRenderTexture(); });
+    attempt([this] {
         if (picturePlane_ != nullptr) picturePlane_->removeTextures();
-    } catch (...) {
-        logCurrentException("Textures not released");
-    }
+    });
 }
 
 bool KelOgreEffectBase::prepareScene() {
@@ -153,17 +159,29 @@ bool KelOgreEffectBase::prepareScene() {
         root->addFrameListener(this);
         registered_ = true;
     }
-    if (sceneManager_ == nullptr) {
-        sceneManager_ = root->createSceneManager();
-        sceneManager_->addRenderQueueListener(&witness_);
-        createSceneNodes();
-    }
+    if (sceneManager_ == nullptr) createScene(*root);
     if (picturePlane_ == nullptr) {
-        picturePlane_ =
+        auto plane =
             std::make_unique<KelOgrePicturePlane>(engine_->renderSystemKind(), pixelBufferSwitch_);
-        picturePlane_->attachTo(*planeNode_);
+        plane->attachTo(*planeNode_);
+        picturePlane_ = std::move(plane);
     }
     return true;
+}
+
+// All of it or nothing, so that a pass that fails here leaves the next one to begin anew.
+void KelOgreEffectBase::createScene(Ogre::Root& root) {
+    sceneManager_ = root.createSceneManager();
+    try {
+        sceneManager_->addRenderQueueListener(&witness_);
+        createSceneNodes();
+    } catch (...) {
+        sceneNode_ = nullptr;
+        planeNode_ = nullptr;
+        root.destroySceneManager(sceneManager_);
+        sceneManager_ = nullptr;
+        throw;
+    }
 }
 
 bool KelOgreEffectBase::resizeScene(unsigned char* outputBuffer) {
@@ -224,24 +242,27 @@ void KelOgreEffectBase::readResult(_ImageParam* result, unsigned char* inputPixe
         logMessage("There is nowhere to put the result");
         return;
     }
+    // On some systems the context has gone with its window, and the driver cannot be asked.
+    if (renderTexture_ != nullptr && !KelOgreEffectBase::frameStarted(Ogre::FrameEvent())) return;
     result->width = renderTexture_ != nullptr ? renderTexture_->getWidth() : 0;
     result->height = renderTexture_ != nullptr ? renderTexture_->getHeight() : 0;
     result->byteSize = std::size_t{result->width} * result->height * 4;
-    result->data = destination;
+    scratch_.resize(result->byteSize);
 
-    // A picture of fewer bytes a pixel has no room for the render.
-    const bool direct = bytesPerPixel == 4;
-    if (!direct) {
-        scratch_.resize(result->byteSize);
-        result->data = scratch_.data();
-    }
-    readBack_.bindBuffer(result->byteSize);
-    const bool delivered = getPixels(result);
-    readBack_.unbindBuffer();
+    result->data = scratch_.data();
+    const bool delivered = readScratch(*result);
     result->data = destination;
-    if (delivered && !direct) {
+    if (!delivered) return;
+    if (bytesPerPixel == 4) {
+        std::copy(scratch_.begin(), scratch_.end(), destination);
+    } else {
         keladjust::storeRender(scratch_.data(), result->width, result->height, format, destination);
     }
+}
+
+bool KelOgreEffectBase::readScratch(_ImageParam& result) {
+    const keladjust::ReadBack::BoundBuffer buffer(readBack_, result.byteSize);
+    return getPixels(&result);
 }
 
 bool KelOgreEffectBase::getPixels(_ImageParam* result) {
@@ -371,7 +392,6 @@ void KelOgreEffectBase::buildPrograms() {
     for (const std::int32_t kind : {vertexProgram, fragmentProgram}) {
         ProgramText& program = programs_[kind];
         if (!program.isNew || shader_ == nullptr) continue;
-        program.isNew = false;
         material_.reset();
         if (!program.text.empty()) {
             shader_->setShaderProgram(program.text.c_str(), kind, program.fromSource);
@@ -381,6 +401,8 @@ void KelOgreEffectBase::buildPrograms() {
         if (!program.entryPoint.empty()) {
             shader_->setDxShaderProgramEntryPoint(kind, program.entryPoint.c_str());
         }
+        // Not before: what throws on the way is tried again with the next pass.
+        program.isNew = false;
     }
 }
 
@@ -402,7 +424,11 @@ void KelOgreEffectBase::destroyScene() {
     }
     // By name, because the destructor comes here, too.
     KelOgreEffectBase::destroyRenderTexture();
-    readBack_.deleteBuffer();
+    if (KelOgreEffectBase::isWindowClosed()) {
+        readBack_.forgetBuffer();
+    } else {
+        readBack_.deleteBuffer();
+    }
     KelOgreEffectBase::windowClosed();
     material_.reset();
     picturePlane_.reset();
@@ -418,17 +444,17 @@ void KelOgreEffectBase::destroyScene() {
 
 void KelOgreEffectBase::createCamera() {
     const std::string name = engineName("PlayerCam_", number_ - 1);
-    if (sceneManager_->hasCamera(name)) {
-        camera_ = sceneManager_->getCamera(name);
-    } else {
-        camera_ = sceneManager_->createCamera(name);
-        Ogre::SceneNode* node = sceneManager_->getRootSceneNode()->createChildSceneNode();
-        node->attachObject(camera_);
-        cameraController_ = std::make_unique<keladjust::CameraController>(*node);
-    }
+    // One that is there already was left half made.
+    Ogre::Camera* const camera = sceneManager_->hasCamera(name) ? sceneManager_->getCamera(name)
+                                                                : sceneManager_->createCamera(name);
+    camera->detachFromParent();
+    Ogre::SceneNode* node = sceneManager_->getRootSceneNode()->createChildSceneNode();
+    node->attachObject(camera);
+    cameraController_ = std::make_unique<keladjust::CameraController>(*node);
     cameraController_->place(Ogre::Vector3(0, 0, 100), Ogre::Vector3::ZERO);
-    camera_->setAspectRatio(static_cast<float>(renderWidth_) / static_cast<float>(renderHeight_));
-    camera_->setNearClipDistance(5.0f);
+    camera->setAspectRatio(static_cast<float>(renderWidth_) / static_cast<float>(renderHeight_));
+    camera->setNearClipDistance(5.0f);
+    camera_ = camera;
 }
 
 void KelOgreEffectBase::createRenderTexture() {

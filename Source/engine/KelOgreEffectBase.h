@@ -90,7 +90,7 @@ public:
     /// True once the material has been built from the programs as they are.
     virtual bool hasMaterial() const;
     /// Fills `result->data` with the render, rows of blue, green, red, alpha.
-    /// @return false, and the pixels untouched, if there is nothing to read
+    /// @return false if there is nothing to read; the memory may have been written to
     virtual bool getPixels(_ImageParam* result);
     virtual void destroyScene();
     virtual void createCamera();
@@ -135,7 +135,9 @@ private:
     const char* runPass(unsigned char* outputBuffer, unsigned char* inputPixels,
                         std::uint32_t bytesPerPixel);
     bool driverLacksMemory();
+    bool readScratch(_ImageParam& result);
     void releaseTextures() noexcept;
+    void createScene(Ogre::Root& root);
     bool prepareScene();
     bool resizeScene(unsigned char* outputBuffer);
     bool acceptsInputs() const;
@@ -173,7 +175,7 @@ private:
     bool registered_ = false;
     bool pixelBufferSwitch_ = false;
     ProgramWitness witness_;
-    /// A render of four bytes a pixel on its way into a picture of fewer.
+    /// A render on its way into the picture, which is written to once nothing can fail any more.
     std::vector<unsigned char> scratch_;
 };
 

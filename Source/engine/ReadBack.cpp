@@ -58,6 +58,10 @@ void ReadBack::rebuildBuffer(std::size_t bytes) {
 void ReadBack::deleteBuffer() {
     if (buffer_ == 0) return;
     if (glBuffers_.isBuffer(buffer_)) glBuffers_.deleteBuffers(1, &buffer_);
+    forgetBuffer();
+}
+
+void ReadBack::forgetBuffer() {
     buffer_ = 0;
     bufferBytes_ = 0;
 }

@@ -33,18 +33,34 @@ public:
     /// Has the mode that goes through a buffer make one for that many bytes.
     void rebuildBuffer(std::size_t bytes);
     void deleteBuffer();
-    /// Binds the buffer, made anew if it has another size; nothing in the other modes.
-    void bindBuffer(std::size_t bytes);
-    void unbindBuffer();
+    /// The buffer has gone with the graphics context: the driver must not be asked for it any more.
+    void forgetBuffer();
+
+    /// Has the buffer bound while it lives, made anew if it has another size; nothing in the other
+    /// modes.
+    class BoundBuffer {
+    public:
+        BoundBuffer(ReadBack& readBack, std::size_t bytes) : readBack_(readBack) {
+            readBack_.bindBuffer(bytes);
+        }
+        ~BoundBuffer() { readBack_.unbindBuffer(); }
+        BoundBuffer(const BoundBuffer&) = delete;
+        BoundBuffer& operator=(const BoundBuffer&) = delete;
+
+    private:
+        ReadBack& readBack_;
+    };
 
     /// Fills `result.data` with tight rows of blue, green, red, alpha; the buffer is bound.
-    /// @return false, and the memory untouched, if the texture cannot be read
+    /// @return false if the texture cannot be read; the memory may have been written to
     bool copy(Ogre::RenderSystem& renderSystem, Ogre::Texture& texture, const _ImageParam& result);
 
     /// The driver's functions for buffers, once they have been loaded.
     GlBuffers& glBuffers() { return glBuffers_; }
 
 private:
+    void bindBuffer(std::size_t bytes);
+    void unbindBuffer();
     bool copyByOpenGl(const _ImageParam& result);
     bool copyFromBuffer(const _ImageParam& result);
 

@@ -14,6 +14,12 @@
 
 namespace keladjust::test {
 
+/// A fragment program that gives the negative of a picture.
+inline constexpr const char* invertProgram =
+    "uniform sampler2D Sample; varying vec2 textureCoord;"
+    "void main() { vec4 c = texture2D(Sample, textureCoord);"
+    " gl_FragColor = vec4(1.0 - c.rgb, c.a); }";
+
 /// The real engine, on the display that the test runs on.
 class RunningEngine : public testing::Test {
 protected:

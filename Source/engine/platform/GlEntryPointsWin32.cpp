@@ -5,7 +5,8 @@
 namespace keladjust::platform {
 
 void (*glEntryPoint(const char* name))() {
-    return reinterpret_cast<void (*)()>(wglGetProcAddress(name));
+    const auto found = reinterpret_cast<void (*)()>(wglGetProcAddress(name));
+    return isGlEntryPoint(reinterpret_cast<std::intptr_t>(found)) ? found : nullptr;
 }
 
 }  // namespace keladjust::platform
