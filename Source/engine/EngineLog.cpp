@@ -7,10 +7,10 @@
 
 namespace keladjust {
 
-void logMessage(const std::string& message) noexcept {
+void logMessage(std::string_view message) noexcept {
     try {
         Ogre::LogManager* log = Ogre::LogManager::getSingletonPtr();
-        if (log != nullptr) log->logMessage(message, Ogre::LML_NORMAL);
+        if (log != nullptr) log->logMessage(std::string(message), Ogre::LML_NORMAL);
     } catch (...) {
         // A line that cannot be written is not worth more than itself.
     }

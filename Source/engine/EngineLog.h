@@ -2,11 +2,13 @@
 #define KELADJUST_ENGINE_ENGINELOG_H
 
 #include <string>
+#include <string_view>
 
 namespace keladjust {
 
-/// Writes a line of the engine's normal level into its log; dropped while there is no log.
-void logMessage(const std::string& message) noexcept;
+/// Writes a line of the engine's normal level into its log; dropped while there is no log, or no
+/// memory for the line.
+void logMessage(std::string_view message) noexcept;
 
 /// Writes down the exception that is being handled, after what was being done.
 void logCurrentException(const char* occasion) noexcept;

@@ -6,9 +6,10 @@
 
 namespace keladjust {
 
-/// What an object of the library's is called in the engine: a prefix and a serial number.
+/// What an object of the library's is called in the engine: a prefix and a serial number, which is
+/// written with its sign: numbers have always been printed by "%d".
 inline std::string engineName(const char* prefix, std::uint32_t number) {
-    return prefix + std::to_string(number);
+    return prefix + std::to_string(static_cast<std::int32_t>(number));
 }
 
 }  // namespace keladjust

@@ -84,10 +84,16 @@ void KelOgreBase::teardown() {
     KelOgreBase* self = this;
     engineThatIsUp.compare_exchange_strong(self, nullptr);
     renderWindow_ = nullptr;
-    try {
-        root_.reset();
-    } catch (...) {
-        logCurrentException("The engine does not stop in order");
+    if (root_ != nullptr) {
+        try {
+            // The root's destructor does this, too, but an exception there would end the process.
+            root_->shutdown();
+            root_.reset();
+        } catch (...) {
+            logCurrentException("The engine does not stop in order");
+            // Lost rather than destroyed: a later start finds an engine that it did not make.
+            root_.release();
+        }
     }
     keladjust::platform::engineWindowClosed();
     log_.reset();

@@ -19,6 +19,7 @@
 #include "engine/PictureRows.h"
 
 using keladjust::engineName;
+using keladjust::logCurrentException;
 using keladjust::logMessage;
 
 namespace {
@@ -30,9 +31,7 @@ const std::string& resourceGroup() {
 }
 
 // Draws texels as they are: no light, no depth, no blending, nothing between them.
-Ogre::MaterialPtr createPlaneMaterial(const std::string& name) {
-    const Ogre::MaterialPtr material =
-        Ogre::MaterialManager::getSingleton().create(name, resourceGroup());
+void setUpPlaneMaterial(const Ogre::MaterialPtr& material) {
     material->setReceiveShadows(false);
     Ogre::Pass* pass = material->getTechnique(0)->getPass(0);
     pass->setLightingEnabled(false);
@@ -42,7 +41,6 @@ Ogre::MaterialPtr createPlaneMaterial(const std::string& name) {
     pass->setManualCullingMode(Ogre::MANUAL_CULL_NONE);
     pass->setSceneBlending(Ogre::SBT_REPLACE);
     pass->setFog(true);
-    return material;
 }
 
 bool isUnit(std::uint32_t unit) {
@@ -64,21 +62,25 @@ KelOgrePicturePlane::KelOgrePicturePlane(std::uint32_t renderSystemKind, bool pi
       name_(engineName("KelOgrePicturePlane_", number_)),
       materialName_(engineName("PlaneMaterialName_", number_)),
       rectangleName_(engineName("KelOgrePicturePlaneRectange_", number_)),
-      material_(createPlaneMaterial(materialName_)),
+      material_(materialName_),
       rectangle_(std::make_unique<Ogre::Rectangle2D>(rectangleName_, true)),
       pixelBufferSwitch_(pixelBufferSwitch),
       renderSystemKind_(renderSystemKind) {
+    setUpPlaneMaterial(material_.material);
     rectangle_->setCorners(-1.0f, 1.0f, 1.0f, -1.0f, false);
     // Whatever the camera, the rectangle is in sight.
     rectangle_->setBoundingBox(Ogre::AxisAlignedBox::BOX_INFINITE);
-    rectangle_->setMaterial(material_);
+    rectangle_->setMaterial(material_.material);
 }
 
 KelOgrePicturePlane::~KelOgrePicturePlane() {
-    KelOgrePicturePlane::detach();
-    rectangle_.reset();
-    removeTextures();
-    Ogre::MaterialManager::getSingleton().remove(material_->getHandle());
+    try {
+        KelOgrePicturePlane::detach();
+        rectangle_.reset();
+        removeTextures();
+    } catch (...) {
+        logCurrentException("The picture plane is not taken down in order");
+    }
 }
 
 std::uint32_t KelOgrePicturePlane::number() const {
@@ -94,7 +96,7 @@ const std::string& KelOgrePicturePlane::rectangleName() const {
     return rectangleName_;
 }
 const Ogre::MaterialPtr& KelOgrePicturePlane::material() const {
-    return material_;
+    return material_.material;
 }
 std::string KelOgrePicturePlane::textureName(std::uint32_t unit) const {
     return name_ + "_Texture" + std::to_string(unit);
@@ -170,9 +172,10 @@ bool KelOgrePicturePlane::setPictruePlaneImage(const _ImageParam& picture, std::
 }
 
 bool KelOgrePicturePlane::setTexture(const Ogre::TexturePtr& source, std::uint32_t unit) {
-    if (source->getWidth() == 0 || source->getHeight() == 0) raise("This texture's size is zero!");
-    if (source->getBuffer()->getSizeInBytes() == 0) {
+    const bool isSizeless = source->getWidth() == 0 || source->getHeight() == 0;
+    if (isSizeless || source->getBuffer()->getSizeInBytes() == 0) {
         logMessage("Image data is NULL!");
+        if (isSizeless) raise("This texture's size is zero!");
         return false;
     }
     if (!fitsTexture(source->getWidth(), source->getHeight()) || !isUnit(unit)) return false;
@@ -193,16 +196,23 @@ Ogre::TexturePtr KelOgrePicturePlane::createTexture(std::uint32_t unit, std::uin
                                                     Ogre::PixelFormat format) {
     // The old one goes first: a name stands for one texture.
     removeTexture(unit);
-    const Ogre::TexturePtr created = keladjust::createManualTexture(
-        textureName(unit), {width, height, depth, format}, Ogre::TU_DYNAMIC_WRITE_ONLY);
-    textures_[unit] = created;
-
-    Ogre::Pass* pass = material_->getTechnique(0)->getPass(0);
+    Ogre::Pass* pass = material_.material->getTechnique(0)->getPass(0);
     while (pass->getNumTextureUnitStates() <= unit) pass->createTextureUnitState();
     Ogre::TextureUnitState* state = pass->getTextureUnitState(static_cast<unsigned short>(unit));
     state->setTextureAddressingMode(Ogre::TAM_CLAMP);
     state->setTextureFiltering(Ogre::TFO_NONE);
-    state->setTexture(created);
+
+    // Its place in the table comes first: what is in the engine and not in the table is never
+    // removed.
+    Ogre::TexturePtr& created = textures_[unit];
+    try {
+        created = keladjust::createManualTexture(textureName(unit), {width, height, depth, format},
+                                                 Ogre::TU_DYNAMIC_WRITE_ONLY);
+        state->setTexture(created);
+    } catch (...) {
+        removeTexture(unit);
+        throw;
+    }
     return created;
 }
 
@@ -212,9 +222,20 @@ void KelOgrePicturePlane::removeTextures() {
 
 void KelOgrePicturePlane::removeTexture(std::uint32_t unit) {
     const Ogre::TexturePtr old = KelOgrePicturePlane::texture(unit);
-    if (old == nullptr) return;
-    Ogre::Pass* pass = material_->getTechnique(0)->getPass(0);
-    pass->getTextureUnitState(static_cast<unsigned short>(unit))->setBlank();
     textures_.erase(unit);
+    if (old == nullptr) return;
+    Ogre::Pass* pass = material_.material->getTechnique(0)->getPass(0);
+    pass->getTextureUnitState(static_cast<unsigned short>(unit))->setBlank();
     Ogre::TextureManager::getSingleton().remove(old->getHandle());
+}
+
+KelOgrePicturePlane::OwnMaterial::OwnMaterial(const std::string& name)
+    : material(Ogre::MaterialManager::getSingleton().create(name, resourceGroup())) {}
+
+KelOgrePicturePlane::OwnMaterial::~OwnMaterial() {
+    try {
+        Ogre::MaterialManager::getSingleton().remove(material->getHandle());
+    } catch (...) {
+        logCurrentException("The picture plane's material is not removed");
+    }
 }

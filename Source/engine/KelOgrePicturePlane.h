@@ -59,6 +59,16 @@ public:
     void removeTextures();
 
 private:
+    /// A material that the engine knows while this object lives.
+    struct OwnMaterial {
+        explicit OwnMaterial(const std::string& name);
+        ~OwnMaterial();
+        OwnMaterial(const OwnMaterial&) = delete;
+        OwnMaterial& operator=(const OwnMaterial&) = delete;
+
+        Ogre::MaterialPtr material;
+    };
+
     bool fitsTexture(std::uint32_t width, std::uint32_t height) const;
     Ogre::TexturePtr createTexture(std::uint32_t unit, std::uint32_t width, std::uint32_t height,
                                    std::uint32_t depth, Ogre::PixelFormat format);
@@ -68,7 +78,7 @@ private:
     const std::string name_;
     const std::string materialName_;
     const std::string rectangleName_;
-    Ogre::MaterialPtr material_;
+    OwnMaterial material_;
     std::unique_ptr<Ogre::Rectangle2D> rectangle_;
     std::map<std::uint32_t, Ogre::TexturePtr> textures_;
     std::uint32_t width_ = 0;

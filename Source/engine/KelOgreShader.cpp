@@ -291,10 +291,16 @@ Ogre::HighLevelGpuProgramPtr KelOgreShader::createProgram(Ogre::GpuProgramType t
     Ogre::HighLevelGpuProgramPtr created = programs.getByName(name, group);
     if (created != nullptr) return created;
     created = programs.createProgram(name, group, usesHlsl() ? "hlsl" : "glsl", type);
-    if (fromSource != 0) {
-        created->setSource(textOrFile);
-    } else {
-        created->setSourceFile(textOrFile);
+    try {
+        if (fromSource != 0) {
+            created->setSource(textOrFile);
+        } else {
+            created->setSourceFile(textOrFile);
+        }
+    } catch (...) {
+        // Found by its name, it would be taken for the program that it is not.
+        programs.remove(created->getHandle());
+        throw;
     }
     return created;
 }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <new>
 #include <vector>
 
 #include "filters/Stage.h"
@@ -23,7 +24,29 @@ public:
     /// Renders the picture with the uniforms of a program, after some of the picture's own.
     /// @return false, and why, if it was not rendered and is as it was
     bool render(GpuEffect effect, Program program, std::initializer_list<EngineInt> ofPicture,
-                EngineReason& reason) const {
+                EngineReason& reason) const noexcept {
+        try {
+            return tryToRender(effect, program, ofPicture, reason);
+        } catch (const std::bad_alloc&) {
+            // The later stages may need less.
+            reason.set("memory is short");
+            return false;
+        }
+    }
+
+    bool renderTones(EngineReason& reason) const {
+        return render(basicAdjustEffect, Program::tone, {}, reason);
+    }
+    bool renderRanges(EngineReason& reason) const {
+        return render(rangeEffect, Program::range,
+                      {{"imageWidth", static_cast<std::int32_t>(image_.GetWidth())},
+                       {"imageHeight", static_cast<std::int32_t>(image_.GetHeight())}},
+                      reason);
+    }
+
+private:
+    bool tryToRender(GpuEffect effect, Program program, std::initializer_list<EngineInt> ofPicture,
+                     EngineReason& reason) const {
         // A render may have found the window closed: the engine is down then, effects and all.
         if (!engine_.isRunning()) {
             reason.set("The engine has stopped");
@@ -45,17 +68,6 @@ public:
             reason);
     }
 
-    bool renderTones(EngineReason& reason) const {
-        return render(basicAdjustEffect, Program::tone, {}, reason);
-    }
-    bool renderRanges(EngineReason& reason) const {
-        return render(rangeEffect, Program::range,
-                      {{"imageWidth", static_cast<std::int32_t>(image_.GetWidth())},
-                       {"imageHeight", static_cast<std::int32_t>(image_.GetHeight())}},
-                      reason);
-    }
-
-private:
     const GpuEngine& engine_;
     CxImage& image_;
     const _AdjustParam& record_;
