@@ -11,17 +11,9 @@
 #include <string>
 
 #include "support/HostPicture.h"
+#include "support/StageSettings.h"
 
 namespace keladjust::test {
-
-/// Settings that change every picture.
-inline _AdjustParam someSettings() {
-    _AdjustParam p{};
-    p.temperature = 11500;
-    p.exposure = 30;
-    p.range[KELADJUST_RANGE_RED] = {330, 30, 10, 20, -10};
-    return p;
-}
 
 /// The engine, whatever display it finds.
 class Display : public testing::Test {

@@ -22,6 +22,16 @@ inline constexpr _AdjustParam identity = [] {
     return settings;
 }();
 
+/// Settings that change every picture, with either program of the engine's and between them.
+inline _AdjustParam someSettings() {
+    _AdjustParam p = identity;
+    p.exposure = 30;
+    p.saturation = 20;
+    p.range[KELADJUST_RANGE_RED] = {330, 30, 10, 20, -10};
+    p.clarity = 10;
+    return p;
+}
+
 /// A record of settings with a name to report it by.
 struct NamedSettings {
     std::string name;
