@@ -25,10 +25,12 @@ add_library(keladjust_engine_objects OBJECT
     engine/SoftwareRenderer.cpp)
 if(WIN32)
     target_sources(keladjust_engine_objects PRIVATE
-        engine/platform/EngineWindowWin32.cpp engine/platform/GlEntryPointsWin32.cpp)
+        engine/platform/EngineWindowWin32.cpp engine/platform/GlEntryPointsWin32.cpp
+        engine/platform/MessageWaitWin32.cpp)
 else()
     target_sources(keladjust_engine_objects PRIVATE
-        engine/platform/EngineWindowX11.cpp engine/platform/GlEntryPointsX11.cpp)
+        engine/platform/EngineWindowX11.cpp engine/platform/GlEntryPointsX11.cpp
+        engine/platform/MessageWaitX11.cpp)
 endif()
 keladjust_embed_program(keladjust_engine_objects defaultVertexGlsl DefaultVertex.glsl)
 keladjust_embed_program(keladjust_engine_objects defaultFragmentGlsl DefaultFragment.glsl)

@@ -16,9 +16,12 @@
 #include "engine/MyCSingleLock.h"
 #include "engine/PictureFile.h"
 #include "engine/RenderTiming.h"
+#include "engine/platform/MessageWait.h"
 #include "platform/Clock.h"
 #include "platform/Event.h"
+#include "platform/FloatingPoint.h"
 #include "platform/ModuleReference.h"
+#include "platform/SignalsBlocked.h"
 
 using keladjust::logCurrentException;
 using keladjust::logMessage;
@@ -45,6 +48,17 @@ enum Command : std::uint32_t {
     commandIdle = 8,
     commandDeleteAllAndStop = 9,
 };
+
+// A thread that has of the host's state neither the signals nor the floating-point environment,
+// both of which threads inherit, as do those that the graphics driver starts from this one.
+template <class Work>
+std::thread startOnItsOwn(Work work) {
+    const keladjust::platform::SignalsBlocked blocked;
+    return std::thread([work = std::move(work)] {
+        const keladjust::platform::DefaultFloatingPoint scope;
+        work();
+    });
+}
 
 // Without what a command is about, there is a line in the log and no command.
 bool given(const void* subject, const char* lineIfNot) {
@@ -83,18 +97,18 @@ struct KelOgreRenderThread::Request {
 /// The thread and all that belongs to it. One exists in the process at most; what the request and
 /// done events hand to and fro needs no further lock.
 struct KelOgreRenderThread::Thread {
-    explicit Thread(const KelOgreRenderThread* owningObject) : owner(owningObject) {}
+    explicit Thread(std::atomic<const KelOgreBase*>& running) : runningEngine(running) {}
 
     std::uint32_t threadFunc(const KelOgreBase::Start& start, EngineMaker makeEngine);
     bool run(std::uint32_t command);
 
     static std::atomic<Thread*> single;
 
-    const KelOgreRenderThread* const owner;
+    /// The owner's.
+    std::atomic<const KelOgreBase*>& runningEngine;
     Request request;
     keladjust::platform::Event requested;
     keladjust::platform::Event done;
-    std::atomic<bool> engineInitialised{false};
     std::string whyNotStarted;
     /// Copied from the effect that ran last.
     bool stopFlag = false;
@@ -127,16 +141,15 @@ constinit std::atomic<KelOgreRenderThread::Thread*> KelOgreRenderThread::Thread:
 std::uint32_t KelOgreRenderThread::Thread::threadFunc(const KelOgreBase::Start& start,
                                                       EngineMaker makeEngine) {
     if (!bringUp(start, makeEngine)) {
-        engineInitialised = false;
         logMessage("Initialze Ogre failed!");
         engine.reset();
         done.signal();
         return startFailed;
     }
-    engineInitialised = true;
+    runningEngine = engine.get();
     done.signal();
     while (true) {
-        requested.wait();
+        keladjust::platform::waitAnsweringMessages(requested);
         try {
             request.succeeded = runCommand();
         } catch (...) {
@@ -173,7 +186,7 @@ bool KelOgreRenderThread::Thread::bringUp(const KelOgreBase::Start& start, Engin
 }
 
 void KelOgreRenderThread::Thread::takeDown() {
-    engineInitialised = false;
+    runningEngine = nullptr;
     picture.reset();
     engine.reset();
 }
@@ -338,13 +351,11 @@ KelOgreRenderThread::KelOgreRenderThread(const char* firstPath, const char* seco
       logPath_(logPath != nullptr ? logPath : ""),
       renderSystemKind_(renderSystemKind),
       makeEngine_(makeEngine) {
-    keladjust::platform::initializeCriticalSection(&requestLock_);
     startThread({firstPath_, secondPath_, logPath_, renderSystemKind_});
 }
 
 KelOgreRenderThread::~KelOgreRenderThread() {
-    if (thread() != nullptr) stop();
-    keladjust::platform::deleteCriticalSection(&requestLock_);
+    stop();
 }
 
 std::unique_ptr<KelOgreBase> KelOgreRenderThread::makeKelOgreBase(const KelOgreBase::Start& start) {
@@ -352,7 +363,7 @@ std::unique_ptr<KelOgreBase> KelOgreRenderThread::makeKelOgreBase(const KelOgreB
 }
 
 void KelOgreRenderThread::startThread(const KelOgreBase::Start& start) {
-    auto made = std::make_unique<Thread>(this);
+    auto made = std::make_unique<Thread>(runningEngine_);
     Thread* none = nullptr;
     if (!Thread::single.compare_exchange_strong(none, made.get())) return;
     // From here on the process-wide pointer owns it: a host that ends without stopping the engine
@@ -360,27 +371,24 @@ void KelOgreRenderThread::startThread(const KelOgreBase::Start& start) {
     Thread* const thread = made.release();
     try {
         thread->handle =
-            std::thread([thread, start, make = makeEngine_] { thread->threadFunc(start, make); });
+            startOnItsOwn([thread, start, make = makeEngine_] { thread->threadFunc(start, make); });
         thread->done.wait();
     } catch (...) {
         // No thread to be had, or no memory for one: as if the engine had failed to start.
         thread->whyNotStarted = keladjust::currentExceptionText();
     }
-    if (thread->engineInitialised) return;
+    if (runningEngine_ != nullptr) {
+        thread_ = thread;
+        return;
+    }
     whyNotStarted_ = std::move(thread->whyNotStarted);
     stopThread(thread);
-}
-
-KelOgreRenderThread::Thread* KelOgreRenderThread::thread() const {
-    Thread* const thread = Thread::single;
-    return thread != nullptr && thread->owner == this ? thread : nullptr;
 }
 
 // The thread if it takes commands. After the loop has ended by itself it is still there, to be
 // joined by stop(), but takes none.
 KelOgreRenderThread::Thread* KelOgreRenderThread::runningThread() const {
-    Thread* const owned = thread();
-    if (owned != nullptr && owned->engineInitialised) return owned;
+    if (runningEngine_ != nullptr) return thread_;
     logMessage("Ogre Thread is null!");
     return nullptr;
 }
@@ -392,13 +400,11 @@ void KelOgreRenderThread::stopThread(Thread* thread) {
 }
 
 bool KelOgreRenderThread::isEngineInitialised() const {
-    const Thread* const owned = thread();
-    return owned != nullptr && owned->engineInitialised;
+    return runningEngine_ != nullptr;
 }
 
 const KelOgreBase* KelOgreRenderThread::engine() const {
-    const Thread* const owned = thread();
-    return owned != nullptr && owned->engineInitialised ? owned->engine.get() : nullptr;
+    return runningEngine_;
 }
 
 // What all commands have in common: under the request lock, `setUp` fills the request in, or says
@@ -420,7 +426,7 @@ KelEffectBase* KelOgreRenderThread::createEffect(const char* className) {
         std::snprintf(request.className, sizeof request.className, "%s", className);
         return true;
     });
-    return created != 0 ? thread()->effects.back().get() : nullptr;
+    return created != 0 ? thread_->effects.back().get() : nullptr;
 }
 
 int KelOgreRenderThread::getMaterial(KelEffectBase* effect) {
@@ -448,7 +454,7 @@ int KelOgreRenderThread::loadPicture(const char* path, const PictureReader& read
 
 const Ogre::Image* KelOgreRenderThread::loadPicture(const char* path) {
     MyCSingleLock lock(&requestLock_);
-    return loadPicture(path, nullptr) != 0 ? thread()->picture.get() : nullptr;
+    return loadPicture(path, nullptr) != 0 ? thread_->picture.get() : nullptr;
 }
 
 int KelOgreRenderThread::storePicture(const char* path, const unsigned char* pixels,
@@ -502,9 +508,8 @@ int KelOgreRenderThread::removeEffect(KelEffectBase* effect, bool all) {
 
 int KelOgreRenderThread::stop() {
     MyCSingleLock lock(&requestLock_);
-    Thread* const owned = thread();
-    if (owned == nullptr) return 0;
-    if (owned->engineInitialised) owned->run(commandDeleteAllAndStop);
-    stopThread(owned);
+    if (thread_ == nullptr) return 0;
+    if (runningEngine_ != nullptr) thread_->run(commandDeleteAllAndStop);
+    stopThread(std::exchange(thread_, nullptr));
     return 1;
 }

@@ -1,6 +1,7 @@
 #ifndef KELADJUST_ENGINE_KELOGRERENDERTHREAD_H
 #define KELADJUST_ENGINE_KELOGRERENDERTHREAD_H
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -85,14 +86,26 @@ private:
     struct Thread;
     struct Request;
 
+    /// The lock of this object, given back whether or not the rest of it could be made.
+    struct RequestLock : keladjust::platform::CriticalSection {
+        RequestLock() { keladjust::platform::initializeCriticalSection(this); }
+        ~RequestLock() { keladjust::platform::deleteCriticalSection(this); }
+        RequestLock(const RequestLock&) = delete;
+        RequestLock& operator=(const RequestLock&) = delete;
+    };
+
     void startThread(const KelOgreBase::Start& start);
-    Thread* thread() const;
     Thread* runningThread() const;
     template <class SetUp>
     int post(std::uint32_t command, SetUp setUp);
     void stopThread(Thread* thread);
 
-    keladjust::platform::CriticalSection requestLock_;
+    RequestLock requestLock_;
+    /// Of this object; null while it has none. Touched under the request lock only.
+    Thread* thread_ = nullptr;
+    /// From the start of the engine until its thread leaves its loop, else null. Asked without the
+    /// lock, which is held while a command runs.
+    std::atomic<const KelOgreBase*> runningEngine_{nullptr};
     std::string firstPath_;
     std::string secondPath_;
     std::string logPath_;

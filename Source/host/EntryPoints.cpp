@@ -17,6 +17,7 @@
 #include "host/Pipeline.h"
 #include "lut/LibraryLut.h"
 #include "platform/Event.h"
+#include "platform/FloatingPoint.h"
 #include "platform/Parallel.h"
 
 using keladjust::BusyLock;
@@ -38,6 +39,8 @@ void createBusyEvent(LibraryState& state) {
 bool startEngine(const char* resourcePrefix, const char* pluginPrefix) {
     LibraryState& state = libraryState();
     const std::lock_guard life(state.life);
+    // What the engine and its driver compute as they are loaded is theirs, too.
+    const keladjust::platform::DefaultFloatingPoint scope;
     // The colour table needs no engine: it is there even if the engine does not come up.
     keladjust::buildLibraryLut();
     if (state.gpu.isRunning()) return true;
@@ -68,6 +71,7 @@ void releaseOgre() {
     LibraryState& state = libraryState();
     const std::lock_guard life(state.life);
     const BusyLock busy;
+    const keladjust::platform::DefaultFloatingPoint scope;
     keladjust::destroyLibraryLut();
     state.setBusyEvent(nullptr);
     keladjust::stopGpuEngine(state.gpu);

@@ -16,6 +16,10 @@ public:
     void signal();
     /// Waits without time limit.
     void wait();
+#if defined(_WIN32)
+    /// For waits for more than the event.
+    void* systemHandle() const;
+#endif
 
 private:
     struct Handle;

@@ -27,4 +27,8 @@ void Event::wait() {
     WaitForSingleObject(handle_->event, INFINITE);
 }
 
+void* Event::systemHandle() const {
+    return handle_->event;
+}
+
 }  // namespace keladjust::platform

@@ -11,6 +11,7 @@
 
 #include "platform/CallScope.h"
 #include "platform/FloatingPoint.h"
+#include "platform/SignalsBlocked.h"
 
 namespace keladjust::platform {
 
@@ -104,6 +105,7 @@ void runBands(std::size_t count, std::size_t bands, BandWork work) {
     try {
         for (; started < std::min(bands, mostThreads); ++started) {
             helpers.begin();
+            const SignalsBlocked blocked;
             workers[started] = std::thread(help, started);
         }
     } catch (...) {
