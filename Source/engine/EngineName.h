@@ -6,9 +6,10 @@
 
 namespace keladjust {
 
-/// What an object of the library's is called in the engine: a prefix and a serial number.
+/// What an object of the library's is called in the engine: a prefix and a serial number, which is
+/// signed in names.
 inline std::string engineName(const char* prefix, std::uint32_t number) {
-    return prefix + std::to_string(number);
+    return prefix + std::to_string(static_cast<std::int32_t>(number));
 }
 
 }  // namespace keladjust

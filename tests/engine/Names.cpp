@@ -10,7 +10,9 @@ namespace {
 
 TEST(EngineName, IsPrefixAndNumber) {
     EXPECT_EQ(keladjust::engineName("PlayerCam_", 0), "PlayerCam_0");
-    EXPECT_EQ(keladjust::engineName("RttTex", 4294967295u), "RttTex4294967295");
+    EXPECT_EQ(keladjust::engineName("RttTex", 2147483647u), "RttTex2147483647");
+    EXPECT_EQ(keladjust::engineName("RttTex", 2147483648u), "RttTex-2147483648");
+    EXPECT_EQ(keladjust::engineName("RttTex", 4294967295u), "RttTex-1");
 }
 
 TEST(Md5, GivesThePublishedDigests) {
