@@ -14,6 +14,15 @@
 
 namespace keladjust::test {
 
+/// Programs whose results are known: the picture as it is, and its negative.
+inline constexpr const char* copyProgram =
+    "uniform sampler2D Sample; varying vec2 textureCoord;"
+    "void main() { gl_FragColor = texture2D(Sample, textureCoord); }";
+inline constexpr const char* invertProgram =
+    "uniform sampler2D Sample; varying vec2 textureCoord;"
+    "void main() { vec4 c = texture2D(Sample, textureCoord);"
+    " gl_FragColor = vec4(1.0 - c.rgb, c.a); }";
+
 /// The real engine, on the display that the test runs on.
 class RunningEngine : public testing::Test {
 protected:
