@@ -170,9 +170,10 @@ bool KelOgrePicturePlane::setPictruePlaneImage(const _ImageParam& picture, std::
 }
 
 bool KelOgrePicturePlane::setTexture(const Ogre::TexturePtr& source, std::uint32_t unit) {
-    if (source->getWidth() == 0 || source->getHeight() == 0) raise("This texture's size is zero!");
-    if (source->getBuffer()->getSizeInBytes() == 0) {
+    const bool hasSize = source->getWidth() != 0 && source->getHeight() != 0;
+    if (!hasSize || source->getBuffer()->getSizeInBytes() == 0) {
         logMessage("Image data is NULL!");
+        if (!hasSize) raise("This texture's size is zero!");
         return false;
     }
     if (!fitsTexture(source->getWidth(), source->getHeight()) || !isUnit(unit)) return false;
