@@ -78,7 +78,7 @@ protected:
         } catch (const Ogre::InvalidParametersException& raised) {
             EXPECT_EQ(raised.getDescription(), message);
             EXPECT_EQ(raised.getSource(), "KelOgrePicturePlane::setPictruePlaneImage");
-            EXPECT_EQ(raised.getFile(), "KelOgrePicturePlane");
+            EXPECT_STREQ(raised.getFile(), "KelOgrePicturePlane");
         }
     }
 
