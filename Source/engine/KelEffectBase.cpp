@@ -20,14 +20,13 @@ std::size_t rowBytesOf(std::uint32_t width, Ogre::PixelFormat format) {
 
 bool fitsTexture(std::uint32_t width, std::uint32_t height) {
     const std::uint32_t maximum = KelOgreBase::maximumTextureSize();
-    const std::string limit =
-        " is large max texture size" + std::to_string(maximum) + "of supported";
+    const std::string limit = std::to_string(maximum) + "of supported";
     if (width > maximum) {
-        logMessage("Picture width" + limit);
+        logMessage("Picture width is large max texture size" + limit);
         return false;
     }
     if (height > maximum) {
-        logMessage("Picture height" + limit);
+        logMessage("Picture height is large max texture size" + limit);
         return false;
     }
     return true;

@@ -159,9 +159,10 @@ void KelOgreShader::setConstant(std::int32_t isFragment, const std::string& name
                                 const std::function<void(Parameters&)>& set) {
     const Ogre::HighLevelGpuProgramPtr& target = program(isFragment);
     if (target == nullptr) {
-        const std::string kind = isFragment != 0 ? "fragment" : "vertex";
-        logMessage("You don't create " + kind +
-                   " program. Please call setShaderProgram function to load.");
+        logMessage(isFragment != 0 ? "You don't create fragment program. Please call "
+                                     "setShaderProgram function to load."
+                                   : "You don't create vertex program. Please call "
+                                     "setShaderProgram function to load.");
         return;
     }
     const Ogre::GpuProgramParametersSharedPtr& defaults = target->getDefaultParameters();

@@ -418,8 +418,8 @@ KELADJUST_API CxImage* whiteBalanceAdjustment(CxImage* image, float amount);
 /**
  * A strip of black-body colours: column i has the colour of 30000 - 100 i kelvin.
  *
- * @return a 24-bit BGR image for releaseCxImage(), empty if a size is below 1; null only if memory
- *         is short
+ * @return a 24-bit BGR image for releaseCxImage(), empty if a size is below 1 or memory is too
+ * short for its pixels; null only if it is too short for the image itself
  */
 KELADJUST_API CxImage* createTemperateColor(int width, int height);
 

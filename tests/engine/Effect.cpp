@@ -23,15 +23,13 @@
 
 namespace {
 
+using keladjust::test::copyProgram;
 using keladjust::test::HostPicture;
 using keladjust::test::invertProgram;
 using keladjust::test::PixelFormat;
 using keladjust::test::RunningEngine;
 using Bytes = std::vector<std::uint8_t>;
 
-constexpr const char* copyProgram =
-    "uniform sampler2D Sample; varying vec2 textureCoord;"
-    "void main() { gl_FragColor = texture2D(Sample, textureCoord); }";
 constexpr PixelFormat renderableFormats[] = {
     {8, IMAGE_FORMAT_GRAY},  {24, IMAGE_FORMAT_RGB},  {24, IMAGE_FORMAT_BGR},
     {32, IMAGE_FORMAT_RGBA}, {32, IMAGE_FORMAT_BGRA},

@@ -1,21 +1,29 @@
-// A plugin under the name of the Direct3D 9 render system that draws nothing and writes what it is
-// told into the engine's log. It shows what the library asks of that render system where there is
-// none.
+// A plugin under the name of the Direct3D 9 render system that writes what it is told into the
+// engine's log. Whatever is drawn comes out as the negative of the texture it is drawn with. It
+// shows what the library asks of that render system where there is none.
 
 #include <OgreBlendMode.h>
 #include <OgreDefaultHardwareBufferManager.h>
 #include <OgreDepthBuffer.h>
+#include <OgreGpuProgramManager.h>
 #include <OgreLogManager.h>
 #include <OgrePlugin.h>
 #include <OgreRenderSystem.h>
 #include <OgreRenderSystemCapabilities.h>
 #include <OgreRenderWindow.h>
 #include <OgreRoot.h>
-#include <OgreTextureManager.h>
+#include <OgreViewport.h>
 
 #include <memory>
+#include <vector>
+
+#include "engine/NotedProgram.h"
+#include "engine/RecordingTextures.h"
 
 namespace {
+
+using keladjust::test::MemoryTextureManager;
+using keladjust::test::NotedProgramFactory;
 
 void note(const Ogre::String& line) {
     Ogre::LogManager::getSingleton().logMessage("recorded: " + line);
@@ -76,6 +84,7 @@ public:
         capabilities->setDriverVersion(version);
         capabilities->setVendor(Ogre::GPU_INTEL);
         capabilities->setCapability(Ogre::RSC_PBUFFER);
+        capabilities->setNumTextureUnits(8);
         return capabilities;
     }
     Ogre::RenderWindow* _createRenderWindow(const Ogre::String& name, unsigned width,
@@ -85,11 +94,53 @@ public:
         auto* window = new RecordingWindow(name, width, height);
         attachRenderTarget(*window);
         buffers_ = std::make_unique<Ogre::DefaultHardwareBufferManager>();
+        textures_ = std::make_unique<MemoryTextureManager>();
+        programs_ = std::make_unique<Ogre::GpuProgramManager>();
+        Ogre::HighLevelGpuProgramManager::getSingleton().addFactory(&hlsl_);
         return window;
     }
     void shutdown() override {
+        texture_.reset();
         Ogre::RenderSystem::shutdown();
+        if (programs_ == nullptr) return;
+        Ogre::HighLevelGpuProgramManager::getSingleton().removeAll();
+        Ogre::HighLevelGpuProgramManager::getSingleton().removeFactory(&hlsl_);
+        programs_.reset();
+        textures_.reset();
         buffers_.reset();
+    }
+
+    void _setTexture(std::size_t unit, bool enabled, const Ogre::TexturePtr& texture) override {
+        if (unit == 0) texture_ = enabled ? texture : nullptr;
+    }
+    void _setRenderTarget(Ogre::RenderTarget* target) override { mActiveRenderTarget = target; }
+    void _setViewport(Ogre::Viewport* viewport) override {
+        mActiveViewport = viewport;
+        if (viewport != nullptr) _setRenderTarget(viewport->getTarget());
+    }
+    void bindGpuProgram(Ogre::GpuProgram* program) override {
+        note("program " + program->getName() + ", " + program->getParameter("target") + ", " +
+             program->getParameter("entry_point"));
+        Ogre::RenderSystem::bindGpuProgram(program);
+    }
+    void _render(const Ogre::RenderOperation& operation) override {
+        Ogre::RenderSystem::_render(operation);
+        note("draws " + texture_->getName() + " on " + mActiveRenderTarget->getName());
+        const auto& source = texture_->getBuffer();
+        const Ogre::uint32 width = source->getWidth();
+        const Ogre::uint32 height = source->getHeight();
+        std::vector<unsigned char> colours(std::size_t{width} * height * 4);
+        const Ogre::PixelBox box(width, height, 1, Ogre::PF_A8R8G8B8, colours.data());
+        source->blitToMemory(box);
+        for (std::size_t i = 0; i < colours.size(); ++i) {
+            const bool isAlpha = i % 4 == 3;
+            if (!isAlpha) colours[i] = static_cast<unsigned char>(255 - colours[i]);
+        }
+        Ogre::TextureManager::getSingleton()
+            .getByName(mActiveRenderTarget->getName(),
+                       Ogre::ResourceGroupManager::DEFAULT_RESOURCE_GROUP_NAME)
+            ->getBuffer()
+            ->blitFromMemory(box);
     }
 
     void initialiseFromRenderSystemCapabilities(Ogre::RenderSystemCapabilities*,
@@ -100,11 +151,9 @@ public:
     }
     Ogre::DepthBuffer* _createDepthBufferFor(Ogre::RenderTarget*) override { return nullptr; }
     void _setSampler(std::size_t, Ogre::Sampler&) override {}
-    void _setTexture(std::size_t, bool, const Ogre::TexturePtr&) override {}
     void setColourBlendState(const Ogre::ColourBlendState&) override {}
     void _setAlphaRejectSettings(Ogre::CompareFunction, unsigned char, bool) override {}
     void _endFrame() override {}
-    void _setViewport(Ogre::Viewport*) override {}
     void _setCullingMode(Ogre::CullingMode) override {}
     void _setDepthBufferParams(bool, bool, Ogre::CompareFunction) override {}
     void _setDepthBufferCheckEnabled(bool) override {}
@@ -128,13 +177,17 @@ public:
     Ogre::Real getVerticalTexelOffset() override { return 0; }
     Ogre::Real getMinimumDepthInputValue() override { return 0; }
     Ogre::Real getMaximumDepthInputValue() override { return 1; }
-    void _setRenderTarget(Ogre::RenderTarget*) override {}
     void beginProfileEvent(const Ogre::String&) override {}
     void endProfileEvent() override {}
     void markProfileEvent(const Ogre::String&) override {}
 
 private:
+    NotedProgramFactory hlsl_;
     std::unique_ptr<Ogre::DefaultHardwareBufferManager> buffers_;
+    std::unique_ptr<MemoryTextureManager> textures_;
+    std::unique_ptr<Ogre::GpuProgramManager> programs_;
+    /// What is drawn with.
+    Ogre::TexturePtr texture_;
 };
 
 class RecordingPlugin : public Ogre::Plugin {

@@ -14,7 +14,10 @@
 
 namespace keladjust::test {
 
-/// A fragment program that gives the negative of a picture.
+/// Programs whose results are known: the picture as it is, and its negative.
+inline constexpr const char* copyProgram =
+    "uniform sampler2D Sample; varying vec2 textureCoord;"
+    "void main() { gl_FragColor = texture2D(Sample, textureCoord); }";
 inline constexpr const char* invertProgram =
     "uniform sampler2D Sample; varying vec2 textureCoord;"
     "void main() { vec4 c = texture2D(Sample, textureCoord);"

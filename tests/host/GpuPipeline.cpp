@@ -76,9 +76,9 @@ class GpuPipeline : public testing::Test {
 protected:
     GpuPipeline() {
         StubEngine::nextStart = StubEngine::Start::succeeds;
-        keladjust::EngineReason reason;
+        keladjust::EngineReason refusal;
         const char* const programs[] = {"", "", ""};
-        EXPECT_TRUE(module.start({nullptr, nullptr, nullptr, programs, 3}, reason)) << reason.text;
+        EXPECT_TRUE(module.start({nullptr, nullptr, nullptr, programs, 3}, refusal)) << refusal.text;
         basic = effect(keladjust::basicAdjustEffect);
         range = effect(keladjust::rangeEffect);
         lens = effect(keladjust::lensEffect);

@@ -1,0 +1,72 @@
+#ifndef KELADJUST_TESTS_ALLOCATION_ALLOCATIONS_H
+#define KELADJUST_TESTS_ALLOCATION_ALLOCATIONS_H
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <string>
+
+/// The process's memory, of which a test can have there be too little. Linked in, this replaces the
+/// functions of the C library that operator new, too, gets its memory from.
+namespace keladjust::test {
+
+/// How many allocations have not been freed.
+std::ptrdiff_t liveAllocations();
+
+/// How memory ends: for one allocation alone, or for all that follow it, too.
+enum class Shortage { once, forGood };
+
+/// Has the allocation after the first `allowed` fail while it lives, on whichever thread.
+class AllocationFault {
+public:
+    AllocationFault(std::size_t allowed, Shortage shortage);
+    ~AllocationFault();
+    AllocationFault(const AllocationFault&) = delete;
+    AllocationFault& operator=(const AllocationFault&) = delete;
+
+    /// True once an allocation has failed.
+    static bool struck();
+};
+
+/// Makes a call over and over, each time short of another allocation, until there is none left that
+/// could fail. Nothing must be lost, and the next call must be as good as any.
+/// @param make gives a fresh object with call(), during which memory is short, and check(struck),
+///             which looks at the outcome; if nothing was short that is the whole one
+template <class Make>
+void withEveryFault(const std::string& what, Make make) {
+    const auto callWhole = [&make] {
+        auto whole = make();
+        whole.call();
+        whole.check(false);
+    };
+    callWhole();  // what is kept from the first call on is there now
+    for (const Shortage shortage : {Shortage::once, Shortage::forGood}) {
+        bool struck = true;
+        for (std::size_t allowed = 0; struck; ++allowed) {
+            constexpr std::size_t more = 5000;
+            ASSERT_LT(allowed, more) << what << " never ends";
+            const std::ptrdiff_t before = liveAllocations();
+            {
+                auto tried = make();
+                {
+                    const AllocationFault fault(allowed, shortage);
+                    tried.call();
+                    struck = AllocationFault::struck();
+                }
+                tried.check(struck);
+            }
+            EXPECT_EQ(liveAllocations(), before)
+                << what << " loses memory when short of allocation " << allowed
+                << (shortage == Shortage::once ? " alone" : " and all that follow");
+            if (testing::Test::HasFailure()) {
+                FAIL() << what << ", allocation " << allowed
+                       << (shortage == Shortage::once ? " alone" : " and all that follow");
+            }
+            callWhole();
+        }
+    }
+}
+
+}  // namespace keladjust::test
+
+#endif
