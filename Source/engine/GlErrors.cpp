@@ -4,16 +4,19 @@
 
 namespace keladjust {
 
-bool ranOutOfMemory() {
+DriverState takeDriverState() {
     // Without a working context there is no end of them.
     constexpr int manyErrors = 16;
-    bool ranOut = false;
+    // Of ARB_robustness, which the headers of some systems lack.
+    constexpr GLenum contextLost = 0x0507;
+    DriverState state = DriverState::fine;
     for (int i = 0; i < manyErrors; ++i) {
         const GLenum error = glGetError();
         if (error == GL_NO_ERROR) break;
-        ranOut = ranOut || error == GL_OUT_OF_MEMORY;
+        if (error == contextLost) return DriverState::contextLost;
+        if (error == GL_OUT_OF_MEMORY) state = DriverState::outOfMemory;
     }
-    return ranOut;
+    return state;
 }
 
 }  // namespace keladjust

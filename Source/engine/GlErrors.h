@@ -3,9 +3,13 @@
 
 namespace keladjust {
 
-/// Takes all pending errors of OpenGL and tells whether memory ran out among them. Errors that
-/// others have left behind are not ours.
-bool ranOutOfMemory();
+/// What happened to the driver since it was last asked. From either of the failures on, nothing
+/// that it delivers means anything.
+enum class DriverState { fine, outOfMemory, contextLost };
+
+/// Takes all pending errors of OpenGL. Others than these failures are not looked at: the engine, or
+/// a host with a context of its own, may have left them behind.
+DriverState takeDriverState();
 
 }  // namespace keladjust
 

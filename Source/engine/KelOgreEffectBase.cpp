@@ -29,7 +29,6 @@
 using keladjust::engineName;
 using keladjust::logCurrentException;
 using keladjust::logMessage;
-using keladjust::ranOutOfMemory;
 
 namespace {
 
@@ -56,7 +55,8 @@ private:
 
 }  // namespace
 
-KelOgreEffectBase::KelOgreEffectBase() : number_(++effectsMade), engine_(KelOgreBase::current()) {
+KelOgreEffectBase::KelOgreEffectBase()
+    : number_(++effectsMade), engine_(KelOgreBase::current()), readBack_(usesOpenGl()) {
     chooseReadBackMode();
 }
 
@@ -97,7 +97,6 @@ void KelOgreEffectBase::process(unsigned char* outputBuffer, unsigned char* inpu
 const char* KelOgreEffectBase::runPass(unsigned char* outputBuffer, unsigned char* inputPixels,
                                        std::uint32_t bytesPerPixel) {
     constexpr const char* windowIsClosed = "The engine's window has been closed";
-    constexpr const char* outOfMemory = "The graphics driver is out of memory";
     if (!prepareScene()) return "The engine is not up";
     // Before anything is asked of the driver: on some systems a window takes its context along.
     if (!KelOgreEffectBase::frameStarted(Ogre::FrameEvent())) return windowIsClosed;
@@ -109,15 +108,15 @@ const char* KelOgreEffectBase::runPass(unsigned char* outputBuffer, unsigned cha
     }
     buildPrograms();
     if (getMaterial() == nullptr) return "The effect's program does not compile";
-    if (usesOpenGl()) ranOutOfMemory();
+    if (usesOpenGl()) keladjust::takeDriverState();
     if (sizeChanged_ || renderTexture_ == nullptr || camera_ == nullptr) {
         if (!resizeScene(outputBuffer)) return "There is no render texture of that size";
     }
     if (!uploadInputs()) return "The picture cannot be uploaded";
-    if (driverLacksMemory()) return outOfMemory;
+    if (const char* const failure = driverFailure()) return failure;
     applyParameters();
     if (!renderOneFrame()) return stopped_ ? windowIsClosed : "The programs do not link";
-    if (driverLacksMemory()) return outOfMemory;
+    if (const char* const failure = driverFailure()) return failure;
     output_.data = outputBuffer;
     output_.changed = true;
     readResult(&output_, inputPixels, bytesPerPixel);
@@ -125,11 +124,17 @@ const char* KelOgreEffectBase::runPass(unsigned char* outputBuffer, unsigned cha
 }
 
 // The engine goes on with a texture that the driver has no memory for, and would render black.
-bool KelOgreEffectBase::driverLacksMemory() {
-    if (!usesOpenGl() || !ranOutOfMemory()) return false;
-    logMessage("The graphics driver is out of memory");
+// @return null while the driver is well
+const char* KelOgreEffectBase::driverFailure() {
+    using keladjust::DriverState;
+    const DriverState state = usesOpenGl() ? keladjust::takeDriverState() : DriverState::fine;
+    if (state == DriverState::fine) return nullptr;
+    const char* const failure = state == DriverState::contextLost
+                                    ? "The graphics driver has lost its context"
+                                    : "The graphics driver is out of memory";
+    logMessage(failure);
     releaseTextures();
-    return true;
+    return failure;
 }
 
 // Whatever state the driver has left them in, the next pass begins with new ones.

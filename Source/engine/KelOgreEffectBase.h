@@ -134,7 +134,7 @@ private:
     void chooseReadBackMode();
     const char* runPass(unsigned char* outputBuffer, unsigned char* inputPixels,
                         std::uint32_t bytesPerPixel);
-    bool driverLacksMemory();
+    const char* driverFailure();
     bool readScratch(_ImageParam& result);
     void releaseTextures() noexcept;
     void createScene(Ogre::Root& root);

@@ -30,13 +30,6 @@ public:
     TightPacking& operator=(const TightPacking&) = delete;
 };
 
-void copyByEngine(Ogre::Texture& texture, const _ImageParam& result) {
-    const auto& buffer = texture.getBuffer();
-    const Ogre::PixelBox box(buffer->getWidth(), buffer->getHeight(), buffer->getDepth(),
-                             result.format, result.data);
-    buffer->blitToMemory(box);
-}
-
 }  // namespace
 
 void ReadBack::setMode(std::uint32_t mode) {
@@ -78,10 +71,11 @@ void ReadBack::unbindBuffer() {
 
 bool ReadBack::copy(Ogre::RenderSystem& renderSystem, Ogre::Texture& texture,
                     const _ImageParam& result) {
+    if (usesOpenGl_) takeDriverState();
     if (mode_ != readBackByEngine) {
         // OpenGL reads from what is bound, and a frame ends with something else bound.
         renderSystem._setRenderTarget(texture.getBuffer()->getRenderTarget());
-        ranOutOfMemory();
+        takeDriverState();
         glReadBuffer(GL_COLOR_ATTACHMENT0);
         if (glGetError() != GL_NO_ERROR) {
             logMessage("The render texture cannot be read");
@@ -89,8 +83,18 @@ bool ReadBack::copy(Ogre::RenderSystem& renderSystem, Ogre::Texture& texture,
         }
         if (copyByOpenGl(result)) return true;
     }
-    copyByEngine(texture, result);
-    return true;
+    return copyByEngine(texture, result);
+}
+
+// The engine asks the driver in the same way, and does not look whether it has got anything.
+bool ReadBack::copyByEngine(Ogre::Texture& texture, const _ImageParam& result) {
+    const auto& buffer = texture.getBuffer();
+    const Ogre::PixelBox box(buffer->getWidth(), buffer->getHeight(), buffer->getDepth(),
+                             result.format, result.data);
+    buffer->blitToMemory(box);
+    if (!usesOpenGl_ || glGetError() == GL_NO_ERROR) return true;
+    logMessage("The render texture cannot be read");
+    return false;
 }
 
 bool ReadBack::copyByOpenGl(const _ImageParam& result) {

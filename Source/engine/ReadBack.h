@@ -25,6 +25,9 @@ enum ReadBackMode : std::uint32_t {
 /// Copies renders into memory. Used on the render thread.
 class ReadBack {
 public:
+    /// @param usesOpenGl whether the engine does; if not, it does all the copying
+    explicit ReadBack(bool usesOpenGl) : usesOpenGl_(usesOpenGl) {}
+
     std::uint32_t mode() const { return mode_; }
     /// Without the driver's functions for buffers the direct way takes the place of that through
     /// one; it gives the same.
@@ -63,7 +66,9 @@ private:
     void unbindBuffer();
     bool copyByOpenGl(const _ImageParam& result);
     bool copyFromBuffer(const _ImageParam& result);
+    bool copyByEngine(Ogre::Texture& texture, const _ImageParam& result);
 
+    const bool usesOpenGl_;
     std::uint32_t mode_ = readBackByEngine;
     GlBuffers glBuffers_;
     GLuint buffer_ = 0;

@@ -77,6 +77,28 @@ TEST_F(RenderThread, CreatingAnEffectStartsAThreadWhereThereIsNone) {
     EXPECT_TRUE(thread->isEngineInitialised());
 }
 
+// Nothing that is asked without the lock of the commands looks at what a stop takes away.
+TEST_F(RenderThread, ToldOfWhileAnotherThreadStopsAndStartsIt) {
+    const auto thread = start();
+    std::atomic<bool> done{false};
+    std::atomic<int> timesUp{0};
+    std::thread asking([&] {
+        do {
+            if (thread->isEngineInitialised() && thread->engine() != nullptr) ++timesUp;
+        } while (!done);
+    });
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_EQ(thread->stop(), 1);
+        EXPECT_FALSE(thread->isEngineInitialised());
+        EXPECT_NE(create(*thread), nullptr);
+        EXPECT_TRUE(thread->isEngineInitialised());
+    }
+    // Up by now, and asked at least once more.
+    while (timesUp == 0) std::this_thread::yield();
+    done = true;
+    asking.join();
+}
+
 TEST_F(RenderThread, ASecondObjectHasNoThread) {
     const auto first = start();
     const auto second = start();
