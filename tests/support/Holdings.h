@@ -7,7 +7,8 @@ namespace keladjust::test {
 struct Holdings {
     long residentKilobytes = 0;
     long threads = 0;
-    long handles = 0;  ///< file descriptors, or what the system has in their place
+    long handles = 0;   ///< file descriptors, or what the system has in their place
+    long mappings = 0;  ///< parts of the address space that hold something
 };
 
 Holdings holdingsNow();

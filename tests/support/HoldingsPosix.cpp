@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -16,6 +17,8 @@ Holdings holdingsNow() {
     }
     const std::filesystem::directory_iterator descriptors("/proc/self/fd");
     held.handles = std::distance(begin(descriptors), end(descriptors));
+    std::ifstream maps("/proc/self/maps");
+    held.mappings = std::count(std::istreambuf_iterator<char>(maps), {}, '\n');
     return held;
 }
 

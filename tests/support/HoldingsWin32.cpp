@@ -21,6 +21,16 @@ long openHandles() {
     return count;
 }
 
+long regionsInUse() {
+    long count = 0;
+    MEMORY_BASIC_INFORMATION region{};
+    for (const char* place = nullptr; VirtualQuery(place, &region, sizeof region) != 0;
+         place = static_cast<const char*>(region.BaseAddress) + region.RegionSize) {
+        if (region.State != MEM_FREE) ++count;
+    }
+    return count;
+}
+
 }  // namespace
 
 Holdings holdingsNow() {
@@ -30,6 +40,7 @@ Holdings holdingsNow() {
     held.residentKilobytes = static_cast<long>(memory.WorkingSetSize / 1024);
 
     held.handles = openHandles();
+    held.mappings = regionsInUse();
 
     const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
     THREADENTRY32 thread{};
