@@ -10,8 +10,12 @@
 /// functions of the C library that operator new, too, gets its memory from.
 namespace keladjust::test {
 
+/// Whose allocations are meant: those of the whole process, or those that the program asks for
+/// itself, with the library in it, and not those of the shared libraries that it uses.
+enum class Requester { anyone, program };
+
 /// How many allocations have not been freed.
-std::ptrdiff_t liveAllocations();
+std::ptrdiff_t liveAllocations(Requester requester);
 
 /// How memory ends: for one allocation alone, or for all that follow it, too.
 enum class Shortage { once, forGood };
@@ -19,7 +23,7 @@ enum class Shortage { once, forGood };
 /// Has the allocation after the first `allowed` fail while it lives, on whichever thread.
 class AllocationFault {
 public:
-    AllocationFault(std::size_t allowed, Shortage shortage);
+    AllocationFault(std::size_t allowed, Shortage shortage, Requester requester);
     ~AllocationFault();
     AllocationFault(const AllocationFault&) = delete;
     AllocationFault& operator=(const AllocationFault&) = delete;
@@ -33,7 +37,7 @@ public:
 /// @param make gives a fresh object with call(), during which memory is short, and check(struck),
 ///             which looks at the outcome; if nothing was short that is the whole one
 template <class Make>
-void withEveryFault(const std::string& what, Make make) {
+void withEveryFault(const std::string& what, Make make, Requester requester = Requester::anyone) {
     const auto callWhole = [&make] {
         auto whole = make();
         whole.call();
@@ -45,24 +49,23 @@ void withEveryFault(const std::string& what, Make make) {
         for (std::size_t allowed = 0; struck; ++allowed) {
             constexpr std::size_t more = 5000;
             ASSERT_LT(allowed, more) << what << " never ends";
-            const std::ptrdiff_t before = liveAllocations();
+            const std::ptrdiff_t before = liveAllocations(requester);
             {
                 auto tried = make();
                 {
-                    const AllocationFault fault(allowed, shortage);
+                    const AllocationFault fault(allowed, shortage, requester);
                     tried.call();
                     struck = AllocationFault::struck();
                 }
                 tried.check(struck);
             }
-            EXPECT_EQ(liveAllocations(), before)
-                << what << " loses memory when short of allocation " << allowed
-                << (shortage == Shortage::once ? " alone" : " and all that follow");
-            if (testing::Test::HasFailure()) {
-                FAIL() << what << ", allocation " << allowed
-                       << (shortage == Shortage::once ? " alone" : " and all that follow");
-            }
             callWhole();
+            const std::ptrdiff_t after = liveAllocations(requester);
+            EXPECT_EQ(after, before) << "allocations that are not freed";
+            if (testing::Test::HasFailure()) {
+                FAIL() << what << ", short of allocation " << allowed
+                       << (shortage == Shortage::once ? " alone" : " and all after it");
+            }
         }
     }
 }
