@@ -34,6 +34,7 @@ struct Code {
     bool contains(Address address) const { return address >= begin && address < end; }
 };
 constinit Code programCode;
+constinit Code ogreCode;
 constinit std::array<Code, 4> passedOnCode;
 constinit std::atomic<bool> codeIsKnown{false};
 
@@ -46,6 +47,7 @@ int noteCode(dl_phdr_info* module, std::size_t, void* count) {
                 module->dlpi_addr + segment.p_vaddr + segment.p_memsz};
     }
     if (module->dlpi_name[0] == '\0') programCode = code;
+    if (std::strstr(module->dlpi_name, "/libOgreMain.so") != nullptr) ogreCode = code;
     for (const char* name : {"/libstdc++.so", "/libc.so", "/libgcc_s.so", "/ld-linux"}) {
         if (std::strstr(module->dlpi_name, name) == nullptr) continue;
         passedOnCode[(*static_cast<std::size_t*>(count))++] = code;
@@ -71,7 +73,7 @@ bool passesOn(Address address) {
 struct Search {
     Address caller;
     bool callerSeen = false;
-    bool foundProgram = false;
+    Address found = 0;
 };
 
 _Unwind_Reason_Code lookAtFrame(_Unwind_Context* context, void* given) {
@@ -82,16 +84,21 @@ _Unwind_Reason_Code lookAtFrame(_Unwind_Context* context, void* given) {
         return _URC_NO_REASON;
     }
     if (passesOn(address)) return _URC_NO_REASON;
-    search.foundProgram = programCode.contains(address);
+    search.found = address;
     return _URC_END_OF_STACK;
 }
 
-bool isOfProgram(Address caller) {
-    if (!codeIsKnown) return false;
-    if (!passesOn(caller)) return programCode.contains(caller);
-    Search search{caller};
-    _Unwind_Backtrace(lookAtFrame, &search);
-    return search.foundProgram;
+/// Who it is that asks, through the C and C++ libraries or not.
+Requester requesterOf(Address caller) {
+    if (!codeIsKnown) return Requester::anyone;
+    Address address = caller;
+    if (passesOn(caller)) {
+        Search search{caller};
+        _Unwind_Backtrace(lookAtFrame, &search);
+        address = search.found;
+    }
+    if (programCode.contains(address)) return Requester::program;
+    return ogreCode.contains(address) ? Requester::programOrOgre : Requester::anyone;
 }
 
 /// The program's own allocations.
@@ -158,9 +165,21 @@ constinit std::atomic<Requester> requesterNow{Requester::anyone};
 constinit std::atomic<bool> hasStruck{false};
 constinit std::atomic<std::ptrdiff_t> left{0};
 
+bool isMeant(Requester requester) {
+    switch (requesterNow) {
+        case Requester::anyone:
+            return true;
+        case Requester::program:
+            return requester == Requester::program;
+        case Requester::programOrOgre:
+            return requester != Requester::anyone;
+    }
+    return false;
+}
+
 /// True if this allocation is to fail.
-bool fails(bool ofProgram) {
-    if (!armed || (requesterNow == Requester::program && !ofProgram)) return false;
+bool fails(Requester requester) {
+    if (!armed || !isMeant(requester)) return false;
     const std::ptrdiff_t before = left--;
     if (before > 0 || (before < 0 && shortageNow == Shortage::once)) return false;
     hasStruck = true;
@@ -170,12 +189,12 @@ bool fails(bool ofProgram) {
 
 template <class Allocate>
 void* allocated(Address caller, Allocate allocate) {
-    const bool ofProgram = isOfProgram(caller);
-    if (fails(ofProgram)) return nullptr;
+    const Requester requester = requesterOf(caller);
+    if (fails(requester)) return nullptr;
     void* const memory = allocate();
     if (memory == nullptr) return nullptr;
     ++live;
-    if (ofProgram) programPointers.add(memory);
+    if (requester == Requester::program) programPointers.add(memory);
     return memory;
 }
 
@@ -230,12 +249,12 @@ void* realloc(void* memory, std::size_t size) {
         free(memory);
         return nullptr;
     }
-    const bool ofProgram = isOfProgram(caller);
-    if (fails(ofProgram)) return nullptr;
+    const Requester requester = requesterOf(caller);
+    if (fails(requester)) return nullptr;
     void* const moved = __libc_realloc(memory, size);
     if (moved == nullptr) return nullptr;
     programPointers.remove(memory);
-    if (ofProgram) programPointers.add(moved);
+    if (requester == Requester::program) programPointers.add(moved);
     return moved;
 }
 

@@ -10,11 +10,14 @@
 /// functions of the C library that operator new, too, gets its memory from.
 namespace keladjust::test {
 
-/// Whose allocations are meant: those of the whole process, or those that the program asks for
-/// itself, with the library in it, and not those of the shared libraries that it uses.
-enum class Requester { anyone, program };
+/// Whose allocations are meant.
+enum class Requester {
+    anyone,
+    program,       ///< what the program asks for, with the library in it
+    programOrOgre  ///< that, and what OGRE asks for; not the driver
+};
 
-/// How many allocations have not been freed.
+/// How many allocations have not been freed; of OGRE's nothing is known.
 std::ptrdiff_t liveAllocations(Requester requester);
 
 /// How memory ends: for one allocation alone, or for all that follow it, too.

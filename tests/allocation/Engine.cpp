@@ -1,5 +1,5 @@
 // Adjustments by the engine, and picture files that it reads, short of each allocation that the
-// library asks for; what the engine and the driver ask for themselves is left to them.
+// library and OGRE ask for. The driver gets what it asks for, or it would end the process.
 
 #include <keladjust/CxImage.h>
 
