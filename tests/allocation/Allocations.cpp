@@ -304,8 +304,8 @@ AllocationFault::~AllocationFault() {
     armed = false;
 }
 
-bool AllocationFault::struck() {
-    return hasStruck;
+Struck AllocationFault::struck() {
+    return {hasStruck, hasStruck && shortageNow == Shortage::once};
 }
 
 }  // namespace keladjust::test

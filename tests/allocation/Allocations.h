@@ -23,6 +23,14 @@ std::ptrdiff_t liveAllocations(Requester requester);
 /// How memory ends: for one allocation alone, or for all that follow it, too.
 enum class Shortage { once, forGood };
 
+/// Whether an allocation has failed during a call.
+struct Struck {
+    bool any = false;
+    bool alone = false;  ///< one, and no other
+
+    operator bool() const { return any; }
+};
+
 /// Has the allocation after the first `allowed` fail while it lives, on whichever thread.
 class AllocationFault {
 public:
@@ -31,24 +39,25 @@ public:
     AllocationFault(const AllocationFault&) = delete;
     AllocationFault& operator=(const AllocationFault&) = delete;
 
-    /// True once an allocation has failed.
-    static bool struck();
+    /// What has failed so far.
+    static Struck struck();
 };
 
 /// Makes a call over and over, each time short of another allocation, until there is none left that
 /// could fail. Nothing must be lost, and the next call must be as good as any.
-/// @param make gives a fresh object with call(), during which memory is short, and check(struck),
-///             which looks at the outcome; if nothing was short that is the whole one
+/// @param make gives a fresh object with call(), during which memory is short, and
+///             check(Struck), which looks at the outcome; if nothing has failed that is the whole
+///             one
 template <class Make>
 void withEveryFault(const std::string& what, Make make, Requester requester = Requester::anyone) {
     const auto callWhole = [&make] {
         auto whole = make();
         whole.call();
-        whole.check(false);
+        whole.check(Struck());
     };
     callWhole();  // what is kept from the first call on is there now
     for (const Shortage shortage : {Shortage::once, Shortage::forGood}) {
-        bool struck = true;
+        Struck struck{true};
         for (std::size_t allowed = 0; struck; ++allowed) {
             constexpr std::size_t more = 5000;
             ASSERT_LT(allowed, more) << what << " never ends";
