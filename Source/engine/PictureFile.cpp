@@ -15,13 +15,18 @@ namespace {
 /// folder from being taken instead.
 class PictureFolder {
 public:
-    static constexpr const char* group = "KelPictureFolder";
+    static const std::string& group() {
+        static const std::string name = "KelPictureFolder";
+        return name;
+    }
 
     explicit PictureFolder(const std::string& folder) : folder_(folder) {
         auto& resources = Ogre::ResourceGroupManager::getSingleton();
-        resources.createResourceGroup(group, false);
+        // Left behind by one that could not leave.
+        if (resources.resourceGroupExists(group())) resources.destroyResourceGroup(group());
+        resources.createResourceGroup(group(), false);
         try {
-            resources.addResourceLocation(folder_, "FileSystem", group);
+            resources.addResourceLocation(folder_, "FileSystem", group());
         } catch (...) {
             leave();
             throw;
@@ -34,7 +39,7 @@ public:
 private:
     void leave() noexcept {
         try {
-            Ogre::ResourceGroupManager::getSingleton().destroyResourceGroup(group);
+            Ogre::ResourceGroupManager::getSingleton().destroyResourceGroup(group());
             Ogre::ArchiveManager::getSingleton().unload(folder_);
         } catch (...) {
             // The engine keeps an entry that nobody uses.
@@ -62,7 +67,7 @@ void loadPictureFile(const std::string& path, Ogre::Image& image) {
     // Spelt so that the engine never takes it for a folder of resources.cfg, which stays
     // registered.
     const PictureFolder folder(path.substr(0, nameBegin) + "./");
-    image.load(name, PictureFolder::group);
+    image.load(name, PictureFolder::group());
 }
 
 void storePictureFile(const std::string& path, const unsigned char* pixels, std::uint32_t width,

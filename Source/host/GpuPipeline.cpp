@@ -105,14 +105,16 @@ bool runStages(CxImage& image, const _AdjustParam& record, const GpuEngine& engi
 }  // namespace
 
 CxImage* runGpuPipeline(CxImage* image, const _AdjustParam& parameters, const GpuEngine& engine,
-                        std::string* reason) noexcept {
-    if (reason != nullptr) reason->clear();
+                        EngineReason* reason) noexcept {
+    EngineReason refusal;
     guarded([&] {
-        if (image == nullptr) return;
-        EngineReason refusal;
-        if (runStages(*image, parameters, engine, reason == nullptr, refusal)) return;
-        *reason = refusal.text[0] != '\0' ? refusal.text : "the picture was not rendered";
+        if (image == nullptr || runStages(*image, parameters, engine, reason == nullptr, refusal)) {
+            refusal = {};
+        } else if (refusal.text[0] == '\0') {
+            refusal.set("the picture was not rendered");
+        }
     });
+    if (reason != nullptr) *reason = refusal;
     return image;
 }
 

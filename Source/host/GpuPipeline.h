@@ -3,8 +3,6 @@
 
 #include <keladjust/CxImage.h>
 
-#include <string>
-
 #include "host/GpuEngine.h"
 
 namespace keladjust {
@@ -13,9 +11,9 @@ namespace keladjust {
 /// returns `image`. A render that the engine refuses leaves the pixels as they were; what follows
 /// still runs, unless the caller wants to know.
 ///
-/// @param reason if given, the first refused render is the end, and this says why
+/// @param reason if given, the first refused render is the end, and this says why; empty otherwise
 CxImage* runGpuPipeline(CxImage* image, const _AdjustParam& parameters, const GpuEngine& engine,
-                        std::string* reason = nullptr) noexcept;
+                        EngineReason* reason = nullptr) noexcept;
 
 }  // namespace keladjust
 

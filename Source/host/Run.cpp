@@ -10,7 +10,6 @@
 #include <mutex>
 #include <new>
 #include <optional>
-#include <string>
 
 #include "ImageFormat/Geometry.h"
 #include "host/BusyLock.h"
@@ -35,10 +34,11 @@ public:
     }
 
     /// Without what lies behind the host's end.
-    void tell(KeladjustPath path, const std::string& reason) {
+    void tell(KeladjustPath path, const EngineReason& reason) {
         KeladjustRun told{};
         told.pathTaken = path;
-        std::memcpy(told.reason, reason.c_str(), std::min(reason.size(), sizeof told.reason - 1));
+        static_assert(sizeof told.reason == sizeof reason.text);
+        std::memcpy(told.reason, reason.text, sizeof told.reason);
         copyBack(told, offsetof(KeladjustRun, pathTaken), sizeof told.pathTaken);
         copyBack(told, offsetof(KeladjustRun, reason), sizeof told.reason);
     }
@@ -79,14 +79,18 @@ private:
     std::unique_ptr<std::uint8_t[]> pixels_;
 };
 
+bool isEmpty(const EngineReason& reason) {
+    return reason.text[0] == '\0';
+}
+
 void renderOrRestore(CxImage& image, const _AdjustParam& record, const GpuEngine& engine,
-                     std::string& reason) {
+                     EngineReason& reason) {
     try {
         Backup backup(image, record);
         runGpuPipeline(&image, record, engine, &reason);
-        if (!reason.empty()) backup.restore();
+        if (!isEmpty(reason)) backup.restore();
     } catch (const std::bad_alloc&) {
-        reason = "memory is short";
+        reason.set("memory is short");
     }
 }
 
@@ -96,27 +100,27 @@ bool rendersInSoftware(const GpuEngine& engine) {
 }
 
 // What the last start said, or these words if it said nothing.
-std::string reasonOr(const LibraryState& state, const char* words) {
-    return state.whyNotOnGpu.text[0] != '\0' ? state.whyNotOnGpu.text : words;
+const char* reasonOr(const LibraryState& state, const char* words) {
+    return isEmpty(state.whyNotOnGpu) ? words : state.whyNotOnGpu.text;
 }
 
 /// Adjusts on the GPU; the reason says why not, the picture then being as it was.
 void adjustOnGpu(CxImage& image, const _AdjustParam& record, bool hardwareOnly,
-                 std::string& reason) {
+                 EngineReason& reason) {
     LibraryState& state = libraryState();
     if (state.cpuOnly) {
         // Known without waiting for adjustments that run.
         const std::lock_guard life(state.life);
-        reason = reasonOr(state, "there is no engine, or its graphics driver is too old");
+        reason.set(reasonOr(state, "there is no engine, or its graphics driver is too old"));
         return;
     }
     const BusyLock lock;
     if (!lock.isHeld()) {
-        reason = "the engine is not running";
+        reason.set("the engine is not running");
     } else if (state.cpuOnly || !state.gpu.canAdjust()) {
-        reason = reasonOr(state, "the engine is not running");
+        reason.set(reasonOr(state, "the engine is not running"));
     } else if (hardwareOnly && rendersInSoftware(state.gpu)) {
-        reason = "the driver renders in software";
+        reason.set("the driver renders in software");
     } else {
         renderOrRestore(image, record, state.gpu, reason);
     }
@@ -125,14 +129,14 @@ void adjustOnGpu(CxImage& image, const _AdjustParam& record, bool hardwareOnly,
 KeladjustResult run(CxImage& image, const _AdjustParam& record, HostRun& host,
                     platform::CallScope& call) {
     if (call.tell(0.0f)) {
-        host.tell(KELADJUST_AUTO, "");
+        host.tell(KELADJUST_AUTO, {});
         return KELADJUST_CANCELLED;
     }
     const std::int32_t path = host.wishes.path;
-    std::string reason;
+    EngineReason reason;
     const bool hardwareOnly = path == KELADJUST_AUTO && host.wishes.hardwareOnly != 0;
     if (path != KELADJUST_CPU) adjustOnGpu(image, record, hardwareOnly, reason);
-    const bool onGpu = path != KELADJUST_CPU && reason.empty();
+    const bool onGpu = path != KELADJUST_CPU && isEmpty(reason);
     if (!onGpu && path == KELADJUST_GPU) {
         host.tell(KELADJUST_AUTO, reason);
         return KELADJUST_REFUSED;
@@ -152,7 +156,9 @@ KeladjustResult keladjustRun(CxImage* image, const _AdjustParam* record, size_t 
                              KeladjustRun* run) {
     using namespace keladjust;
     HostRun host(run);
-    const auto refuse = [&](const char* reason) {
+    const auto refuse = [&](const char* words) {
+        EngineReason reason;
+        reason.set(words);
         host.tell(KELADJUST_AUTO, reason);
         return KELADJUST_REFUSED;
     };

@@ -11,6 +11,7 @@
 namespace {
 
 using keladjust::test::HostPicture;
+using keladjust::test::Struck;
 using keladjust::test::withEveryFault;
 using Bytes = std::vector<std::uint8_t>;
 
@@ -35,7 +36,7 @@ using Image = std::unique_ptr<CxImage, Release>;
 TEST(ObjectsShortOfMemory, AdoptingImagesAreThereOrNot) {
     struct Call {
         void call() { image.reset(createCxImage(&bits, 1, 1, 32, IMAGE_FORMAT_BGRA)); }
-        void check(bool struck) const {
+        void check(Struck struck) const {
             EXPECT_EQ(image == nullptr, struck);
             if (image != nullptr) {
                 EXPECT_EQ(image->GetBits(), pixel);
@@ -51,7 +52,7 @@ TEST(ObjectsShortOfMemory, AdoptingImagesAreThereOrNot) {
 TEST(ObjectsShortOfMemory, ImagesWithoutAFileAreThereOrNot) {
     struct Call {
         void call() { image.reset(createCxImageFromFile("no-such-picture.png")); }
-        void check(bool struck) const {
+        void check(Struck struck) const {
             EXPECT_EQ(image == nullptr, struck);
             if (image != nullptr) expectEmpty(*image);
         }
@@ -63,7 +64,7 @@ TEST(ObjectsShortOfMemory, ImagesWithoutAFileAreThereOrNot) {
 TEST(ObjectsShortOfMemory, ImagesOfTheirOwnAreWholeOrEmpty) {
     struct Call {
         void call() { made = image.Create(7, 5, 24, IMAGE_FORMAT_RGB); }
-        void check(bool struck) {
+        void check(Struck struck) {
             EXPECT_EQ(made == nullptr, struck);
             if (struck) {
                 expectEmpty(image);
@@ -82,7 +83,7 @@ TEST(ObjectsShortOfMemory, CopiesAreWholeOrEmpty) {
     source.fillRandom(1);
     struct Call {
         void call() { image.Copy(source.image()); }
-        void check(bool struck) {
+        void check(Struck struck) {
             if (struck) {
                 expectEmpty(image);
             } else {
@@ -115,7 +116,7 @@ void expectSplits(const char* name) {
         void call() {
             done = (picture.image()->*split)(&planes[0], &planes[1], &planes[2], &planes[3]);
         }
-        void check(bool struck) {
+        void check(Struck struck) {
             EXPECT_EQ(done, !struck);
             EXPECT_EQ(picture.bytes(), before);
             for (int i = 0; done && i < 4; ++i) {
@@ -143,7 +144,7 @@ TEST(ObjectsShortOfMemory, PicturesArePutTogetherWhollyOrNot) {
     struct Call {
         explicit Call(Bytes bytes) : expected(std::move(bytes)) {}
         void call() { done = image.Combine(&planes[0], &planes[1], &planes[2], &planes[3], 0); }
-        void check(bool struck) {
+        void check(Struck struck) {
             EXPECT_EQ(done, !struck);
             if (done) {
                 EXPECT_EQ(bytesOf(image), expected);
@@ -162,7 +163,7 @@ TEST(ObjectsShortOfMemory, StripsOfBlackBodyColoursAreWholeEmptyOrNotThere) {
     struct Call {
         explicit Call(Bytes bytes) : expected(std::move(bytes)) {}
         void call() { image.reset(createTemperateColor(200, 3)); }
-        void check(bool struck) const {
+        void check(Struck struck) const {
             EXPECT_TRUE(struck || image != nullptr);
             if (image == nullptr) return;
             if (struck) {
@@ -181,7 +182,7 @@ TEST(ObjectsShortOfMemory, VeilsAreThereOrNot) {
     struct Call {
         ~Call() { keladjustFree(veil); }
         void call() { veil = estimateVeil(minimum, mean, 3, 1, 0.5f); }
-        void check(bool struck) const {
+        void check(Struck struck) const {
             EXPECT_EQ(veil == nullptr, struck);
             // The smaller of minimum and half the mean.
             constexpr unsigned char expected[] = {5, 20, 1};
@@ -200,7 +201,7 @@ TEST(ObjectsShortOfMemory, MeansAreWholeOrNotTouched) {
     // A flat map's means are the map.
     struct Call {
         void call() { meanFilter15(source.data(), means.data(), 300, 300); }
-        void check(bool struck) const {
+        void check(Struck struck) const {
             EXPECT_TRUE(means == source || (struck && means == Bytes(90000, 9)));
         }
         Bytes source = Bytes(90000, 77);

@@ -16,6 +16,7 @@
 namespace {
 
 using keladjust::test::everyStage;
+using keladjust::test::Struck;
 using keladjust::test::TemporaryFolder;
 using keladjust::test::withEveryFault;
 using Floats = std::vector<float>;
@@ -33,7 +34,7 @@ TEST(TablesShortOfMemory, AreBakedWhollyOrNot) {
             void call() {
                 baked = keladjustBake(&record, sizeof record, edge, redFastest, points.data());
             }
-            void check(bool struck) const {
+            void check(Struck struck) const {
                 EXPECT_TRUE(baked || struck);
                 EXPECT_EQ(points, baked ? expected : Floats(count, -7.0f));
             }
@@ -73,7 +74,7 @@ TEST(TablesShortOfMemory, OfTheLibraryAreThereOrNot) {
             keladjust::buildLibraryLut();
             baked = getLut3dData(record);
         }
-        void check(bool struck) const {
+        void check(Struck struck) const {
             EXPECT_TRUE(baked != nullptr || struck);
             if (baked != nullptr) {
                 EXPECT_TRUE(std::equal(expected.begin(), expected.end(), baked));
@@ -107,7 +108,7 @@ TEST(TablesShortOfMemory, AreWrittenWhollyOrNot) {
     const std::string expected = contentsOf(path);
     struct Call {
         void call() { written = writeLut3DFile(record, path.c_str()); }
-        void check(bool struck) const {
+        void check(Struck struck) const {
             EXPECT_TRUE(written || struck);
             if (written) {
                 EXPECT_TRUE(contentsOf(path) == expected);
@@ -162,7 +163,7 @@ TEST(TablesShortOfMemory, GoThroughAStageWhollyOrNot) {
     }
     struct Call {
         void call() { change(points.data(), points.size() / 3); }
-        void check(bool struck) const {
+        void check(Struck struck) const {
             EXPECT_TRUE(points == after || (struck && points == before));
         }
         const Change& change;

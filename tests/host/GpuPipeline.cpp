@@ -78,7 +78,8 @@ protected:
         StubEngine::nextStart = StubEngine::Start::succeeds;
         keladjust::EngineReason refusal;
         const char* const programs[] = {"", "", ""};
-        EXPECT_TRUE(module.start({nullptr, nullptr, nullptr, programs, 3}, refusal)) << refusal.text;
+        EXPECT_TRUE(module.start({nullptr, nullptr, nullptr, programs, 3}, refusal))
+            << refusal.text;
         basic = effect(keladjust::basicAdjustEffect);
         range = effect(keladjust::rangeEffect);
         lens = effect(keladjust::lensEffect);
@@ -101,7 +102,7 @@ protected:
     NotingEffect* range = nullptr;
     NotingEffect* lens = nullptr;
     GpuEngine engine;
-    std::string reason = "of the run before";
+    keladjust::EngineReason reason{"of the run before"};
 };
 
 TEST_F(GpuPipeline, RendersNothingAtIdentity) {
@@ -109,7 +110,7 @@ TEST_F(GpuPipeline, RendersNothingAtIdentity) {
     const auto before = picture.fillRandom(1).bytes();
     EXPECT_EQ(run(picture, identity), picture.image());
     EXPECT_EQ(basic->renders + range->renders + lens->renders, 0);
-    EXPECT_EQ(reason, "");
+    EXPECT_STREQ(reason.text, "");
     EXPECT_TRUE(basic->floats.empty());
     EXPECT_EQ(picture.bytes(), before);
 }
@@ -282,17 +283,17 @@ TEST_F(GpuPipeline, TellsWhyThePictureWasNotRendered) {
     p.range[KELADJUST_RANGE_BLUE].hue = 1;
     HostPicture picture(4, 3, 32, IMAGE_FORMAT_BGRA);
     run(picture, p);
-    EXPECT_EQ(reason, "");
+    EXPECT_STREQ(reason.text, "");
     range->fails = true;
     p.diffuse = 50;
     HostPicture tones(picture);
     for (std::size_t i = 0; i < tones.size(); ++i) ++tones.bits()[i];
     run(picture, p);
-    EXPECT_EQ(reason, "no memory");
+    EXPECT_STREQ(reason.text, "no memory");
     EXPECT_EQ(picture.bytes(), tones.bytes()) << "who asks why is told at once";
     module.stop();
     run(picture, p);
-    EXPECT_EQ(reason, "The engine has stopped");
+    EXPECT_STREQ(reason.text, "The engine has stopped");
 }
 
 TEST_F(GpuPipeline, TakesNothingAndPicturesWithoutPixels) {
