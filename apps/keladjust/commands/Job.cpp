@@ -3,8 +3,8 @@
 #include <new>
 
 #include "codecs/Metadata.h"
+#include "codecs/PictureFile.h"
 #include "files/AtomicFile.h"
-#include "files/InputFile.h"
 #include "pictures/Comparison.h"
 #include "pictures/ContactSheet.h"
 #include "pictures/Orientation.h"
@@ -31,11 +31,13 @@ public:
         : plan_(plan), settings_(settings), adjuster_(adjuster), report_(report) {}
 
     void run() {
-        const Bytes file = readFile(plan_.input);
-        const Codec& reader = codecForFile(file);
+        const PictureFile file(plan_.input, settings_.bound);
+        const Codec& reader = file.codec;
         const Codec& writer = plan_.codec != nullptr ? *plan_.codec : reader;
-        Metadata metadata(file);
-        Photo photo = upright(reader.decode(file), metadata.orientation());
+        // The picture first: metadata is not read of what is refused.
+        Photo stored = reader.decode(file.bytes, settings_.bound);
+        Metadata metadata(file.bytes);
+        Photo photo = upright(std::move(stored), metadata.orientation());
         metadata.describe(photo);
         append(report_.notices, photo.notices);
         append(report_.notices, metadata.notices());

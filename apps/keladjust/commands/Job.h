@@ -14,6 +14,7 @@ struct JobSettings {
     _AdjustParam record;
     EncodeOptions encoding;
     const KeladjustSetting* sheet = nullptr;
+    PixelBound bound;
 };
 
 /// What became of one picture.
