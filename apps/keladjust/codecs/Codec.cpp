@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "codecs/AllocationWatch.h"
+#include "platform/AllocationWatch.h"
 #include "text/Failure.h"
 
 namespace keladjust::app {
@@ -13,7 +13,7 @@ bool Codec::hasExtension(std::string_view extension) const {
 }
 
 Photo Codec::decode(std::span<const unsigned char> file, const PixelBound& bound) const {
-    const AllocationWatch watch;
+    const platform::AllocationWatch watch;
     try {
         return read(file, bound);
     } catch (const Failure&) {
@@ -23,7 +23,7 @@ Photo Codec::decode(std::span<const unsigned char> file, const PixelBound& bound
 }
 
 Bytes Codec::encode(const Photo& photo, const EncodeOptions& options) const {
-    const AllocationWatch watch;
+    const platform::AllocationWatch watch;
     try {
         return write(photo, options);
     } catch (const Failure&) {

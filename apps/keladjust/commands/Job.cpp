@@ -77,18 +77,22 @@ private:
 
 }  // namespace
 
-JobReport runJob(const PicturePlan& plan, const JobSettings& settings, Adjuster& adjuster) {
+JobReport runJob(const PicturePlan& plan, const JobSettings& settings,
+                 Adjuster& adjuster) noexcept {
     JobReport report;
-    report.input = plan.input;
+    report.plan = &plan;
     try {
-        PictureJob(plan, settings, adjuster, report).run();
-    } catch (const Cancelled&) {
-        report.cancelled = true;
+        try {
+            PictureJob(plan, settings, adjuster, report).run();
+        } catch (const Cancelled&) {
+            report.cancelled = true;
+        } catch (const std::bad_alloc&) {
+            report.shortOfMemory = true;
+        } catch (const std::exception& error) {
+            report.failure = error.what();
+        }
     } catch (const std::bad_alloc&) {
-        report.failure =
-            "not enough memory; close other programs, use --jobs 1 or a smaller picture";
-    } catch (const std::exception& error) {
-        report.failure = error.what();
+        report.shortOfMemory = true;
     }
     return report;
 }

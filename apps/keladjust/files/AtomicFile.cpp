@@ -2,8 +2,10 @@
 
 #include <array>
 #include <charconv>
+#include <mutex>
 #include <random>
 #include <system_error>
+#include <utility>
 
 #include "platform/FileNames.h"
 #include "text/Failure.h"
@@ -31,11 +33,30 @@ Failure unwritable(const std::filesystem::path& target, const std::filesystem::p
                    platform::faultIn(refused).value_or(reason) + "; choose another place with -o");
 }
 
+std::mutex livingLock;
+AtomicFile* living = nullptr;
+
 }  // namespace
 
-AtomicFile::AtomicFile(std::filesystem::path target) : target_(std::move(target)) {}
+AtomicFile::AtomicFile(std::filesystem::path target) : target_(std::move(target)) {
+    const std::lock_guard lock(livingLock);
+    next_ = std::exchange(living, this);
+}
 
 AtomicFile::~AtomicFile() {
+    const std::lock_guard lock(livingLock);
+    AtomicFile** place = &living;
+    while (*place != this) place = &(*place)->next_;
+    *place = next_;
+    removeTemporary();
+}
+
+void AtomicFile::abandonAll() noexcept {
+    livingLock.lock();
+    for (AtomicFile* file = living; file != nullptr; file = file->next_) file->removeTemporary();
+}
+
+void AtomicFile::removeTemporary() noexcept {
     file_.reset();  // Windows removes no open file
     if (temporary_.empty()) return;
     std::error_code ignored;
@@ -49,6 +70,7 @@ void AtomicFile::create() {
     while (!file_) {
         std::filesystem::path name = nameBeside(target_);
         try {
+            const std::lock_guard lock(livingLock);
             file_.emplace(platform::File::toCreate(name));
             temporary_ = std::move(name);
         } catch (const std::system_error& error) {
@@ -81,6 +103,7 @@ void AtomicFile::commit() {
     } catch (const std::system_error& failure) {
         throw unwritable(target_, temporary_, failure.code().message());
     }
+    const std::lock_guard lock(livingLock);
     std::filesystem::rename(temporary_, target_, error);
     if (error) throw unwritable(target_, target_, error.message());
     temporary_.clear();

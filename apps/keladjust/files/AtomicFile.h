@@ -30,12 +30,18 @@ public:
     /// @throws Failure if that is not possible
     void commit();
 
+    /// Removes what all that live have begun, for a program that ends in the middle of its work:
+    /// none begins or commits after that, and who tries waits for the end. Needs no memory.
+    static void abandonAll() noexcept;
+
 private:
     void create();
+    void removeTemporary() noexcept;
 
     std::filesystem::path target_;
     std::filesystem::path temporary_;  // empty: there is none
     std::optional<platform::File> file_;
+    AtomicFile* next_ = nullptr;  // of all that live
 };
 
 /// Writes a whole file in one step.

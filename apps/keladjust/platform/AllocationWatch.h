@@ -1,10 +1,10 @@
-#ifndef KELADJUST_APP_CODECS_ALLOCATIONWATCH_H
-#define KELADJUST_APP_CODECS_ALLOCATIONWATCH_H
+#ifndef KELADJUST_APP_PLATFORM_ALLOCATIONWATCH_H
+#define KELADJUST_APP_PLATFORM_ALLOCATIONWATCH_H
 
 #include <cerrno>
 #include <new>
 
-namespace keladjust::app {
+namespace keladjust::app::platform {
 
 /// Whether an allocation of this thread failed since it was made. Libraries written in C take a
 /// lack of memory for a damaged file, or go on without what they had no room for; malloc() leaves
@@ -19,6 +19,6 @@ public:
     }
 };
 
-}  // namespace keladjust::app
+}  // namespace keladjust::app::platform
 
 #endif
