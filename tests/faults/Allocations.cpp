@@ -22,7 +22,7 @@ class Allocations : public testing::TestWithParam<Scenario> {
 protected:
     static FaultyOutcome run(const std::vector<std::string>& arguments,
                              const std::optional<Fault>& fault) {
-        return runWithFault(KELADJUST_PROGRAM, KELADJUST_INJECTOR, arguments, fault);
+        return runWithFault(KELADJUST_PROGRAM, KELADJUST_FAILING_ALLOCATIONS, arguments, fault);
     }
 
     void expectRight(const Fault& fault) {

@@ -57,7 +57,8 @@ constexpr Mishap mishaps[] = {
 class SystemCalls : public testing::TestWithParam<Scenario> {
 protected:
     FaultyOutcome run(const std::optional<Fault>& fault) const {
-        return runWithFault(KELADJUST_PROGRAM, KELADJUST_INJECTOR, GetParam().arguments, fault);
+        return runWithFault(KELADJUST_PROGRAM, KELADJUST_FAILING_CALLS, GetParam().arguments,
+                            fault);
     }
 
     /// A run ends well, or with a message that says what is wrong.

@@ -59,7 +59,7 @@ ssize_t readStream(void* file, char* room, size_t size) {
     return ::read(*static_cast<int*>(file), room, size);
 }
 
-// Zero stands for an error here. Nothing is tried again, which only the library's own streams do.
+// As the library's own streams, it goes on after a part of the bytes, and not after an error.
 ssize_t writeStream(void* file, const char* bytes, size_t size) {
     size_t done = 0;
     while (done < size) {
