@@ -3,12 +3,33 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/AllocationWatch.h"
 #include "text/Failure.h"
 
 namespace keladjust::app {
 
 bool Codec::hasExtension(std::string_view extension) const {
     return std::ranges::find(extensions(), extension) != extensions().end();
+}
+
+Photo Codec::decode(std::span<const unsigned char> file, const PixelBound& bound) const {
+    const platform::AllocationWatch watch;
+    try {
+        return read(file, bound);
+    } catch (const Failure&) {
+        watch.throwIfOneFailed();
+        throw;
+    }
+}
+
+Bytes Codec::encode(const Photo& photo, const EncodeOptions& options) const {
+    const platform::AllocationWatch watch;
+    try {
+        return write(photo, options);
+    } catch (const Failure&) {
+        watch.throwIfOneFailed();
+        throw;
+    }
 }
 
 std::span<const Codec* const> codecs() {

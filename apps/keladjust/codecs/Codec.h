@@ -7,6 +7,7 @@
 
 #include "files/Bytes.h"
 #include "pictures/Photo.h"
+#include "pictures/PixelBound.h"
 
 namespace keladjust::app {
 
@@ -31,13 +32,23 @@ public:
 
     virtual bool keepsAlpha() const = 0;
 
-    /// @throws Failure for a damaged, truncated or unsupported file
-    virtual Photo decode(std::span<const unsigned char> file) const = 0;
+    /// @throws Failure        for a damaged, truncated or unsupported file, or a picture beyond
+    ///                        `bound`, for which no memory is taken
+    /// @throws std::bad_alloc
+    Photo decode(std::span<const unsigned char> file, const PixelBound& bound = {}) const;
 
-    /// @throws Failure if the format cannot hold the picture
-    virtual Bytes encode(const Photo& photo, const EncodeOptions& options) const = 0;
+    /// @throws Failure        if the format cannot hold the picture
+    /// @throws std::bad_alloc
+    Bytes encode(const Photo& photo, const EncodeOptions& options) const;
 
     bool hasExtension(std::string_view extension) const;
+
+private:
+    /// May take a lack of memory for a damaged file, as the libraries do.
+    virtual Photo read(std::span<const unsigned char> file, const PixelBound& bound) const = 0;
+
+    /// May take a lack of memory for any other reason.
+    virtual Bytes write(const Photo& photo, const EncodeOptions& options) const = 0;
 };
 
 /// How many bytes from the start of a file recognises() looks at.

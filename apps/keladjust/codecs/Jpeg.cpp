@@ -47,6 +47,17 @@ void onMessage(j_common_ptr codec, int level) {
     }
 }
 
+/// A scan of a few bytes goes over the whole picture. No encoder makes as many.
+constexpr int mostScans = 500;
+
+void onProgress(j_common_ptr codec) {
+    const auto* jpeg = reinterpret_cast<j_decompress_ptr>(codec);
+    if (jpeg->input_scan_number <= mostScans) return;
+    auto* state = reinterpret_cast<ErrorState*>(codec->err);
+    std::snprintf(state->message.data(), state->message.size(), "more than %d scans", mostScans);
+    std::longjmp(state->jump, 1);
+}
+
 jpeg_error_mgr* install(ErrorState& state) {
     jpeg_error_mgr* base = jpeg_std_error(&state.base);
     base->error_exit = onError;
@@ -70,6 +81,8 @@ public:
     bool readHeader(std::span<const unsigned char> file) {
         if (setjmp(errors_.jump)) return false;
         jpeg_create_decompress(&jpeg_);
+        progress_.progress_monitor = onProgress;
+        jpeg_.progress = &progress_;
         jpeg_mem_src(&jpeg_, file.data(), static_cast<unsigned long>(file.size()));
         jpeg_read_header(&jpeg_, TRUE);
         if (isGrey()) {
@@ -105,6 +118,7 @@ public:
 
 private:
     jpeg_decompress_struct jpeg_{};
+    jpeg_progress_mgr progress_{};
     ErrorState errors_{};
 };
 
@@ -191,13 +205,14 @@ public:
 
     bool keepsAlpha() const override { return false; }
 
-    Photo decode(std::span<const unsigned char> file) const override {
+    Photo read(std::span<const unsigned char> file, const PixelBound& bound) const override {
         Decompressor jpeg;
         const auto fail = [&] {
             return Failure("damaged or truncated JPEG (" + jpeg.message() +
                            "); copy the file again from where it came from");
         };
         if (!jpeg.readHeader(file)) throw fail();
+        bound.check(file.size(), jpeg.width(), jpeg.height());
         Photo photo(jpeg.width(), jpeg.height(),
                     jpeg.isGrey() ? ChannelLayout::grey : ChannelLayout::bgra);
         if (!jpeg.readRows(photo)) throw fail();
@@ -208,7 +223,7 @@ public:
         return photo;
     }
 
-    Bytes encode(const Photo& photo, const EncodeOptions& options) const override {
+    Bytes write(const Photo& photo, const EncodeOptions& options) const override {
         if (std::max(photo.width(), photo.height()) > JPEG_MAX_DIMENSION) {
             throw Failure("JPEG holds at most " + std::to_string(JPEG_MAX_DIMENSION) +
                           " pixels a side; choose --format png or tiff");

@@ -4,14 +4,19 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <mutex>
+#include <new>
 #include <stdexcept>
 #include <string_view>
 
 #include "codecs/Codec.h"
 #include "codecs/WebPContainer.h"
+#include "files/AtomicFile.h"
+#include "platform/AllocationWatch.h"
 
 namespace keladjust::app {
 
@@ -27,25 +32,84 @@ struct Metadata::Content {
 
 namespace {
 
+/// How often this thread has been short of memory in Exiv2; below zero: it is not there.
+thread_local int shortages = -1;
+
+/// What operator new does without memory. An exception that goes through the middle of Exiv2's XMP
+/// part leaves that locked, and the next to come waits for ever; so there is a second try, and no
+/// exception as long as little was asked for.
+void onShortage() {
+    if (shortages < 0) throw std::bad_alloc();
+    if (++shortages == 1) return;
+    constexpr std::size_t little = std::size_t{1} << 16;
+    if (void* some = std::malloc(little)) {
+        std::free(some);
+        throw std::bad_alloc();
+    }
+    std::fputs("keladjust: not enough memory; close other programs\n", stderr);
+    AtomicFile::abandonAll();
+    std::_Exit(EXIT_FAILURE);
+}
+
 /// Exiv2's XMP part keeps state for the whole process, so one thread at a time works with it. That
 /// costs little: metadata takes a fraction of the time of decoding and encoding.
 class Exiv2Session {
 public:
+    /// @throws std::bad_alloc
     Exiv2Session() : lock_(mutex()) {
-        static const bool ready = [] {
+        std::set_new_handler(onShortage);
+        static bool begun = false;
+        static bool ready = false;
+        if (!begun) {
+            begun = true;  // once: what has come to nothing halfway cannot be begun anew
             Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
-            return Exiv2::XmpParser::initialize();
-        }();
-        static_cast<void>(ready);
+            shortages = 0;
+            ready = initialize();
+            shortages = -1;
+        }
+        if (!ready) throw std::bad_alloc();
+        shortages = 0;
     }
+    ~Exiv2Session() { shortages = -1; }
+    Exiv2Session(const Exiv2Session&) = delete;
+    Exiv2Session& operator=(const Exiv2Session&) = delete;
 
 private:
+    static bool initialize() {
+        try {
+            return Exiv2::XmpParser::initialize();
+        } catch (...) {
+            return false;
+        }
+    }
+
     static std::mutex& mutex() {
         static std::mutex one;
         return one;
     }
     std::lock_guard<std::mutex> lock_;
 };
+
+/// What `work` gives, done by one thread at a time.
+///
+/// @throws std::bad_alloc also where Exiv2 would go on without what it had no memory for
+/// @throws std::exception whatever Exiv2 throws, which is of any type
+template <class Work>
+auto withExiv2(Work work) {
+    const Exiv2Session session;
+    const platform::AllocationWatch watch;
+    try {
+        auto result = work();
+        watch.throwIfOneFailed();
+        return result;
+    } catch (const std::exception&) {
+        watch.throwIfOneFailed();
+        throw;
+    } catch (...) {
+        watch.throwIfOneFailed();
+        throw std::runtime_error("XMP that cannot be understood");
+    }
+}
 
 std::unique_ptr<Exiv2::Image> openImage(std::span<const unsigned char> file) {
     // Exiv2 counts in `long`, which has 32 bits under Windows.
@@ -140,29 +204,53 @@ Bytes addToWebP(const Bytes& encoded, const Metadata::Content& content) {
         {content.profile, exif, {reinterpret_cast<const unsigned char*>(xmp.data()), xmp.size()}});
 }
 
+Metadata::Content contentOf(std::span<const unsigned char> file) {
+    const auto image = openImage(file);
+    Metadata::Content content;
+    content.exif = image->exifData();
+    content.xmp = image->xmpData();
+    content.iptc = image->iptcData();
+    if (image->byteOrder() != Exiv2::invalidByteOrder) content.byteOrder = image->byteOrder();
+    content.comment = image->comment();
+    if (image->iccProfileDefined()) {
+        const Exiv2::DataBuf& profile = *image->iccProfile();
+        content.profile.assign(profile.pData_, profile.pData_ + profile.size_);
+    }
+    eraseIf(content.exif, describesStorage);
+    return content;
+}
+
+Metadata::Content described(Metadata::Content content, const Photo& photo) {
+    Exiv2::ExifData& exif = content.exif;
+    Exiv2::ExifThumb(exif).erase();
+    const auto orientation = exif.findKey(Exiv2::ExifKey("Exif.Image.Orientation"));
+    if (orientation != exif.end()) *orientation = std::uint16_t{1};
+    replaceIfPresent(exif, "Exif.Photo.PixelXDimension", photo.width());
+    replaceIfPresent(exif, "Exif.Photo.PixelYDimension", photo.height());
+
+    Exiv2::XmpData& xmp = content.xmp;
+    replaceIfPresent(xmp, "Xmp.tiff.Orientation", 1);
+    replaceIfPresent(xmp, "Xmp.tiff.ImageWidth", photo.width());
+    replaceIfPresent(xmp, "Xmp.tiff.ImageLength", photo.height());
+    replaceIfPresent(xmp, "Xmp.exif.PixelXDimension", photo.width());
+    replaceIfPresent(xmp, "Xmp.exif.PixelYDimension", photo.height());
+    eraseIf(xmp, [](const Exiv2::Xmpdatum& datum) {
+        return datum.groupName() == "xmp" && datum.tagName().starts_with("Thumbnails");
+    });
+    return content;
+}
+
 }  // namespace
 
 Metadata::Metadata() : content_(std::make_unique<Content>()) {}
 
 Metadata::Metadata(std::span<const unsigned char> file) : Metadata() {
-    const Exiv2Session session;
     try {
-        const auto image = openImage(file);
-        content_->exif = image->exifData();
-        content_->xmp = image->xmpData();
-        content_->iptc = image->iptcData();
-        if (image->byteOrder() != Exiv2::invalidByteOrder) {
-            content_->byteOrder = image->byteOrder();
-        }
-        content_->comment = image->comment();
-        if (image->iccProfileDefined()) {
-            const Exiv2::DataBuf& profile = *image->iccProfile();
-            content_->profile.assign(profile.pData_, profile.pData_ + profile.size_);
-        }
-        eraseIf(content_->exif, describesStorage);
+        *content_ = withExiv2([&] { return contentOf(file); });
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception& error) {
         // Exiv2's own errors, and what damaged entries provoke in the standard library.
-        *content_ = Content();
         content_->notices.push_back(std::string("metadata is not kept: ") + error.what());
     }
 }
@@ -172,32 +260,16 @@ Metadata::Metadata(Metadata&&) noexcept = default;
 Metadata& Metadata::operator=(Metadata&&) noexcept = default;
 
 int Metadata::orientation() const {
-    const Exiv2Session session;
-    const auto entry = content_->exif.findKey(Exiv2::ExifKey("Exif.Image.Orientation"));
-    if (entry == content_->exif.end() || entry->count() == 0) return 1;
-    const long value = entry->toLong();
-    return value >= 1 && value <= 8 ? static_cast<int>(value) : 1;
+    return withExiv2([&] {
+        const auto entry = content_->exif.findKey(Exiv2::ExifKey("Exif.Image.Orientation"));
+        if (entry == content_->exif.end() || entry->count() == 0) return 1;
+        const long value = entry->toLong();
+        return value >= 1 && value <= 8 ? static_cast<int>(value) : 1;
+    });
 }
 
 void Metadata::describe(const Photo& photo) {
-    const Exiv2Session session;
-    Exiv2::ExifData& exif = content_->exif;
-    Exiv2::ExifThumb(exif).erase();
-    const auto orientation = exif.findKey(Exiv2::ExifKey("Exif.Image.Orientation"));
-    if (orientation != exif.end()) *orientation = std::uint16_t{1};
-    replaceIfPresent(exif, "Exif.Photo.PixelXDimension", photo.width());
-    replaceIfPresent(exif, "Exif.Photo.PixelYDimension", photo.height());
-
-    Exiv2::XmpData& xmp = content_->xmp;
-    replaceIfPresent(xmp, "Xmp.tiff.Orientation", 1);
-    replaceIfPresent(xmp, "Xmp.tiff.ImageWidth", photo.width());
-    replaceIfPresent(xmp, "Xmp.tiff.ImageLength", photo.height());
-    replaceIfPresent(xmp, "Xmp.exif.PixelXDimension", photo.width());
-    replaceIfPresent(xmp, "Xmp.exif.PixelYDimension", photo.height());
-    eraseIf(xmp, [](const Exiv2::Xmpdatum& datum) {
-        return datum.groupName() == "xmp" && datum.tagName().starts_with("Thumbnails");
-    });
-
+    *content_ = withExiv2([&] { return described(std::move(*content_), photo); });
     if (!content_->profile.empty() && !profileFits(content_->profile, photo.layout())) {
         content_->profile.clear();
         content_->notices.emplace_back("the colour profile does not fit the pixels any more");
@@ -216,10 +288,13 @@ Bytes Metadata::addTo(Bytes encoded, std::vector<std::string>& notices) const {
         content.comment.empty() && content.profile.empty()) {
         return encoded;
     }
-    const Exiv2Session session;
     try {
-        return webpCodec().recognises(encoded) ? addToWebP(encoded, content)
-                                               : addWithExiv2(encoded, content);
+        return withExiv2([&] {
+            return webpCodec().recognises(encoded) ? addToWebP(encoded, content)
+                                                   : addWithExiv2(encoded, content);
+        });
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception& error) {
         notices.push_back(std::string("metadata is not kept: ") + error.what());
         return encoded;

@@ -41,13 +41,21 @@ public:
     Reader(const Reader&) = delete;
     Reader& operator=(const Reader&) = delete;
 
-    /// Reads up to the pixels and asks for grey or blue, green, red, alpha in eight bits each.
+    /// Reads up to the pixels.
     bool readHeader() {
         if (setjmp(png_jmpbuf(png_))) return false;
         png_set_read_fn(png_, this, onRead);
-        // Sizes are judged by Photo, which says why.
+        // Sizes are judged by others, who say why.
         png_set_user_limits(png_, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
+        // Texts and profiles would be unpacked here, to any size, and nobody would look at them.
+        png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
         png_read_info(png_, info_);
+        return true;
+    }
+
+    /// Asks for grey or blue, green, red, alpha in eight bits each.
+    bool chooseLayout() {
+        if (setjmp(png_jmpbuf(png_))) return false;
         const int colour = png_get_color_type(png_, info_);
         const bool transparent =
             (colour & PNG_COLOR_MASK_ALPHA) != 0 || png_get_valid(png_, info_, PNG_INFO_tRNS) != 0;
@@ -175,13 +183,15 @@ public:
 
     bool keepsAlpha() const override { return true; }
 
-    Photo decode(std::span<const unsigned char> file) const override {
+    Photo read(std::span<const unsigned char> file, const PixelBound& bound) const override {
         Reader png(file);
         const auto fail = [&] {
             return Failure("damaged or truncated PNG (" + png.message() +
                            "); copy the file again from where it came from");
         };
         if (!png.readHeader()) throw fail();
+        bound.check(file.size(), png.width(), png.height());
+        if (!png.chooseLayout()) throw fail();
         Photo photo(png.width(), png.height(),
                     png.isGrey() ? ChannelLayout::grey : ChannelLayout::bgra);
         photo.hasAlpha = png.hasAlpha();
@@ -192,7 +202,7 @@ public:
         return photo;
     }
 
-    Bytes encode(const Photo& photo, const EncodeOptions&) const override {
+    Bytes write(const Photo& photo, const EncodeOptions&) const override {
         Writer png;
         if (!png.write(photo)) throw Failure("cannot encode as PNG: " + png.message());
         return png.takeResult();

@@ -5,6 +5,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 #include <memory>
 
 #include "codecs/Codec.h"
@@ -87,10 +88,14 @@ int onWarning(TIFF*, void*, const char*, const char*, va_list) {
 
 using Tiff = std::unique_ptr<TIFF, decltype(&TIFFClose)>;
 
-Tiff open(MemoryFile& file, const char* mode) {
+/// @param largestAllocation 0: any
+Tiff open(MemoryFile& file, const char* mode, std::uint64_t largestAllocation) {
     const std::unique_ptr<TIFFOpenOptions, decltype(&TIFFOpenOptionsFree)> options(
         TIFFOpenOptionsAlloc(), &TIFFOpenOptionsFree);
     if (options == nullptr) throw std::bad_alloc();
+    TIFFOpenOptionsSetMaxSingleMemAlloc(
+        options.get(), static_cast<tmsize_t>(std::min<std::uint64_t>(
+                           largestAllocation, std::numeric_limits<tmsize_t>::max())));
     TIFFOpenOptionsSetErrorHandlerExtR(options.get(), onError, &file);
     TIFFOpenOptionsSetWarningHandlerExtR(options.get(), onWarning, &file);
     return Tiff(TIFFClientOpenExt("picture", mode, &file, onRead, onWrite, onSeek, onClose, onSize,
@@ -173,6 +178,15 @@ Layout readLayout(TIFF* tiff, const MemoryFile& file) {
         layout.hasAlpha = layout.alphaIsMultiplied || kinds[0] == EXTRASAMPLE_UNASSALPHA;
     }
     return layout;
+}
+
+/// Rows and tiles have a size of their own: a picture of one pixel may claim tiles of billions, or
+/// thousands of samples. There are two of each in memory.
+void refuseSprawling(TIFF* tiff, std::uint64_t largest) {
+    const std::uint64_t part = TIFFIsTiled(tiff) ? TIFFTileSize64(tiff) : TIFFScanlineSize64(tiff);
+    if (part <= largest / 2) return;
+    throw Failure("this kind of TIFF cannot be read (rows or tiles of " + std::to_string(part) +
+                  " bytes); save it as plain 8-bit RGB");
 }
 
 /// Undoes the multiplication of colours by alpha, as far as eight bits allow.
@@ -321,13 +335,16 @@ public:
 
     bool keepsAlpha() const override { return true; }
 
-    Photo decode(std::span<const unsigned char> bytes) const override {
+    Photo read(std::span<const unsigned char> bytes, const PixelBound& bound) const override {
         MemoryFile file;
         file.input = bytes;
-        const Tiff tiff = open(file, "rm");
+        const std::uint64_t largestAllocation = bound.workingBytes(bytes.size());
+        const Tiff tiff = open(file, "rm", largestAllocation);
         if (tiff == nullptr) throw damaged(file);
         refuseRaw(tiff.get(), bytes);
         const Layout layout = readLayout(tiff.get(), file);
+        bound.check(bytes.size(), layout.width, layout.height);
+        refuseSprawling(tiff.get(), largestAllocation);
         const bool grey = layout.isGrey() && !layout.hasAlpha;
         Photo photo(layout.width, layout.height, grey ? ChannelLayout::grey : ChannelLayout::bgra);
         photo.hasAlpha = layout.hasAlpha;
@@ -349,10 +366,10 @@ public:
         return photo;
     }
 
-    Bytes encode(const Photo& photo, const EncodeOptions&) const override {
+    Bytes write(const Photo& photo, const EncodeOptions&) const override {
         MemoryFile file;
         file.writing = true;
-        Tiff tiff = open(file, "w");
+        Tiff tiff = open(file, "w", 0);
         if (tiff == nullptr) throw std::bad_alloc();
         describe(tiff.get(), photo);
         Bytes row;

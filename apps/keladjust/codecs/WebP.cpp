@@ -71,7 +71,7 @@ public:
 
     bool keepsAlpha() const override { return true; }
 
-    Photo decode(std::span<const unsigned char> file) const override {
+    Photo read(std::span<const unsigned char> file, const PixelBound& bound) const override {
         const auto fail = [] {
             return Failure(
                 "damaged or truncated WebP; copy the file again from where it came from");
@@ -81,6 +81,8 @@ public:
         if (features.has_animation) {
             throw Failure("an animated WebP; only still pictures can be adjusted");
         }
+        bound.check(file.size(), static_cast<std::uint64_t>(features.width),
+                    static_cast<std::uint64_t>(features.height));
         Photo photo(static_cast<std::uint64_t>(features.width),
                     static_cast<std::uint64_t>(features.height), ChannelLayout::bgra);
         photo.hasAlpha = features.has_alpha != 0;
@@ -92,7 +94,7 @@ public:
         return photo;
     }
 
-    Bytes encode(const Photo& photo, const EncodeOptions& options) const override {
+    Bytes write(const Photo& photo, const EncodeOptions& options) const override {
         if (std::max(photo.width(), photo.height()) > WEBP_MAX_DIMENSION) {
             throw Failure("WebP holds at most " + std::to_string(WEBP_MAX_DIMENSION) +
                           " pixels a side; choose --format jpeg, png or tiff");

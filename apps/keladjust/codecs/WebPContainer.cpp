@@ -4,15 +4,21 @@
 
 #include <memory>
 #include <new>
+#include <stdexcept>
 
 namespace keladjust::app {
 
 namespace {
 
+void check(WebPMuxError result) {
+    if (result == WEBP_MUX_MEMORY_ERROR) throw std::bad_alloc();
+    if (result != WEBP_MUX_OK) throw std::runtime_error("WebP cannot hold it");
+}
+
 void set(WebPMux* mux, const char* name, std::span<const unsigned char> bytes) {
     if (bytes.empty()) return;
     const WebPData data{bytes.data(), bytes.size()};
-    if (WebPMuxSetChunk(mux, name, &data, 0) != WEBP_MUX_OK) throw std::bad_alloc();
+    check(WebPMuxSetChunk(mux, name, &data, 0));
 }
 
 }  // namespace
@@ -27,7 +33,7 @@ Bytes withWebPChunks(const Bytes& encoded, const WebPChunks& chunks) {
     set(mux.get(), "XMP ", chunks.xmp);
 
     WebPData assembled;
-    if (WebPMuxAssemble(mux.get(), &assembled) != WEBP_MUX_OK) throw std::bad_alloc();
+    check(WebPMuxAssemble(mux.get(), &assembled));
     const std::unique_ptr<WebPData, decltype(&WebPDataClear)> owner(&assembled, &WebPDataClear);
     return Bytes(assembled.bytes, assembled.bytes + assembled.size);
 }

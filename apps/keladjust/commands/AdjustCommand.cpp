@@ -45,7 +45,8 @@ GpuUse gpuUse(const Options& options) {
 
 int adjustPictures(const Options& options, const std::vector<PicturePlan>& plans,
                    Adjuster& adjuster) {
-    const JobSettings settings{options.settings.record(), options.encoding, options.sheet};
+    const JobSettings settings{options.settings.record(), options.encoding, options.sheet,
+                               options.bound};
     Narrator narrator(plans.size(), options.chatter, platform::errorsGoToTerminal());
     catchInterrupts();
     narrator.begin();

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <exception>
 #include <mutex>
 #include <optional>
-#include <system_error>
 #include <thread>
 
 namespace keladjust::app {
@@ -21,8 +21,9 @@ public:
         const std::lock_guard lock(mutex_);
         waiting_[index] = std::move(report);
         while (next_ < waiting_.size() && waiting_[next_]) {
-            onReport_(*waiting_[next_]);
+            const JobReport due = std::move(*waiting_[next_]);
             waiting_[next_++].reset();
+            onReport_(due);
         }
     }
 
@@ -33,6 +34,27 @@ private:
     const std::function<void(const JobReport&)>& onReport_;
 };
 
+/// The first exception that ended a thread's work, for the thread that waits for all of them.
+class FirstException {
+public:
+    void keepCurrent() noexcept {
+        const std::lock_guard lock(mutex_);
+        if (first_ == nullptr) first_ = std::current_exception();
+        there_ = true;
+    }
+
+    bool isThere() const { return there_; }
+
+    void rethrow() const {
+        if (first_ != nullptr) std::rethrow_exception(first_);
+    }
+
+private:
+    std::mutex mutex_;
+    std::exception_ptr first_;
+    std::atomic<bool> there_{false};
+};
+
 }  // namespace
 
 void runBatch(const std::vector<PicturePlan>& plans, const JobSettings& settings,
@@ -41,11 +63,16 @@ void runBatch(const std::vector<PicturePlan>& plans, const JobSettings& settings
     InOrder reports(plans.size(), onReport);
     std::atomic<std::size_t> next{0};
     // Pictures are taken in order, so those that are done when the run stops are the first ones.
+    FirstException failure;
     const auto work = [&] {
-        while (!stop()) {
-            const std::size_t index = next++;
-            if (index >= plans.size()) return;
-            reports.add(index, runJob(plans[index], settings, adjuster));
+        try {
+            while (!stop() && !failure.isThere()) {
+                const std::size_t index = next++;
+                if (index >= plans.size()) return;
+                reports.add(index, runJob(plans[index], settings, adjuster));
+            }
+        } catch (...) {
+            failure.keepCurrent();
         }
     };
 
@@ -54,10 +81,12 @@ void runBatch(const std::vector<PicturePlan>& plans, const JobSettings& settings
     threads.reserve(helpers);
     try {
         while (threads.size() < helpers) threads.emplace_back(work);
-    } catch (const std::system_error&) {
-        // Fewer threads than hoped for do the same work.
+    } catch (const std::exception&) {
+        // Where threads or memory are short, fewer of them do the same work.
     }
     work();
+    threads.clear();
+    failure.rethrow();
 }
 
 }  // namespace keladjust::app

@@ -8,12 +8,11 @@
 #include <thread>
 #include <vector>
 
-#include "codecs/Codec.h"
+#include "codecs/PictureFile.h"
 #include "commands/CommandLine.h"
 #include "commands/ExitCode.h"
 #include "commands/StageTimes.h"
 #include "files/AtomicFile.h"
-#include "files/InputFile.h"
 #include "text/BarChart.h"
 #include "text/Failure.h"
 #include "text/NumberText.h"
@@ -42,6 +41,7 @@ struct BenchOptions {
     std::optional<_AdjustParam> settings;
     int runs = 5;
     int threads = 0;  ///< 0: as many as cores
+    PixelBound bound;
 };
 
 std::optional<BenchOptions> parseBenchOptions(const std::vector<std::string>& arguments) {
@@ -62,6 +62,7 @@ std::optional<BenchOptions> parseBenchOptions(const std::vector<std::string>& ar
     app.add_option("--threads", options.threads, "1..1024 threads; usually one per core")
         ->check(CLI::Range(1, 1024))
         ->type_name("N");
+    line.addPixelBound(options.bound);
     if (!line.parse(arguments)) return std::nullopt;
 
     options.picture = pathFromText(picture);
@@ -78,10 +79,10 @@ void refuseToReplacePicture(const BenchOptions& options) {
     }
 }
 
-Photo readPhoto(const fs::path& path) {
+Photo readPhoto(const fs::path& path, const PixelBound& bound) {
     try {
-        const Bytes file = readFile(path);
-        return codecForFile(file).decode(file);
+        const PictureFile file(path, bound);
+        return file.codec.decode(file.bytes, bound);
     } catch (const Failure& failure) {
         throw Failure(textOf(path) + ": " + failure.what());
     }
@@ -122,7 +123,7 @@ int runBenchCommand(const std::vector<std::string>& arguments) {
     const auto options = parseBenchOptions(arguments);
     if (!options) return exitAllFine;
     refuseToReplacePicture(*options);
-    const Photo photo = readPhoto(options->picture);
+    const Photo photo = readPhoto(options->picture, options->bound);
     if (options->chart) expectToBeWritable(*options->chart);
 
     const double megapixels = static_cast<double>(photo.width()) * photo.height() / 1e6;

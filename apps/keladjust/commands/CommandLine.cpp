@@ -14,6 +14,9 @@ namespace keladjust::app {
 
 namespace {
 
+/// Some hundred times as much as all settings take.
+constexpr std::uint64_t largestPreset = std::uint64_t{1} << 20;
+
 double parseValue(const KeladjustSetting& setting, const std::string& text) {
     const std::string option = std::string("--") + setting.name;
     const auto value = numberFromText(text);
@@ -62,6 +65,17 @@ CommandLine::CommandLine(const std::string& description) : app_(description, "ke
     }
 }
 
+CLI::Option* CommandLine::addPixelBound(PixelBound& bound) {
+    constexpr std::uint64_t largest = std::uint64_t{1} << 32;  // no picture that fits in memory
+    return app_
+        .add_option_function<std::uint64_t>(
+            "--max-pixels", [&bound](std::uint64_t pixels) { bound = PixelBound(pixels); },
+            "Refuse pictures of more pixels, before memory is taken for them; usually " +
+                std::to_string(PixelBound::usual) + ", and fewer of small files")
+        ->check(CLI::Range(std::uint64_t{1}, largest))
+        ->type_name("N");
+}
+
 bool CommandLine::parse(const std::vector<std::string>& arguments) {
     std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
     try {
@@ -82,7 +96,7 @@ Settings CommandLine::settings() const {
     for (const std::string& preset : presets_) {
         Bytes bytes;
         try {
-            bytes = readFile(pathFromText(preset));
+            bytes = readFile(pathFromText(preset), {.largest = largestPreset});
         } catch (const Failure& failure) {
             throw UsageError(preset + ": " + failure.what());
         }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "pictures/PixelBound.h"
 #include "settings/Settings.h"
 
 namespace keladjust::app {
@@ -17,6 +18,9 @@ public:
     explicit CommandLine(const std::string& description);
 
     CLI::App& app() { return app_; }
+
+    /// Adds the option that bounds the pictures to be read.
+    CLI::Option* addPixelBound(PixelBound& bound);
 
     /// False if help or version was asked for, and has been printed.
     ///

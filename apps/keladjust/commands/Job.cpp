@@ -3,8 +3,8 @@
 #include <new>
 
 #include "codecs/Metadata.h"
+#include "codecs/PictureFile.h"
 #include "files/AtomicFile.h"
-#include "files/InputFile.h"
 #include "pictures/Comparison.h"
 #include "pictures/ContactSheet.h"
 #include "pictures/Orientation.h"
@@ -31,11 +31,13 @@ public:
         : plan_(plan), settings_(settings), adjuster_(adjuster), report_(report) {}
 
     void run() {
-        const Bytes file = readFile(plan_.input);
-        const Codec& reader = codecForFile(file);
+        const PictureFile file(plan_.input, settings_.bound);
+        const Codec& reader = file.codec;
         const Codec& writer = plan_.codec != nullptr ? *plan_.codec : reader;
-        Metadata metadata(file);
-        Photo photo = upright(reader.decode(file), metadata.orientation());
+        // The picture first: metadata is not read of what is refused.
+        Photo stored = reader.decode(file.bytes, settings_.bound);
+        Metadata metadata(file.bytes);
+        Photo photo = upright(std::move(stored), metadata.orientation());
         metadata.describe(photo);
         append(report_.notices, photo.notices);
         append(report_.notices, metadata.notices());
@@ -75,18 +77,22 @@ private:
 
 }  // namespace
 
-JobReport runJob(const PicturePlan& plan, const JobSettings& settings, Adjuster& adjuster) {
+JobReport runJob(const PicturePlan& plan, const JobSettings& settings,
+                 Adjuster& adjuster) noexcept {
     JobReport report;
-    report.input = plan.input;
+    report.plan = &plan;
     try {
-        PictureJob(plan, settings, adjuster, report).run();
-    } catch (const Cancelled&) {
-        report.cancelled = true;
+        try {
+            PictureJob(plan, settings, adjuster, report).run();
+        } catch (const Cancelled&) {
+            report.cancelled = true;
+        } catch (const std::bad_alloc&) {
+            report.shortOfMemory = true;
+        } catch (const std::exception& error) {
+            report.failure = error.what();
+        }
     } catch (const std::bad_alloc&) {
-        report.failure =
-            "not enough memory; close other programs, use --jobs 1 or a smaller picture";
-    } catch (const std::exception& error) {
-        report.failure = error.what();
+        report.shortOfMemory = true;
     }
     return report;
 }

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -43,7 +44,7 @@ std::string cube(const _AdjustParam& record, int size, CubeOrder order) {
     std::vector<float> points(3 * edge * edge * edge);
     if (!keladjustBake(&record, sizeof record, size, order == CubeOrder::redFastest,
                        points.data())) {
-        throw Failure("the colour table could not be made; close other programs");
+        throw std::bad_alloc();  // nothing else can be wrong
     }
     return cubeText(points, size, order);
 }

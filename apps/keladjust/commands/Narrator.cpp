@@ -25,15 +25,22 @@ void Narrator::tell(const JobReport& report) {
     if (report.cancelled) return;
     clearBar();
     ++done_;
-    const std::string name = textOf(report.input);
+    const std::string name = textOf(report.plan->input);
     if (chatter_ != Chatter::quiet) {
         for (const std::string& notice : report.notices) {
             std::cerr << "keladjust: " << name << ": notice: " << notice << '\n';
         }
     }
-    if (!report.failure.empty()) {
+    if (report.shortOfMemory || !report.failure.empty()) {
         ++failed_;
-        std::cerr << "keladjust: " << name << ": " << report.failure << std::endl;
+        std::cerr << "keladjust: " << name << ": ";
+        if (report.shortOfMemory) {
+            std::cerr
+                << "not enough memory; close other programs, use --jobs 1 or a smaller picture";
+        } else {
+            std::cerr << report.failure;
+        }
+        std::cerr << std::endl;
     }
     if (chatter_ == Chatter::verbose && !report.details.empty()) {
         std::cout << name << ": " << report.details << '\n';

@@ -117,6 +117,7 @@ std::optional<Options> parseOptions(const std::vector<std::string>& arguments) {
         ->check(CLI::Range(1, 1024))
         ->type_name("N")
         ->group(running);
+    line.addPixelBound(options.bound)->group(running);
     const auto choose = [&options](GpuUse use) { return [&options, use] { options.gpu = use; }; };
     CLI::Option* autoFlag =
         app.add_flag_callback("--auto", choose(GpuUse::whenPossible),

@@ -28,6 +28,7 @@ struct Options {
     int jobs = 1;
     int threads = 0;  ///< 0: the library's choice
     GpuUse gpu = GpuUse::never;
+    PixelBound bound;
     Chatter chatter = Chatter::normal;
 };
 

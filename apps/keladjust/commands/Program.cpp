@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <new>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "commands/AdjustCommand.h"
@@ -26,25 +27,36 @@ int runCommand(const std::vector<std::string>& arguments) {
     return runAdjustCommand(arguments);
 }
 
+// By fputs, as all of these messages, which needs no memory and throws nothing.
+int tellShortOfMemory() {
+    std::fputs("keladjust: not enough memory; close other programs\n", stderr);
+    return exitSomeFailed;
+}
+
+int tell(const std::exception& error) {
+    std::fputs("keladjust: ", stderr);
+    std::fputs(error.what(), stderr);
+    std::fputs("\n", stderr);
+    return exitSomeFailed;
+}
+
 }  // namespace
 
-// The messages go out by fputs, which needs no memory and throws nothing.
 int runProgram(int count, char** values) noexcept {
     try {
         return runCommand(platform::arguments(count, values));
     } catch (const UsageError& error) {
-        std::fputs("keladjust: ", stderr);
-        std::fputs(error.what(), stderr);
-        std::fputs("\nTry keladjust --help.\n", stderr);
+        tell(error);
+        std::fputs("Try keladjust --help.\n", stderr);
         return exitUsage;
     } catch (const std::bad_alloc&) {
-        std::fputs("keladjust: not enough memory; close other programs\n", stderr);
+        return tellShortOfMemory();
+    } catch (const std::system_error& error) {
+        // The way in which functions for paths say it.
+        return error.code() == std::errc::not_enough_memory ? tellShortOfMemory() : tell(error);
     } catch (const std::exception& error) {
-        std::fputs("keladjust: ", stderr);
-        std::fputs(error.what(), stderr);
-        std::fputs("\n", stderr);
+        return tell(error);
     }
-    return exitSomeFailed;
 }
 
 }  // namespace keladjust::app

@@ -2,8 +2,11 @@
 #define KELADJUST_APP_FILES_ATOMICFILE_H
 
 #include <filesystem>
+#include <optional>
 #include <span>
 #include <string_view>
+
+#include "platform/File.h"
 
 namespace keladjust::app {
 
@@ -16,21 +19,29 @@ public:
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
 
-    /// The name to write to until commit().
-    const std::filesystem::path& temporary() const { return temporary_; }
-
+    /// Once.
+    ///
     /// @throws Failure if the file cannot be written
     void write(std::span<const unsigned char> bytes);
 
-    /// Puts the file in the target's place, with the permissions of what it replaces.
+    /// Puts the file in the target's place, with the permissions of what it replaces. That is gone
+    /// only when the new one is on the disk.
     ///
     /// @throws Failure if that is not possible
     void commit();
 
+    /// Removes what all that live have begun, for a program that ends in the middle of its work:
+    /// none begins or commits after that, and who tries waits for the end. Needs no memory.
+    static void abandonAll() noexcept;
+
 private:
+    void create();
+    void removeTemporary() noexcept;
+
     std::filesystem::path target_;
-    std::filesystem::path temporary_;
-    bool committed_ = false;
+    std::filesystem::path temporary_;  // empty: there is none
+    std::optional<platform::File> file_;
+    AtomicFile* next_ = nullptr;  // of all that live
 };
 
 /// Writes a whole file in one step.

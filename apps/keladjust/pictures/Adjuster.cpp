@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "pictures/PhotoImage.h"
+#include "platform/AllocationWatch.h"
 #include "text/Failure.h"
 
 namespace keladjust::app {
@@ -58,8 +59,11 @@ Adjustment Adjuster::adjust(Photo& photo, const _AdjustParam& record) {
         run.progress = asksToStop;
         run.user = &stop_;
     }
+    const platform::AllocationWatch watch;
     const KeladjustResult result = keladjustRun(image.get(), &record, sizeof record, &run);
     if (result == KELADJUST_CANCELLED) throw Cancelled();
+    // A stage without memory leaves the picture as it was.
+    if (run.pathTaken == KELADJUST_CPU) watch.throwIfOneFailed();
     const std::string reason = engine_ == nullptr ? obstacle_ : run.reason;
 
     // Other pictures may fare better, and the engine may have ended with this one.
