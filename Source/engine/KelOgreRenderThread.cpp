@@ -193,9 +193,13 @@ void KelOgreRenderThread::Thread::takeDown() {
 
 bool KelOgreRenderThread::Thread::runCommand() {
     switch (request.command) {
-        case commandCreateEffect:
-            effects.emplace_back(DYN_CLASS::CFactoryManager::create(request.className));
+        case commandCreateEffect: {
+            // Owned before it is in the list, which may have no memory left for it.
+            std::unique_ptr<KelEffectBase> made(
+                DYN_CLASS::CFactoryManager::create(request.className));
+            effects.push_back(std::move(made));
             return effects.back() != nullptr;
+        }
         case commandMaterial:
             return runPass(request.effect,
                            [](KelEffectBase& effect) { return effect.getMaterial() != nullptr; });

@@ -1,6 +1,7 @@
 // Adjustments by the engine, and picture files that it reads, short of each allocation that the
 // library and OGRE ask for. The driver gets what it asks for, or it would end the process.
 
+#include <dlfcn.h>
 #include <keladjust/CxImage.h>
 
 #include <algorithm>
@@ -10,6 +11,8 @@
 #include <vector>
 
 #include "allocation/Allocations.h"
+#include "engine/OgreEngine.h"
+#include "engine/RunningEngine.h"
 #include "host/LibraryState.h"
 #include "support/HostPicture.h"
 #include "support/StageSettings.h"
@@ -18,9 +21,12 @@
 namespace {
 
 using keladjust::libraryState;
+using keladjust::test::AllocationFault;
 using keladjust::test::HostPicture;
 using keladjust::test::identity;
+using keladjust::test::liveAllocations;
 using keladjust::test::Requester;
+using keladjust::test::Shortage;
 using keladjust::test::Struck;
 using keladjust::test::TemporaryFolder;
 using keladjust::test::withEveryFault;
@@ -130,6 +136,71 @@ TEST_F(EngineShortOfMemory, ReadsPictureFilesWhollyOrNot) {
     };
     withEveryFault(
         "createCxImageFromFile", [&] { return Call(path); }, Requester::program);
+}
+
+/// The engine without the library's interface, with one small program.
+class EngineLifeShortOfMemory : public testing::Test {
+public:
+    bool start(keladjust::OgreEngine& engine) {
+        reason = {};
+        const char* const programs[] = {keladjust::test::copyProgram};
+        return engine.start(
+            {KELADJUST_ENGINE_CONFIG, KELADJUST_ENGINE_CONFIG, log.c_str(), programs, 1}, reason);
+    }
+
+    const TemporaryFolder folder;
+    const std::string log = (folder / "").string();
+    keladjust::EngineReason reason;
+};
+
+// Whatever is short, the engine runs and can be stopped, or nothing of it is there. Without a whole
+// start after each, which would take twice as long.
+TEST_F(EngineLifeShortOfMemory, StartsOrLeavesNothing) {
+    keladjust::OgreEngine engine;
+    ASSERT_TRUE(start(engine)) << reason.text;
+    engine.stop();
+    for (const Shortage shortage : {Shortage::once, Shortage::forGood}) {
+        Struck struck{true};
+        for (std::size_t allowed = 0; struck; ++allowed) {
+            const std::ptrdiff_t before = liveAllocations(Requester::program);
+            bool started = false;
+            {
+                const AllocationFault fault(allowed, shortage, Requester::program);
+                started = start(engine);
+                struck = AllocationFault::struck();
+            }
+            EXPECT_TRUE(started || struck);
+            EXPECT_EQ(engine.isRunning(), started);
+            EXPECT_EQ(reason.text[0] == '\0', started) << reason.text;
+            engine.stop();
+            // The loader keeps the words for an error until they have been asked for twice.
+            dlerror();
+            dlerror();
+            const std::ptrdiff_t after = liveAllocations(Requester::program);
+            EXPECT_EQ(after, before) << "allocations that are not freed";
+            ASSERT_FALSE(HasFailure())
+                << "short of allocation " << allowed
+                << (shortage == Shortage::once ? " alone" : " and all after it");
+        }
+    }
+    EXPECT_TRUE(start(engine)) << reason.text;
+    EXPECT_TRUE(engine.hasEffect(0));
+    engine.stop();
+}
+
+TEST_F(EngineLifeShortOfMemory, StopsAndLeavesNothing) {
+    struct Call {
+        explicit Call(EngineLifeShortOfMemory& test) : started(test.start(engine)) {}
+        void call() { engine.stop(); }
+        void check(Struck) const {
+            EXPECT_TRUE(started);
+            EXPECT_FALSE(engine.isRunning());
+        }
+        keladjust::OgreEngine engine;
+        bool started;
+    };
+    withEveryFault(
+        "OgreEngine::stop", [&] { return Call(*this); }, Requester::program);
 }
 
 }  // namespace
