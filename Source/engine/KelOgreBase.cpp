@@ -92,7 +92,7 @@ void KelOgreBase::teardown() {
         } catch (...) {
             logCurrentException("The engine does not stop in order");
             // Lost rather than destroyed: a later start finds an engine that it did not make.
-            root_.release();
+            static_cast<void>(root_.release());
         }
     }
     keladjust::platform::engineWindowClosed();
