@@ -3,6 +3,7 @@
 
 #include <keladjust/CxImage.h>
 
+#include <cerrno>
 #include <cstddef>
 #include <span>
 
@@ -22,15 +23,15 @@ void runKernels(const Picture& picture, std::span<const PixelKernel* const> kern
 void mapRawWalk(const Picture& picture, const ByteTable& table);
 
 /// Calls `body()` as an exported function does: in the default floating-point environment, and with
-/// no exception passing on, for there is nothing to report to. A body allocates before it changes a
-/// byte, so what memory is too short for stays as it was.
+/// no exception passing on. A body allocates before it changes a byte, so what memory is too short
+/// for stays as it was; errno says so, also where it was a helping thread that had none.
 template <class Body>
 void guarded(Body body) noexcept {
     const platform::DefaultFloatingPoint scope;
     try {
         body();
     } catch (...) {
-        // The caller's bytes are whole.
+        errno = ENOMEM;
     }
 }
 

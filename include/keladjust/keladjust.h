@@ -9,7 +9,7 @@
  * Pictures are adjusted in place: a stage returns the pointer it was given. Settings are slider
  * values; none is checked or limited, and any value, NaN and infinities included, has a defined
  * result. A null image, or one without pixels, comes back as it is. A stage that runs short of
- * memory leaves its picture untouched. No function throws.
+ * memory leaves its picture untouched and sets errno to ENOMEM. No function throws.
  *
  * Any number of threads may call keladjustRun() on the CPU path, keladjustBake(), the stages and
  * the building blocks at a time, each on pictures and tables of its own, while the engine runs,

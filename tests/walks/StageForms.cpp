@@ -1,13 +1,18 @@
 // What all per-pixel stages share: formats, depths, padding, bad pictures, tables.
 
+#include "walks/StageForms.h"
+
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <functional>
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "filters/Stages.h"
+#include "platform/Parallel.h"
 #include "support/EveryStage.h"
 #include "support/HostPicture.h"
 
@@ -95,6 +100,19 @@ TEST(PerPixelStages, LeavePairsOfFormatAndDepthWithoutAMeaningAlone) {
             EXPECT_EQ(picture.bytes(), before) << stage.name << " on " << format.bpp;
         }
     }
+}
+
+// A helping thread's own errno is out of a host's sight.
+TEST(PerPixelStages, SayInErrnoThatMemoryWasShort) {
+    errno = 0;
+    keladjust::guarded([] {});
+    EXPECT_EQ(errno, 0);
+    keladjust::guarded([] {
+        keladjust::platform::parallelBands(2, 2, [](std::size_t band, std::size_t, std::size_t) {
+            if (band == 1) throw std::bad_alloc();
+        });
+    });
+    EXPECT_EQ(errno, ENOMEM);
 }
 
 TEST(PerPixelStages, ReturnPicturesWithoutPixels) {

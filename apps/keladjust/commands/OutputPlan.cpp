@@ -84,8 +84,11 @@ PicturePlan planPicture(const Options& options, const fs::path& input, bool into
 /// Every file that is to be written, with what it is made from.
 class Claims {
 public:
-    explicit Claims(const std::vector<fs::path>& inputs) : inputs_(inputs) {
-        for (const fs::path& input : inputs) identities_.insert(identityOf(input));
+    explicit Claims(const std::vector<fs::path>& inputs) {
+        for (const fs::path& input : inputs) {
+            identities_.insert(identityOf(input));
+            if (const auto file = platform::fileIdentity(input)) files_.insert(*file);
+        }
     }
 
     void add(const fs::path& output, const std::string& maker, bool mayReplaceInput) {
@@ -104,16 +107,12 @@ private:
     bool isInput(const fs::path& output) const {
         if (identities_.contains(identityOf(output))) return true;
         // Names can differ and still mean one file: hard links, file systems that ignore case.
-        std::error_code error;
-        if (!fs::exists(output, error)) return false;
-        for (const fs::path& input : inputs_) {
-            if (fs::equivalent(output, input, error)) return true;
-        }
-        return false;
+        const auto file = platform::fileIdentity(output);
+        return file && files_.contains(*file);
     }
 
-    const std::vector<fs::path>& inputs_;
     std::set<fs::path> identities_;
+    std::set<std::pair<std::uint64_t, std::uint64_t>> files_;
     std::map<fs::path, std::string> makers_;
 };
 

@@ -40,6 +40,21 @@ std::filesystem::path comparable(const std::filesystem::path& path) {
     return name;
 }
 
+std::optional<std::pair<std::uint64_t, std::uint64_t>> fileIdentity(
+    const std::filesystem::path& path) {
+    constexpr DWORD anybodyElse = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const HANDLE file = CreateFileW(path.c_str(), 0, anybodyElse, nullptr, OPEN_EXISTING,
+                                    FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return std::nullopt;
+    BY_HANDLE_FILE_INFORMATION found{};
+    const BOOL known = GetFileInformationByHandle(file, &found);
+    CloseHandle(file);
+    if (known == FALSE) return std::nullopt;
+    return std::pair<std::uint64_t, std::uint64_t>(
+        found.dwVolumeSerialNumber,
+        std::uint64_t{found.nFileIndexHigh} << 32 | found.nFileIndexLow);
+}
+
 std::optional<std::string> narrow(const std::filesystem::path& path) {
     if (const auto name = inCodePage(path.native())) return name;
     const std::wstring shorter = shortName(path.native());
