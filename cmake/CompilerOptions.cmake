@@ -46,6 +46,9 @@ if(KELADJUST_BUILD_FUZZERS)
     if(KELADJUST_FUZZ_COVERAGE)
         set(fuzzed -fprofile-instr-generate -fcoverage-mapping)
         target_link_options(keladjust_options INTERFACE ${fuzzed})
+        # A line of vector code is one line for all instruction sets: one and the scalar one will do.
+        target_compile_definitions(keladjust_options INTERFACE
+            "HWY_DISABLED_TARGETS=(HWY_SSSE3|HWY_SSE4|HWY_AVX3)")
     else()
         # All instruction sets, which is why functions of Highway's headers are not checked by
         # UndefinedBehaviorSanitizer: inlined everywhere, they would take ten times as long to
