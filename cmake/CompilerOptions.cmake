@@ -41,3 +41,27 @@ if(KELADJUST_SANITIZE)
     list(JOIN unwatched "|" unwatched)
     target_compile_definitions(keladjust_options INTERFACE "HWY_DISABLED_TARGETS=(${unwatched})")
 endif()
+
+if(KELADJUST_BUILD_FUZZERS)
+    if(KELADJUST_FUZZ_COVERAGE)
+        set(fuzzed -fprofile-instr-generate -fcoverage-mapping)
+        target_link_options(keladjust_options INTERFACE ${fuzzed})
+        # A line of vector code is one line for all instruction sets: one and the scalar one will do.
+        target_compile_definitions(keladjust_options INTERFACE
+            "HWY_DISABLED_TARGETS=(HWY_SSSE3|HWY_SSE4|HWY_AVX3)")
+    else()
+        # All instruction sets, which is why functions of Highway's headers are not checked by
+        # UndefinedBehaviorSanitizer: inlined everywhere, they would take ten times as long to
+        # compile. Where the library goes is counted; what it compares with is not, for no input
+        # names it. The list's name is one for all checkouts, as compiler caches like it.
+        file(RELATIVE_PATH unchecked ${CMAKE_BINARY_DIR} ${PROJECT_SOURCE_DIR}/fuzz/unchecked.txt)
+        set(fuzzed
+            -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer
+            -fsanitize-coverage=edge,inline-8bit-counters,pc-table,indirect-calls
+            -fsanitize-ignorelist=${unchecked})
+        target_link_options(keladjust_options INTERFACE -fsanitize=address,undefined)
+    endif()
+    target_compile_options(keladjust_options INTERFACE ${fuzzed})
+    # Its assertions would need its library.
+    target_compile_definitions(keladjust_options INTERFACE HWY_IS_DEBUG_BUILD=0)
+endif()

@@ -2,6 +2,7 @@
 #define KELADJUST_TESTS_MODELS_SCALARS_H
 
 #include <array>
+#include <cstdint>
 
 /// The formulas of the stages in a few lines each, written apart from the library: what tests
 /// expect and what benchmarks compare with. Those of a colour alone return the new one. Those that
@@ -18,6 +19,13 @@ inline int clampByte(double value) {
 }
 inline float clampUnit(float value) {
     return value > 0 ? (value < 1 ? value : 1.0f) : 0.0f;
+}
+
+/// Truncated to 32 bits, and held at their ends; NaN gives 0.
+inline std::int32_t wholeOf(float value) {
+    if (value != value) return 0;
+    if (value >= 2147483648.0f) return INT32_MAX;
+    return value <= -2147483648.0f ? INT32_MIN : static_cast<std::int32_t>(value);
 }
 
 }  // namespace keladjust::test

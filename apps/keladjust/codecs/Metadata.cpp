@@ -148,14 +148,12 @@ void eraseIf(Data& data, bool (*unwanted)(const typename Data::iterator::value_t
     }
 }
 
-void replaceIfPresent(Exiv2::ExifData& exif, const char* key, std::uint32_t value) {
-    const auto entry = exif.findKey(Exiv2::ExifKey(key));
-    if (entry != exif.end()) *entry = value;
-}
-
-void replaceIfPresent(Exiv2::XmpData& xmp, const char* key, std::uint32_t value) {
-    const auto entry = xmp.findKey(Exiv2::XmpKey(key));
-    if (entry != xmp.end()) *entry = std::to_string(value);
+// Damaged files have the same tag more than once, and readers differ in which one counts.
+template <class Data, class Value>
+void replaceIfPresent(Data& data, std::string_view key, const Value& value) {
+    for (auto& entry : data) {
+        if (entry.key() == key) entry = value;
+    }
 }
 
 /// A profile names, in four letters from its 16th byte on, the kind of pixel it is for.
@@ -223,17 +221,18 @@ Metadata::Content contentOf(std::span<const unsigned char> file) {
 Metadata::Content described(Metadata::Content content, const Photo& photo) {
     Exiv2::ExifData& exif = content.exif;
     Exiv2::ExifThumb(exif).erase();
-    const auto orientation = exif.findKey(Exiv2::ExifKey("Exif.Image.Orientation"));
-    if (orientation != exif.end()) *orientation = std::uint16_t{1};
+    replaceIfPresent(exif, "Exif.Image.Orientation", std::uint16_t{1});
     replaceIfPresent(exif, "Exif.Photo.PixelXDimension", photo.width());
     replaceIfPresent(exif, "Exif.Photo.PixelYDimension", photo.height());
 
     Exiv2::XmpData& xmp = content.xmp;
-    replaceIfPresent(xmp, "Xmp.tiff.Orientation", 1);
-    replaceIfPresent(xmp, "Xmp.tiff.ImageWidth", photo.width());
-    replaceIfPresent(xmp, "Xmp.tiff.ImageLength", photo.height());
-    replaceIfPresent(xmp, "Xmp.exif.PixelXDimension", photo.width());
-    replaceIfPresent(xmp, "Xmp.exif.PixelYDimension", photo.height());
+    const std::string width = std::to_string(photo.width());
+    const std::string height = std::to_string(photo.height());
+    replaceIfPresent(xmp, "Xmp.tiff.Orientation", std::string("1"));
+    replaceIfPresent(xmp, "Xmp.tiff.ImageWidth", width);
+    replaceIfPresent(xmp, "Xmp.tiff.ImageLength", height);
+    replaceIfPresent(xmp, "Xmp.exif.PixelXDimension", width);
+    replaceIfPresent(xmp, "Xmp.exif.PixelYDimension", height);
     eraseIf(xmp, [](const Exiv2::Xmpdatum& datum) {
         return datum.groupName() == "xmp" && datum.tagName().starts_with("Thumbnails");
     });

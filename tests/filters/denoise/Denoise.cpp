@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "models/denoise/FlowGraph.h"
 #include "support/HostPicture.h"
 #include "support/InstructionSets.h"
 #include "support/OddNumbers.h"
@@ -236,6 +237,25 @@ TEST(Denoise, PlanesMatchTheDirectTransform) {
                 expected, width, height, stride,
                 filteredModel(tight(plane, width, height, stride), width, height, sigma));
             EXPECT_LE(difference(result, expected).largest, 1)
+                << width << 'x' << height << ' ' << sigma;
+        }
+    }
+}
+
+// To the byte, where the order of operations is the same.
+TEST(Denoise, PlanesMatchTheFlowGraph) {
+    for (const auto& [width, height] : {std::pair<std::size_t, std::size_t>{9, 9},
+                                        {10, 31},
+                                        {40, 41},
+                                        {41, 40},
+                                        {73, 29},
+                                        {120, 90}}) {
+        const Bytes8 plane = noisyScene(width, height, width, 7);
+        for (const float sigma : {0.01f, 1.0f, 5.0f, 15.0f, 60.0f, infinity, quietNan}) {
+            Bytes8 expected = plane;
+            writeInPlaceModel(expected, width, height, width,
+                              flowGraphModel(plane, width, height, sigma));
+            EXPECT_EQ(inPlace(plane, width, height, width, sigma), expected)
                 << width << 'x' << height << ' ' << sigma;
         }
     }

@@ -1,8 +1,7 @@
+#include "models/exposure/Exposure.h"
+
 #include <gtest/gtest.h>
 
-#include <cmath>
-
-#include "models/Scalars.h"
 #include "support/ColourSweep.h"
 
 namespace {
@@ -13,9 +12,9 @@ TEST(Exposure, FollowsTheFormulaForEveryByteAndLeavesAlpha) {
     for (const float setting : {100.0f, -100.0f, 20.0f, -3.5f, 1000.0f}) {
         HostPicture picture = keladjust::test::everyByte();
         exposureAdjustment(picture.image(), setting);
-        const auto factor = static_cast<float>(std::exp2(double{setting / 50.0f * 0.6f}));
         for (unsigned i = 0; i < 256; ++i) {
-            const int expected = clampByte(static_cast<float>(i) * factor);
+            const int grey = static_cast<int>(i);
+            const int expected = exposureModel(setting, {grey, grey, grey})[0];
             const _tagMyRGBQUAD p = picture.pixel(i, 0);
             ASSERT_TRUE(p.red == expected && p.green == expected && p.blue == expected)
                 << setting << " on " << i;
@@ -25,10 +24,7 @@ TEST(Exposure, FollowsTheFormulaForEveryByteAndLeavesAlpha) {
             [&](float* lut, unsigned long count, int stride) {
                 return lut3d_exposureAdjustment(lut, count, stride, setting);
             },
-            [&](Floats in) {
-                return Floats{clampUnit(in[0] * factor), clampUnit(in[1] * factor),
-                              clampUnit(in[2] * factor)};
-            });
+            [&](Floats in) { return exposureTableModel(setting, in); });
     }
 }
 

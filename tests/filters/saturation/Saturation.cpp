@@ -25,11 +25,7 @@ TEST(Saturation, FollowsTheFormulaInTables) {
             [&](float* lut, unsigned long count, int stride) {
                 return lut3d_saturationAdjustment(lut, count, stride, setting);
             },
-            [&](Floats in) {
-                if (in[0] == in[1] && in[1] == in[2]) return in;
-                const Floats out = saturationModel(setting, in, 1.0f);
-                return Floats{clampUnit(out[0]), clampUnit(out[1]), clampUnit(out[2])};
-            });
+            [&](Floats in) { return saturationTableModel(setting, in); });
     }
 }
 

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 #include "support/ColourSweep.h"
 #include "support/OddNumbers.h"
 
@@ -20,15 +18,9 @@ TEST(Tint, FollowsTheFormulaForEveryColour) {
 
 TEST(Tint, FollowsTheFormulaInTables) {
     for (const float tint : {100.0f, -50.0f, -2.55f}) {
-        const auto k = static_cast<float>(std::floor(std::trunc(tint * 100.0f) / 256.0f));
-        const float f = k / 255.0f;
         expectEveryEntry([&](float* lut, unsigned long count,
                              int stride) { return lut3d_tintAdjustment(lut, count, stride, tint); },
-                         [&](Floats in) {
-                             const float grey = in[0] * 0.3f + in[1] * 0.59f + in[2] * 0.11f;
-                             return Floats{clampUnit(in[0] + grey * f), clampUnit(in[1] - grey * f),
-                                           clampUnit(in[2] + grey * f)};
-                         });
+                         [&](Floats in) { return tintTableModel(tint, in); });
     }
 }
 

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "support/ColourSweep.h"
 #include "support/OddNumbers.h"
 
@@ -20,23 +18,11 @@ TEST(Vibrance, FollowsTheFormulaForEveryColour) {
 
 TEST(Vibrance, FollowsTheFormulaInTables) {
     for (const float vibrance : {100.0f, 33.0f, -100.0f}) {
-        const float a = vibrance / 100.0f * 0.8f;
         expectEveryEntry(
             [&](float* lut, unsigned long count, int stride) {
                 return lut3d_vibranceAdjustment(lut, count, stride, vibrance);
             },
-            [&](Floats in) {
-                const float lightness =
-                    (std::min({in[0], in[1], in[2]}) + std::max({in[0], in[1], in[2]})) * 0.5f;
-                Floats d = in;
-                for (float& c : d) c = clampUnit(c - lightness);
-                const float m =
-                    (std::min({d[0], d[1], d[2]}) + std::max({d[0], d[1], d[2]})) * 0.5f;
-                const float f = (1.0f - m) * a + 1.0f;
-                const float o = (1.0f - f) * lightness;
-                for (float& c : in) c = clampUnit(f * c + o);
-                return in;
-            });
+            [&](Floats in) { return vibranceTableModel(vibrance, in); });
     }
 }
 

@@ -18,7 +18,8 @@ struct BlurScaleModel {
 };
 
 inline BlurScaleModel blurScaleModel(int radius) {
-    const std::uint64_t weights = static_cast<std::uint64_t>(radius + 1) * (radius + 1);
+    const auto edge = static_cast<std::uint64_t>(radius + 1);
+    const std::uint64_t weights = edge * edge;
     for (int shift = 40;; --shift) {
         const std::uint64_t power = std::uint64_t{1} << shift;
         const std::uint64_t multiplier = power / weights + (power % weights != 0 ? 1 : 0);

@@ -22,7 +22,8 @@ inline void fringingModel(CxImage& image, float setting) {
     const auto cy = static_cast<float>(image.height / 2);
     const float v = f > 0 ? 2.0f : 1.0f;
     const auto place = [](float value, float last) {
-        if (!(value >= 0)) value = 0;
+        if (value != value) return 0;
+        if (value < 0) value = 0;
         return shortOf(value >= last ? last : value);
     };
     for (int y = 0; y < static_cast<int>(image.height); ++y) {

@@ -5,7 +5,7 @@
 
 #include "models/Scalars.h"
 
-/// Global saturation.
+/// Global saturation, of bytes and in tables.
 namespace keladjust::test {
 
 // One pixel on a scale of `scale`, unclamped.
@@ -35,6 +35,13 @@ inline Bytes saturationModel(float setting, Bytes in) {
         Floats{static_cast<float>(in[0]), static_cast<float>(in[1]), static_cast<float>(in[2])},
         255.0f);
     return {clampByte(out[0]), clampByte(out[1]), clampByte(out[2])};
+}
+
+/// Greys stay as they are, outside 0..1, too, where NaN may be one of the channels.
+inline Floats saturationTableModel(float setting, Floats in) {
+    if (std::max({in[0], in[1], in[2]}) - std::min({in[0], in[1], in[2]}) == 0) return in;
+    const Floats out = saturationModel(setting, in, 1.0f);
+    return {clampUnit(out[0]), clampUnit(out[1]), clampUnit(out[2])};
 }
 
 }  // namespace keladjust::test

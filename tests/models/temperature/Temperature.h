@@ -21,7 +21,8 @@ inline float strengthOf(double setting) {
 
 // 8-bit HSL, written for this test: hue, saturation, lightness.
 inline Bytes byteHslOf(Bytes rgb) {
-    const auto [lo, hi] = std::minmax({rgb[0], rgb[1], rgb[2]});
+    const int lo = std::min({rgb[0], rgb[1], rgb[2]});
+    const int hi = std::max({rgb[0], rgb[1], rgb[2]});
     const int sum = hi + lo;
     const int d = hi - lo;
     const int l = (sum + 1) * 255 / 510;

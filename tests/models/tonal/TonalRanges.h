@@ -4,7 +4,6 @@
 #include <keladjust/keladjust.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 
 #include "models/Scalars.h"
@@ -42,9 +41,7 @@ inline Bytes tonalModel(const Tonal& tonal, float setting, Bytes in) {
     for (std::size_t c = 0; c < 3; ++c) {
         float v = lift(static_cast<float>(in[c]), k, 255.0f);
         if (tonal.doubled && k > 0) v = lift(v, k, 255.0f);
-        // Every value the sweeps reach fits in 64 bits, whose low byte is that of 32.
-        out[c] = tonal.wraps ? static_cast<int>(static_cast<long long>(std::trunc(v)) & 255)
-                             : clampByte(v);
+        out[c] = tonal.wraps ? wholeOf(v) & 255 : clampByte(v);
     }
     return out;
 }

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "arithmetic/Angle.h"
 #include "models/Scalars.h"
 
 namespace keladjust::test {
@@ -40,7 +41,7 @@ inline float vignetteMaskModel(int x, int y, int width, int height, const Vignet
     const float r = std::sqrt(xx * q + xx);
     const float e = std::sqrt(dx * dx + dy * dy);
     const float angle = (band - (r - e)) * 3.1415927f / band;
-    return (static_cast<float>(std::cos(static_cast<double>(angle))) + 1.0f) * 0.5f;
+    return (static_cast<float>(cosineOf(static_cast<double>(angle))) + 1.0f) * 0.5f;
 }
 
 inline void vignetteModel(CxImage& image, const VignetteSettings& s) {
