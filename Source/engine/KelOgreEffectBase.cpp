@@ -159,8 +159,7 @@ bool KelOgreEffectBase::prepareScene() {
         createSceneNodes();
     }
     if (picturePlane_ == nullptr) {
-        picturePlane_ =
-            std::make_unique<KelOgrePicturePlane>(engine_->renderSystemKind(), pixelBufferSwitch_);
+        picturePlane_ = std::make_unique<KelOgrePicturePlane>(pixelBufferSwitch_);
         picturePlane_->attachTo(*planeNode_);
     }
     return true;
