@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <iterator>
 #include <memory>
@@ -19,6 +20,7 @@
 #include <vector>
 
 #include "filters/Stages.h"
+#include "models/temperature/Temperature.h"
 #include "support/Choices.h"
 #include "support/Finding.h"
 #include "support/GuardedBuffer.h"
@@ -80,6 +82,16 @@ private:
     bool throws_;
     bool hasCancelled_ = false;
 };
+
+void tryConversions(_tagMyRGBQUAD colour) {
+    const test::Bytes in{colour.red, colour.green, colour.blue};
+    const _tagMyRGBQUAD hsl = CxImage::RGBtoHSL(colour);
+    const _tagMyRGBQUAD rgb = CxImage::HSLtoRGB(colour);
+    if (test::byteHslOf(in) != test::Bytes{hsl.red, hsl.green, hsl.blue} ||
+        test::byteRgbOf(in) != test::Bytes{rgb.red, rgb.green, rgb.blue}) {
+        finding("a conversion of %d, %d, %d", colour.red, colour.green, colour.blue);
+    }
+}
 
 /// A thread of a host, with its picture.
 class Host {
@@ -241,7 +253,7 @@ private:
         constexpr unsigned depths[] = {0, 8, 12, 16, 24, 32};
         CxImage own;
         for (int i = input_.ConsumeIntegralInRange(1, 6); i > 0; --i) {
-            switch (input_.ConsumeIntegralInRange(0, 5)) {
+            switch (input_.ConsumeIntegralInRange(0, 6)) {
                 case 0: {
                     const unsigned width = chooseSize();
                     const unsigned height = chooseSize();
@@ -262,10 +274,25 @@ private:
                     own.Destroy();
                     break;
                 case 4: {
+                    // A host's buffer comes from malloc() where a copy may free it.
+                    auto* bits = static_cast<unsigned char*>(std::calloc(4 * 3, 1));
+                    unsigned char* const host = bits;
+                    CxImage adopting(&bits, 3, 1, 32, IMAGE_FORMAT_RGBA);
+                    adopting.Copy(image_.get());
+                    const bool isKept = bits == host;
+                    if (isKept) std::free(host);
+                    if (adopting.getFormat() != image_->getFormat() ||
+                        adopting.GetEffWidth() != image_->GetEffWidth()) {
+                        finding("a copy of another kind");
+                    }
+                    break;
+                }
+                case 5: {
                     const int x = input_.ConsumeIntegralInRange(-1, 71);
                     const int y = input_.ConsumeIntegralInRange(-1, 71);
                     const _tagMyRGBQUAD colour = own.GetPixelColor(x, y, input_.ConsumeBool());
                     own.SetPixelColor(x, y, colour);
+                    tryConversions(colour);
                     break;
                 }
                 default:

@@ -166,8 +166,7 @@ bool KelOgreEffectBase::prepareScene() {
     }
     if (sceneManager_ == nullptr) createScene(*root);
     if (picturePlane_ == nullptr) {
-        auto plane =
-            std::make_unique<KelOgrePicturePlane>(engine_->renderSystemKind(), pixelBufferSwitch_);
+        auto plane = std::make_unique<KelOgrePicturePlane>(pixelBufferSwitch_);
         plane->attachTo(*planeNode_);
         picturePlane_ = std::move(plane);
     }

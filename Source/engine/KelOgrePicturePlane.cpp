@@ -57,15 +57,14 @@ bool isUnit(std::uint32_t unit) {
 
 }  // namespace
 
-KelOgrePicturePlane::KelOgrePicturePlane(std::uint32_t renderSystemKind, bool pixelBufferSwitch)
+KelOgrePicturePlane::KelOgrePicturePlane(bool pixelBufferSwitch)
     : number_(nextNumber++),
       name_(engineName("KelOgrePicturePlane_", number_)),
       materialName_(engineName("PlaneMaterialName_", number_)),
       rectangleName_(engineName("KelOgrePicturePlaneRectange_", number_)),
       material_(materialName_),
       rectangle_(std::make_unique<Ogre::Rectangle2D>(rectangleName_, true)),
-      pixelBufferSwitch_(pixelBufferSwitch),
-      renderSystemKind_(renderSystemKind) {
+      pixelBufferSwitch_(pixelBufferSwitch) {
     setUpPlaneMaterial(material_.material);
     rectangle_->setCorners(-1.0f, 1.0f, 1.0f, -1.0f, false);
     // Whatever the camera, the rectangle is in sight.

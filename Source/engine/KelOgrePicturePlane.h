@@ -21,7 +21,7 @@ class SceneNode;
 /// each input unit, kept from call to call while the pictures' size and format stay the same.
 class KelOgrePicturePlane {
 public:
-    KelOgrePicturePlane(std::uint32_t renderSystemKind, bool pixelBufferSwitch);
+    explicit KelOgrePicturePlane(bool pixelBufferSwitch);
     virtual ~KelOgrePicturePlane();
     KelOgrePicturePlane(const KelOgrePicturePlane&) = delete;
     KelOgrePicturePlane& operator=(const KelOgrePicturePlane&) = delete;
@@ -84,7 +84,6 @@ private:
     std::uint32_t width_ = 0;
     std::uint32_t height_ = 0;
     bool pixelBufferSwitch_;
-    std::uint32_t renderSystemKind_;
     /// Rows without padding, where the picture's own cannot be uploaded.
     std::vector<unsigned char> tightRows_;
 };

@@ -148,10 +148,18 @@ ChosenPicture choosePicture(FuzzedDataProvider& input) {
     constexpr std::uint16_t large = 0x4C54;  // rarely met by chance
     const bool isLarge = input.ConsumeIntegral<std::uint16_t>() == large;
     const PixelFormat format = chooseFormat(input);
-    const unsigned width =
-        isLarge ? 480u + 32u * input.ConsumeIntegralInRange(0u, 31u) + chooseSide(input) % 32u
-                : chooseSide(input);
-    const unsigned height = isLarge ? 70u : chooseSide(input);
+    unsigned width = 0;
+    unsigned height = 0;
+    if (isLarge) {
+        const bool isTall = input.ConsumeBool();
+        const unsigned longer =
+            480u + 32u * input.ConsumeIntegralInRange(0u, 31u) + chooseSide(input) % 32u;
+        width = isTall ? 70u : longer;
+        height = isTall ? longer : 70u;
+    } else {
+        width = chooseSide(input);
+        height = chooseSide(input);
+    }
     const std::size_t rowBytes = (std::size_t{width} * format.bpp + 31) / 32 * 4;
     return {width, height, format.bpp, format.format,
             choosePixels(input, rowBytes * height, rowBytes == 0 ? 1 : rowBytes)};

@@ -248,6 +248,23 @@ void blurBufferModel(CxImage& image, const StageSlots& slots) {
     if (radius >= 1 && radius <= 254 && image.bpp % 8 == 0) blurImageModel(image, radius);
 }
 
+// Along rows, along columns, or neither.
+std::int32_t passOf(const StageSlots& slots) {
+    return wholeOf(slots.get<float>(1)) & 3;
+}
+CxImage* blurPassOfBuffer(CxImage* image, const StageSlots& slots) {
+    stackBlurPass(image->pBits, static_cast<int>(image->width), static_cast<int>(image->height),
+                  static_cast<int>(image->bytesPerPixel), wholeSetting(slots), passOf(slots));
+    return image;
+}
+void blurPassOfBufferModel(CxImage& image, const StageSlots& slots) {
+    const std::int32_t radius = wholeSetting(slots);
+    const auto bytes = static_cast<int>(image.bytesPerPixel);
+    if (radius < 1 || radius > 254 || bytes == 0 || bytes == 2) return;
+    blurPassModel(image.pBits, static_cast<int>(image.width), static_cast<int>(image.height), bytes,
+                  radius, passOf(slots));
+}
+
 CxImage* meanOfMap(CxImage* image, const StageSlots&) {
     const MapSize size(*image);
     const std::vector<std::uint8_t> source = pixelsOf(*image);
@@ -349,6 +366,7 @@ std::span<const LooseStage> looseStages() {
         {"brightness of a range", 3, spatialForms<adjustBrightnessFilter, 0, 1, 2>().picture,
          onRange<oneBrightness>},
         {"blur", 1, blurBuffer, blurBufferModel},
+        {"blur pass", 2, blurPassOfBuffer, blurPassOfBufferModel},
         {"15 x 15 mean", 0, meanOfMap, meanOfMapModel},
         {"veil", 1, veilOfMap, veilOfMapModel},
         {"DCT thresholding", 1, denoiseBuffer, denoiseBufferModel},
