@@ -155,9 +155,10 @@ Bytes png(std::uint32_t width, std::uint32_t height, const Bytes& packed,
 }
 
 Bytes deflated(const Bytes& content) {
-    uLongf size = compressBound(content.size());
+    const auto length = static_cast<uLong>(content.size());
+    uLongf size = compressBound(length);
     Bytes bytes(size);
-    compress2(bytes.data(), &size, content.data(), content.size(), Z_BEST_COMPRESSION);
+    compress2(bytes.data(), &size, content.data(), length, Z_BEST_COMPRESSION);
     bytes.resize(size);
     return bytes;
 }
