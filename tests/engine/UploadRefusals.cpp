@@ -88,7 +88,7 @@ protected:
 
 TEST_F(UploadRefusals, OfPixelsWithoutASizeRaise) {
     onThread([this] {
-        KelOgrePicturePlane plane(0, false);
+        KelOgrePicturePlane plane(false);
         unsigned char pixel[4] = {};
         for (const auto& [width, height] : {std::pair{0u, 1u}, {1u, 0u}, {0u, 0u}}) {
             const _ImageParam picture{pixel, true, width, height, 0, Ogre::PF_A8R8G8B8, 4};
@@ -101,7 +101,7 @@ TEST_F(UploadRefusals, OfPixelsWithoutASizeRaise) {
 
 TEST_F(UploadRefusals, OfNoPixelsAreLoggedBeforeTheSizeIsLookedAt) {
     onThread([this] {
-        KelOgrePicturePlane plane(0, false);
+        KelOgrePicturePlane plane(false);
         const _ImageParam nothing{nullptr, true, 0, 0, 0, Ogre::PF_A8R8G8B8, 0};
         EXPECT_FALSE(plane.setPictruePlaneImage(nothing, 0));
     });
@@ -110,7 +110,7 @@ TEST_F(UploadRefusals, OfNoPixelsAreLoggedBeforeTheSizeIsLookedAt) {
 
 TEST_F(UploadRefusals, OfPixelsThatAreTooManyAreLogged) {
     onThread([this] {
-        KelOgrePicturePlane plane(0, false);
+        KelOgrePicturePlane plane(false);
         unsigned char pixel[4] = {};
         for (const auto& [width, height] :
              {std::pair{maximum + 1, 1u}, {1u, maximum + 1}, {maximum + 1, maximum + 1}}) {
@@ -124,7 +124,7 @@ TEST_F(UploadRefusals, OfPixelsThatAreTooManyAreLogged) {
 
 TEST_F(UploadRefusals, OfTexturesWithoutASizeAreLoggedAndRaise) {
     onThread([this] {
-        KelOgrePicturePlane plane(0, false);
+        KelOgrePicturePlane plane(false);
         for (const auto& [width, height] : {std::pair{0u, 1u}, {1u, 0u}, {0u, 0u}}) {
             log.clear();
             expectRaised("This texture's size is zero!",
@@ -137,7 +137,7 @@ TEST_F(UploadRefusals, OfTexturesWithoutASizeAreLoggedAndRaise) {
 
 TEST_F(UploadRefusals, OfTexturesThatAreEmptyOrTooLargeAreLogged) {
     onThread([this] {
-        KelOgrePicturePlane plane(0, false);
+        KelOgrePicturePlane plane(false);
         EXPECT_FALSE(plane.setTexture(textureOf(1, 1, 0), 0));
         EXPECT_EQ(log.countExact("Image data is NULL!"), 1);
         EXPECT_FALSE(plane.setTexture(textureOf(maximum + 1, 1, 4), 0));

@@ -144,20 +144,58 @@ void convertFromCmyk(Photo& photo, bool inverted) {
     }
 }
 
+/// Where the compressor's bytes go. libjpeg's own destination in memory tells of a larger buffer
+/// only at the end, so that after an error the one that was given has been freed already.
+class Destination : public jpeg_destination_mgr {
+public:
+    Destination() : jpeg_destination_mgr{} {
+        init_destination = [](j_compress_ptr jpeg) { of(jpeg).grow(jpeg); };
+        empty_output_buffer = [](j_compress_ptr jpeg) -> boolean {
+            of(jpeg).grow(jpeg);
+            return TRUE;
+        };
+        term_destination = [](j_compress_ptr jpeg) {
+            of(jpeg).used_ = of(jpeg).size_ - of(jpeg).free_in_buffer;
+        };
+    }
+    ~Destination() { std::free(bytes_); }
+    Destination(const Destination&) = delete;
+    Destination& operator=(const Destination&) = delete;
+
+    std::span<const unsigned char> written() const { return {bytes_, used_}; }
+
+private:
+    static Destination& of(j_compress_ptr jpeg) { return *static_cast<Destination*>(jpeg->dest); }
+
+    // libjpeg calls when all there is has been filled, whatever it says of free bytes. No exception
+    // may pass through it.
+    void grow(j_compress_ptr jpeg) {
+        constexpr std::size_t first = 1 << 16;
+        const std::size_t grown = size_ == 0 ? first : 2 * size_;
+        auto* const bytes = static_cast<unsigned char*>(std::realloc(bytes_, grown));
+        if (bytes == nullptr) ERREXIT1(jpeg, JERR_OUT_OF_MEMORY, 0);
+        bytes_ = bytes;
+        next_output_byte = bytes_ + size_;
+        free_in_buffer = grown - size_;
+        size_ = grown;
+    }
+
+    unsigned char* bytes_ = nullptr;
+    std::size_t size_ = 0;
+    std::size_t used_ = 0;
+};
+
 class Compressor {
 public:
     Compressor() { jpeg_.err = install(errors_); }
-    ~Compressor() {
-        jpeg_destroy_compress(&jpeg_);
-        std::free(buffer_);
-    }
+    ~Compressor() { jpeg_destroy_compress(&jpeg_); }
     Compressor(const Compressor&) = delete;
     Compressor& operator=(const Compressor&) = delete;
 
     bool write(const Photo& photo, int quality) {
         if (setjmp(errors_.jump)) return false;
         jpeg_create_compress(&jpeg_);
-        jpeg_mem_dest(&jpeg_, &buffer_, &size_);
+        jpeg_.dest = &destination_;
         jpeg_.image_width = photo.width();
         jpeg_.image_height = photo.height();
         jpeg_.input_components = static_cast<int>(photo.bytesPerPixel());
@@ -180,14 +218,13 @@ public:
         return true;
     }
 
-    std::span<const unsigned char> result() const { return {buffer_, size_}; }
+    std::span<const unsigned char> result() const { return destination_.written(); }
     std::string message() const { return messageOf(errors_); }
 
 private:
     jpeg_compress_struct jpeg_{};
     ErrorState errors_{};
-    unsigned char* buffer_ = nullptr;
-    unsigned long size_ = 0;
+    Destination destination_;
 };
 
 class Jpeg final : public Codec {
