@@ -170,7 +170,7 @@ private:
     // libjpeg calls when all there is has been filled, whatever it says of free bytes. No exception
     // may pass through it.
     void grow(j_compress_ptr jpeg) {
-        constexpr std::size_t first = 1 << 16;
+        constexpr std::size_t first = 1 << 10;
         const std::size_t grown = size_ == 0 ? first : 2 * size_;
         auto* const bytes = static_cast<unsigned char*>(std::realloc(bytes_, grown));
         if (bytes == nullptr) ERREXIT1(jpeg, JERR_OUT_OF_MEMORY, 0);
