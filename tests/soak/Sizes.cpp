@@ -71,7 +71,7 @@ int main(int count, char** arguments) {
         if (time >= times / 5 && time % step == 0) readings.take();
     }
     releaseOgre();
-    // In the short form the heap still finds its size; a picture that stayed each time would be
-    // 160.
+    // Half a kilobyte a picture. In the short form the heap still finds its size; a picture that
+    // stayed each time would be 160.
     return readings.areFlat((isShort ? 32.0 : 0.5) * step) ? EXIT_SUCCESS : EXIT_FAILURE;
 }
