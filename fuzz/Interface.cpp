@@ -46,9 +46,7 @@ using Image = std::unique_ptr<CxImage, Release>;
 _AdjustParam chooseRecord(FuzzedDataProvider& input) {
     _AdjustParam record = test::identity;
     for (int i = input.ConsumeIntegralInRange(0, 3); i > 0; --i) {
-        chooseSettings(input,
-                       stages.at(input.ConsumeIntegralInRange<std::size_t>(0, stages.size() - 1)),
-                       record);
+        chooseSettings(input, chooseStage(input), record);
     }
     return record;
 }

@@ -34,10 +34,6 @@ struct Step {
     std::function<void(CxImage&)> model;
 };
 
-const Stage& chooseStage(FuzzedDataProvider& input) {
-    return stages.at(input.ConsumeIntegralInRange<std::size_t>(0, stages.size() - 1));
-}
-
 Step chooseStep(FuzzedDataProvider& input) {
     _AdjustParam record = test::identity;
     const auto loose = looseStages();
@@ -61,19 +57,6 @@ Step chooseStep(FuzzedDataProvider& input) {
             }};
 }
 
-/// A record with a few stages set, or all of them.
-_AdjustParam chooseRecord(FuzzedDataProvider& input) {
-    _AdjustParam record = test::identity;
-    const auto choice = input.ConsumeIntegral<std::uint8_t>();
-    const int count = choice % 4;
-    if (choice > 250) {
-        for (const Stage& stage : stages) chooseSettings(input, stage, record);
-    } else {
-        for (int i = 0; i < count; ++i) chooseSettings(input, chooseStage(input), record);
-    }
-    return record;
-}
-
 std::vector<Step> chooseSteps(FuzzedDataProvider& input) {
     std::vector<Step> steps;
     const auto count = input.ConsumeIntegralInRange(0, 3);
@@ -81,7 +64,7 @@ std::vector<Step> chooseSteps(FuzzedDataProvider& input) {
         for (int i = 0; i < count; ++i) steps.push_back(chooseStep(input));
         return steps;
     }
-    const _AdjustParam record = chooseRecord(input);
+    const _AdjustParam record = chooseRecord(input, chooseStage);
     std::string name = "the pipeline of";
     for (const Stage& stage : stages) {
         if (stage.isActive(record)) name += " " + textOf(stage, record) + ",";

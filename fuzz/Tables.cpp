@@ -152,18 +152,6 @@ void tryStages(FuzzedDataProvider& input) {
     });
 }
 
-_AdjustParam chooseRecord(FuzzedDataProvider& input) {
-    _AdjustParam record = test::identity;
-    const auto choice = input.ConsumeIntegral<std::uint8_t>();
-    const int count = choice % 4;
-    if (choice > 250) {
-        for (const Stage& stage : stages) chooseSettings(input, stage, record);
-    } else {
-        for (int i = 0; i < count; ++i) chooseSettings(input, chooseTableStage(input), record);
-    }
-    return record;
-}
-
 /// The colour of a lattice with `last` steps an axis, after the stages.
 Floats baked(const _AdjustParam& record, int red, int green, int blue, int last) {
     const auto level = [&](int i) { return static_cast<float>(i) / static_cast<float>(last); };
@@ -178,7 +166,7 @@ Floats baked(const _AdjustParam& record, int red, int green, int blue, int last)
 void tryBake(FuzzedDataProvider& input) {
     const bool isThreaded = input.ConsumeBool();
     const bool redFastest = input.ConsumeBool();
-    const _AdjustParam record = chooseRecord(input);
+    const _AdjustParam record = chooseRecord(input, chooseTableStage);
     const auto byte = input.ConsumeIntegral<std::uint8_t>();
     // 21 is enough for several threads.
     const int edge = byte < 254 ? 2 + byte % 4 : byte == 254 ? 8 : 21;
@@ -243,7 +231,7 @@ void appendNumber(std::string& text, float value) {
 // 32 colours an axis, tiled; the file has them one after another, on their way through 0..255.
 void tryLibraryTable(FuzzedDataProvider& input) {
     constexpr int edge = 32;
-    const _AdjustParam record = chooseRecord(input);
+    const _AdjustParam record = chooseRecord(input, chooseTableStage);
     std::vector<float> expected(std::size_t{edge} * edge * edge * 3);
     std::string text =
         "#LUT size\nLUT_3D_SIZE 32\n\n#data domain\nDOMAIN_MIN 0.0 0.0 0.0\n"

@@ -8,6 +8,7 @@
 #include <limits>
 #include <random>
 
+#include "filters/Stages.h"
 #include "support/StageSettings.h"
 
 namespace keladjust::fuzz {
@@ -100,6 +101,10 @@ float anyFloat(FuzzedDataProvider& input) {
     return std::bit_cast<float>(input.ConsumeIntegral<std::uint32_t>());
 }
 
+const Stage& chooseStage(FuzzedDataProvider& input) {
+    return stages.at(input.ConsumeIntegralInRange<std::size_t>(0, stages.size() - 1));
+}
+
 void chooseSettings(FuzzedDataProvider& input, const Stage& stage, _AdjustParam& record) {
     for (std::size_t i = 0; i < stage.settingCount; ++i) {
         const Setting& setting = stage.settingRows[i];
@@ -117,6 +122,18 @@ void chooseSettings(FuzzedDataProvider& input, const Stage& stage, _AdjustParam&
         }
         putSlot(record, stage.firstSlot + static_cast<int>(i), bits);
     }
+}
+
+_AdjustParam chooseRecord(FuzzedDataProvider& input, const Stage& (*choose)(FuzzedDataProvider&)) {
+    _AdjustParam record = test::identity;
+    const auto choice = input.ConsumeIntegral<std::uint8_t>();
+    const int count = choice % 4;
+    if (choice > 250) {
+        for (const Stage& stage : stages) chooseSettings(input, stage, record);
+    } else {
+        for (int i = 0; i < count; ++i) chooseSettings(input, choose(input), record);
+    }
+    return record;
 }
 
 std::string textOf(const Stage& stage, const _AdjustParam& record) {

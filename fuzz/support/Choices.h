@@ -17,9 +17,16 @@ namespace keladjust::fuzz {
 /// Any float, NaN, infinities and denormals among them.
 float anyFloat(FuzzedDataProvider& input);
 
+/// One of the catalogue.
+const Stage& chooseStage(FuzzedDataProvider& input);
+
 /// Puts something into each of a stage's slots: a value of the useful range, the identity, or any
 /// bits at all.
 void chooseSettings(FuzzedDataProvider& input, const Stage& stage, _AdjustParam& record);
+
+/// A record with the settings of up to three stages, or now and then of all.
+/// @param choose one of those that the target looks at
+_AdjustParam chooseRecord(FuzzedDataProvider& input, const Stage& (*choose)(FuzzedDataProvider&));
 
 /// A stage's name and settings, for reports.
 std::string textOf(const Stage& stage, const _AdjustParam& record);
