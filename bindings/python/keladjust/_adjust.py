@@ -17,8 +17,8 @@ PATHS = {
     "gpu": _interface.KELADJUST_GPU,
 }
 
-# The setting that moves the bytes of a row rather than its pixels: only with four of them to a pixel
-# does it do to three channels what it does to them in the command-line program.
+# The setting that moves the bytes of a row rather than its pixels, and so does something else where
+# pixels have other bytes: the command-line program's results are the measure.
 MOVES_BYTES = "distortion"
 
 MOST_THREADS = 1024
@@ -83,7 +83,7 @@ def adjust(array, settings=None, /, *, preset=None, order="rgb", path="cpu", thr
     all_settings.update(settings_of(settings, "settings"))
     all_settings.update(_named_settings(values))
     moves_bytes = all_settings[MOVES_BYTES] != 0
-    with picture_of(array, order, in_quads=moves_bytes) as image:
+    with picture_of(array, order, as_in_program=moves_bytes) as image:
         if image is None:
             return "cpu" if path == "auto" else path
         return _run(image, all_settings.record(), wanted, most, progress)

@@ -24,7 +24,8 @@ def _row(layout):
 
 
 def _has_equal_rows(layout):
-    return layout.has_side_by_side(1) and layout.copied_pixel == layout.channels
+    return layout.has_side_by_side(1) and layout.copied_pixel == layout.channels and \
+        layout.copied_order == layout.order
 
 
 def _move(layout, copy, into_copy):
@@ -35,15 +36,19 @@ def _move(layout, copy, into_copy):
         return
     pixels = numpy.asarray(memoryview(layout.array))
     pixels = pixels if pixels.ndim == 3 else pixels[..., None]
-    copied = numpy.ndarray(pixels.shape, numpy.uint8, copy,
+    copied = numpy.ndarray((layout.height, layout.width, layout.copied_pixel), numpy.uint8, copy,
                            strides=(_row(layout), layout.copied_pixel, 1))
-    target, source = (copied, pixels) if into_copy else (pixels, copied)
     if _has_equal_rows(layout):
-        target[...] = source
+        _assign(copied, pixels, into_copy)
         return
-    # Some ten times as fast as pixel by pixel, three bytes each, which is numpy's own order.
-    for channel in range(layout.channels):
-        target[..., channel] = source[..., channel]
+    # Three times as fast as pixel by pixel, which is numpy's own order.
+    for channel, place in zip(range(layout.channels), layout.copied_channels):
+        _assign(copied[..., place], pixels[..., channel], into_copy)
+
+
+def _assign(copied, pixels, into_copy):
+    target, source = (copied, pixels) if into_copy else (pixels, copied)
+    target[:] = source
 
 
 def move_without_numpy(layout, copy, into_copy):
@@ -54,11 +59,9 @@ def move_without_numpy(layout, copy, into_copy):
         if equal_rows:
             ctypes.memmove(*((here, there) if into_copy else (there, here)), layout.row_bytes)
             continue
-        for channel in range(layout.channels):
-            pixels = _channel(there + channel * layout.channel, layout.width, layout.pixel)
-            copied = _channel(here + channel, layout.width, layout.copied_pixel)
-            target, source = (copied, pixels) if into_copy else (pixels, copied)
-            target[:] = source
+        for channel, place in zip(range(layout.channels), layout.copied_channels):
+            _assign(_channel(here + place, layout.width, layout.copied_pixel),
+                    _channel(there + channel * layout.channel, layout.width, layout.pixel), into_copy)
 
 
 def _channel(first, count, step):

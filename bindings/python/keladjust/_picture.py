@@ -28,7 +28,7 @@ class Layout:
     """Where the pixels of an array lie: sizes, and the bytes from one row, pixel and channel to the
     next."""
 
-    def __init__(self, buffer, in_quads):
+    def __init__(self, buffer, order, as_in_program):
         if not buffer.is_bytes:
             raise TypeError(f"array must hold unsigned bytes, not items of format '{buffer.format}'")
         shape, strides = buffer.shape, buffer.strides
@@ -42,7 +42,9 @@ class Layout:
         self.height, self.width, self.channels = shape
         self.row, self.pixel, self.channel = strides
         self.row_bytes = self.width * self.channels
-        self.in_quads = self.channels == 3 and (in_quads or self.row_bytes % 4 != 0)
+        self.order = order
+        self.as_in_program = as_in_program and self.channels > 1
+        self.in_quads = self.channels == 3 and (self.as_in_program or self.row_bytes % 4 != 0)
 
     def check(self):
         copied_row = (self.width * self.copied_pixel + 3) // 4 * 4
@@ -63,6 +65,15 @@ class Layout:
         return 4 if self.in_quads else self.channels
 
     @property
+    def copied_order(self):
+        return "bgr" if self.as_in_program else self.order
+
+    @property
+    def copied_channels(self):
+        """Where in a copy's pixel each channel goes."""
+        return (0, 1, 2, 3) if self.copied_order == self.order else (2, 1, 0, 3)
+
+    @property
     def is_turned(self):
         """Whether it is a view such as bgr[..., ::-1], which has the other order in memory."""
         return self.channels == 3 and self.channel == -1
@@ -74,8 +85,12 @@ class Layout:
 
     def is_packed(self):
         """Whether rows are as the library has them."""
-        return self.has_side_by_side(-1 if self.is_turned else 1) and not self.in_quads and \
-            self.row_bytes % 4 == 0 and (self.height == 1 or self.row == self.row_bytes)
+        return self.has_side_by_side(-1 if self.is_turned else 1) and self.row_bytes % 4 == 0 and \
+            (self.height == 1 or self.row == self.row_bytes)
+
+    def can_stay(self):
+        """Whether the library can work on the array's own bytes."""
+        return self.is_packed() and not self.in_quads and self.copied_order == self.order
 
 
 @contextmanager
@@ -92,29 +107,30 @@ def _image(address, layout, pixel_bytes, order):
 
 
 @contextmanager
-def picture_of(array, order, in_quads=False):
+def picture_of(array, order, as_in_program=False):
     """The library's picture of an array: of its own bytes wherever that can be, else of a copy that
     goes back at the end, after exceptions, too. None for an array without pixels.
 
-    in_quads: whether three channels have to be four"""
+    as_in_program: whether colours have to lie as the command-line program has them, blue, green, red
+    and alpha; only what moves the bytes of a row rather than its pixels makes a difference"""
     chosen(order, ORDERS, "order")
     with _buffer.opened(array) as buffer:
-        layout = Layout(buffer, in_quads)
+        layout = Layout(buffer, order, as_in_program)
         if 0 in (layout.width, layout.height):
             yield None
             return
         layout.check()
-        if layout.is_packed():
-            first, in_memory = layout.address, order
+        if layout.can_stay():
+            first = layout.address
             if layout.is_turned:
-                first, in_memory = layout.address - 2, ORDERS[1 - ORDERS.index(order)]
-            with _image(first, layout, layout.channels, in_memory) as image:
+                first, order = first - 2, ORDERS[1 - ORDERS.index(order)]
+            with _image(first, layout, layout.channels, order) as image:
                 yield image
             return
         copy = copied_in(layout)
         try:
             address = ctypes.addressof(ctypes.c_char.from_buffer(copy))
-            with _image(address, layout, layout.copied_pixel, order) as image:
+            with _image(address, layout, layout.copied_pixel, layout.copied_order) as image:
                 yield image
         finally:
             copied_out(copy, layout)

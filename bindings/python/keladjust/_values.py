@@ -13,7 +13,7 @@ def number(value, name):
     try:
         return float(value)
     except OverflowError:
-        return math.copysign(math.inf, value)
+        return math.inf if value > 0 else -math.inf
 
 
 def whole(value, name, lowest, highest):

@@ -13,8 +13,9 @@ from ._names import suggestion
 from ._picture import picture_of
 from ._values import number
 
-# The stage that moves the bytes of a row rather than its pixels.
-_MOVES_BYTES = "distortFilter"
+# Stages that work on bytes as they lie, whatever the format says of them: they want the command-line
+# program's order, in which they were made.
+_AS_IN_PROGRAM = ("distortFilter", "hueAdjustment")
 
 # As whole numbers are everywhere in the record.
 _WHOLE = ctypes.c_long
@@ -44,7 +45,7 @@ def _make(name, parameters, text):
                 value = int(value)
             values.append(value)
         with picture_of(bound.arguments["array"], bound.arguments["order"],
-                        in_quads=name == _MOVES_BYTES) as image:
+                        as_in_program=name in _AS_IN_PROGRAM) as image:
             if image is not None:
                 ctypes.set_errno(0)
                 stage(image, *values)

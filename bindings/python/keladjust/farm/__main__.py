@@ -3,6 +3,7 @@
 import argparse
 import asyncio
 import contextlib
+import itertools
 import logging
 import os
 import secrets
@@ -36,18 +37,22 @@ class Parser(argparse.ArgumentParser):
         raise UsageError(message)
 
 
-def _at_least(lowest, kind):
+def _between(lowest, highest, kind=int):
     def parse(text):
         value = kind(text)
-        if not value >= lowest:
-            raise argparse.ArgumentTypeError(f"{text} is less than {lowest}")
+        if not lowest <= value <= highest:
+            raise argparse.ArgumentTypeError(f"{text} is not in {lowest}..{highest}")
         return value
-    parse.__name__ = kind.__name__
+    parse.__name__ = kind.__name__  # what messages call it
     return parse
 
 
+def _at_least(lowest, kind=int):
+    return _between(lowest, float("inf"), kind)
+
+
 def parser():
-    line = Parser("keladjust-farm", description=DESCRIPTION, allow_abbrev=False,
+    line = Parser("keladjust-farm", usage="keladjust-farm IN... OUT [option...]", description=DESCRIPTION, allow_abbrev=False,
                   epilog="Exit status: 0 all fine, 1 something failed, 2 wrong usage, 130 interrupted.",
                   formatter_class=argparse.RawDescriptionHelpFormatter)
     add = line.add_argument
@@ -58,17 +63,17 @@ def parser():
     add("--preset", dest="presets", action="append", default=[], metavar="FILE",
         help="take settings from a preset; several stack, later ones win")
     add("--format", choices=EXTENSIONS, help="of all outputs; usually what their names say")
-    add("--quality", type=int, metavar="N", help="1..100, of JPEG and WebP")
+    add("--quality", type=_between(1, 100), metavar="N", help="1..100, of JPEG and WebP")
     add("--lossless", action="store_true", help="write WebP without loss")
-    add("--max-pixels", type=int, metavar="N", help="refuse pictures of more pixels")
+    add("--max-pixels", type=_at_least(1), metavar="N", help="refuse pictures of more pixels")
     add("--scheduler", metavar="ADDRESS", help="of Dask's, such as tcp://host:8786; usually a cluster "
         "of this machine's own")
-    add("--workers", type=_at_least(1, int), metavar="N",
+    add("--workers", type=_at_least(1), metavar="N",
         help="of this machine's own cluster; usually one a core")
     for name, what in (("ca", "the authority that signs everybody's"), ("cert", "this client's"),
                        ("key", "this client's key")):
         add(f"--tls-{name}", metavar="FILE", help=f"{what}, for a scheduler at tls://")
-    add("--retries", type=_at_least(0, int), default=2, metavar="N",
+    add("--retries", type=_at_least(0), default=2, metavar="N",
         help="of a picture whose worker or program dies, or whose worker is at fault; usually 2")
     add("--timeout", type=_at_least(1, float), default=600.0, metavar="SECONDS",
         help="for one picture; usually 600")
@@ -77,13 +82,20 @@ def parser():
     add("--again", action="store_true", help="try pictures again that were set aside")
     add("--report", metavar="FILE", help=f"usually OUT/{FOLDER}/report.csv")
     add("--program", default="keladjust", metavar="PATH", help="of the program, on every worker")
-    add("--in-flight", type=_at_least(1, int), metavar="N",
+    add("--in-flight", type=_at_least(1), metavar="N",
         help="pictures that are handed out at a time; usually three a core")
     add("-q", "--quiet", action="store_true", help="print errors only")
-    for setting in SETTINGS:
-        add(f"--{setting.name}", type=float, metavar="N", dest=setting.key,
-            help=f"{setting.range}; {setting.help}")
+    for group, settings in itertools.groupby(sorted(SETTINGS, key=_place), lambda s: s.group):
+        heading = line.add_argument_group(group)
+        for setting in settings:
+            heading.add_argument(f"--{setting.name}", type=float, metavar="N", dest=setting.key,
+                                 help=f"{setting.range}; {setting.help}".replace("%", "%%"))
     return line
+
+
+def _place(setting):
+    """Groups in the order of their first settings."""
+    return next(other.slot for other in SETTINGS if other.group == setting.group), setting.slot
 
 
 def parse(arguments):

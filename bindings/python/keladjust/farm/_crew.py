@@ -16,6 +16,16 @@ from ._manifest import FOLDER
 # Cancelled futures are told of by either, depending on where the news comes from.
 CANCELLED = (asyncio.CancelledError, concurrent.futures.CancelledError)
 
+OWN_CLUSTER = {
+    # Workers would wait for each other for ever, now and then: a fault of Python 3.11.2.
+    "distributed.worker.profile.enabled": False,
+    # What a worker has not begun waits with the scheduler, and is not suspected when the worker dies.
+    "distributed.scheduler.worker-saturation": 1.0,
+    # The scheduler is part of this process, and would keep what became of the last hundred thousand.
+    "distributed.scheduler.transition-log-length": 1000,
+    "distributed.scheduler.events-log-length": 1000,
+}
+
 # Times in a row that a worker is at fault until it gets no more pictures.
 STRIKES = 3
 # Seconds between looks at who is there.
@@ -50,9 +60,7 @@ class Crew:
 
     async def __aenter__(self):
         if self._address is None:
-            # Workers would wait for each other with the profiler on: a fault of Python 3.11.2.
-            dask.config.set({"distributed.worker.profile.enabled": False,
-                             "distributed.scheduler.worker-saturation": 1.0})
+            dask.config.set(OWN_CLUSTER)
             self._cluster = await distributed.LocalCluster(
                 n_workers=self._local_workers, threads_per_worker=1, host="127.0.0.1",
                 dashboard_address=None, memory_limit=0, asynchronous=True)
