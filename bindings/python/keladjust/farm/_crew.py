@@ -63,7 +63,7 @@ class Crew:
             dask.config.set(OWN_CLUSTER)
             self._cluster = await distributed.LocalCluster(
                 n_workers=self._local_workers, threads_per_worker=1, host="127.0.0.1",
-                dashboard_address=None, memory_limit=0, asynchronous=True)
+                dashboard_address="127.0.0.1:0", memory_limit=0, asynchronous=True)
             self._address = self._cluster.scheduler_address
         await self._connect()
         return self

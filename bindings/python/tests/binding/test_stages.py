@@ -5,7 +5,7 @@ import inspect
 
 import numpy
 import pytest
-from conftest import ROOT
+from binding_support import ROOT
 
 import keladjust
 from keladjust import stages

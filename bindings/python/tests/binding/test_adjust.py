@@ -8,7 +8,7 @@ import time
 import cv2
 import numpy
 import pytest
-from conftest import PHOTOGRAPHS, ROOT, values_of
+from binding_support import PHOTOGRAPHS, ROOT, values_of
 from PIL import Image
 
 import keladjust

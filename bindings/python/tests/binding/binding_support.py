@@ -1,4 +1,4 @@
-"""What the tests of the binding share. They run on the installed wheel.
+"""What the tests of the binding share, which run on the installed wheel.
 
 KELADJUST_PROGRAM names the command-line program and KELADJUST_LIBRARY the library of the same
 sources, against which results are held."""
@@ -6,14 +6,10 @@ sources, against which results are held."""
 import ctypes
 import os
 import pathlib
-import subprocess
 
 import numpy
-import pytest
 
-import keladjust
-
-ROOT = pathlib.Path(__file__).resolve().parents[3]
+ROOT = pathlib.Path(__file__).resolve().parents[4]
 PHOTOGRAPHS = pathlib.Path("/usr/share/backgrounds/mate/nature")
 
 
@@ -21,18 +17,6 @@ def named(variable):
     path = pathlib.Path(os.environ[variable])
     assert path.exists(), f"{variable} names {path}, which is not there"
     return path
-
-
-@pytest.fixture(scope="session")
-def program():
-    """Runs the command-line program; its result."""
-    path = named("KELADJUST_PROGRAM")
-
-    def run(*arguments):
-        return subprocess.run([path, *map(str, arguments)], stdout=subprocess.PIPE,
-                              stderr=subprocess.PIPE, text=True, errors="replace",
-                              check=False)
-    return run
 
 
 class CLibrary:
@@ -73,28 +57,6 @@ class CLibrary:
         quads = numpy.full((*array.shape[:2], 4), 255, numpy.uint8)
         quads[..., places[:array.shape[2]]] = array
         return self.on_image(quads, "bgr", call)[..., places[:array.shape[2]]].copy()
-
-
-@pytest.fixture(scope="session")
-def c_library():
-    return CLibrary(named("KELADJUST_LIBRARY"))
-
-
-@pytest.fixture
-def noise():
-    """Pictures of random bytes: every one another, the same in every run."""
-    generator = numpy.random.default_rng(20)
-
-    def make(*shape):
-        return generator.integers(0, 256, shape, dtype=numpy.uint8)
-    return make
-
-
-@pytest.fixture(scope="session")
-def lively():
-    """Settings of every kind: a table, colours, a colour range, the vignette, neighbours."""
-    return keladjust.Settings({"exposure": 12, "contrast": 20, "vibrance": 30, "blue-hue": 25,
-                               "vignette-amount": -40, "clarity": 25, "sharpen": 60, "dehaze": 15})
 
 
 def values_of(setting):

@@ -9,7 +9,7 @@ import sys
 import zipfile
 
 import pytest
-from conftest import ROOT
+from binding_support import ROOT
 
 import keladjust
 from keladjust import stages
