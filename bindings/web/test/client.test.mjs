@@ -115,6 +115,12 @@ test("a picture can be handed over", async () => {
     assert.deepEqual(adjusted, library.adjust(small(), { exposure: 10 }));
 });
 
+test("a Buffer's pixels come back as bytes", async () => {
+    const adjusted = await client.adjust({ data: Buffer.alloc(12, 70), width: 3, height: 1 }, { exposure: 50 });
+    assert.deepEqual(adjusted.data.constructor, Uint8Array);
+    assert.equal(adjusted.data[0], Math.trunc(70 * 2 ** 0.6));
+});
+
 test("part of a larger buffer is copied, not handed over", async () => {
     const buffer = new Uint8Array(1000).fill(70);
     const data = buffer.subarray(100, 100 + 48);
