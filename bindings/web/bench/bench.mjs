@@ -1,6 +1,7 @@
 // Measures the package in Node beside the native library on one thread, and beside npm's other
 // packages, and prints tables in Markdown. What is compared takes turns, so that other programs of the
-// machine disturb all alike; times are medians, ratios those of the medians.
+// machine disturb all alike; times are medians of processor time, to which they do least, ratios those
+// of the medians.
 //
 //   node bindings/web/bench/bench.mjs [rounds [native|peers]]
 
@@ -29,10 +30,12 @@ const median = (values) => {
 const number = (value) => (value >= 100 ? value.toFixed(0) : value.toPrecision(3));
 const row = (...cells) => console.log(`| ${cells.join(" | ")} |`);
 
+/** Milliseconds of processor time, of all threads. */
 async function timed(body) {
-    const begin = performance.now();
+    const begin = process.cpuUsage();
     await body();
-    return performance.now() - begin;
+    const { user, system } = process.cpuUsage(begin);
+    return (user + system) / 1000;
 }
 
 const library = await load();
@@ -54,9 +57,7 @@ try {
 
 function adjustCopy(settings) {
     const data = pixels.slice();
-    const begin = performance.now();
-    library.adjust({ data, ...size }, settings);
-    return performance.now() - begin;
+    return timed(() => library.adjust({ data, ...size }, settings));
 }
 
 async function besideNative() {
@@ -65,14 +66,14 @@ async function besideNative() {
         .map(({ name, highest }) => [name, { [name]: name === "sharpen" ? 120 : Math.min(30, highest) }]));
     const measured = { ...alone, ...records };
     const times = Object.fromEntries(Object.keys(measured).map((name) => [name, { here: [], native: [] }]));
-    for (const settings of Object.values(measured)) adjustCopy(settings);  // compiled as well as it will be
+    for (const settings of Object.values(measured)) await adjustCopy(settings);  // compiled as well as it will be
     for (let round = 0; round < rounds; ++round) {
         for (const [name, settings] of Object.entries(measured)) {
             const words = Object.entries(settings).map(([setting, value]) => `${setting}=${value}`);
             const lines = execFileSync(native,
                 ["time", "rgba", size.width, size.height, raw, runsOfRound, ...words].map(String), { encoding: "utf8" });
             times[name].native.push(...lines.trim().split("\n").map(Number));
-            for (let run = 0; run < runsOfRound; ++run) times[name].here.push(adjustCopy(settings));
+            for (let run = 0; run < runsOfRound; ++run) times[name].here.push(await adjustCopy(settings));
         }
     }
     console.log("");
