@@ -10,8 +10,8 @@ from reference import slug_of
 
 RANGES = "Colour ranges"
 ALONE = "By themselves"
-KNOWN_KEYS = {"what", "formula", "function", "parameter", "photo", "crop", "width", "enlarge", "values",
-              "with", "grey", "noise", "label", "others", "cut", "shape"}
+KNOWN_KEYS = {"what", "formula", "function", "parameter", "photo", "crop", "width", "pixels", "values",
+              "with", "grey", "noise", "label", "others", "part", "shape"}
 STEPS_OF_BOUNDS = (-40, -20, 0, 20, 40)
 
 
@@ -32,7 +32,7 @@ class Shown:
     pictures: list = field(default_factory=list)  # (file, value, a word about it)
     width: int = 0
     height: int = 0
-    enlarge: int = 1
+    pixels: bool = False  # each of them is to be seen
 
 
 @dataclass
@@ -101,19 +101,14 @@ class Gallery:
                                  f"and nobody knows {sorted(unknown)}")
 
     def places(self):
-        """Function and parameter of each setting that is not one of a colour range: its page, anchor
-        and description."""
+        """Of the function and the parameter of each setting that is not a colour range's: its page
+        with the anchor, the setting, and whether it only says how others act."""
         places = {}
         for name, setting in self._settings.items():
             entry, kind = self.entry(name)
             if kind is None:
                 places[entry["function"], entry["parameter"]] = (
-                    f"{slug_of(setting.group)}.html#{name}", setting)
-        for name, setting in self._settings.items():
-            entry, kind = self.entry(name)
-            if kind is not None:
-                places.setdefault((entry["function"], entry["parameter"]),
-                                  (f"{slug_of(RANGES)}.html", setting))
+                    f"{slug_of(setting.group)}.html#{name}", setting, entry.get("shape", False))
         return places
 
     def make(self, workshop, tree):
@@ -175,14 +170,14 @@ class Gallery:
         entry, _ = self.entry(setting.name)
         before, size = workshop.before(setting.name, entry)
         shown = self._about(setting, entry)
-        shown.width, shown.height = (length - entry.get("cut", 0) for length in size)
-        exact = "enlarge" in entry
+        part = entry.get("part")
+        shown.width, shown.height = part[2:] if part else size
         others = [part for name, value in entry.get("with", {}).items()
                   for part in ("--" + name, str(value))]
         for value in self.values(entry, setting, None):
             picture = workshop.adjusted(before, f"images/{setting.name}/{value:g}",
-                                        [*others, "--" + setting.name, f"{value:g}"], exact,
-                                        entry.get("cut", 0))
+                                        [*others, "--" + setting.name, f"{value:g}"],
+                                        shown.pixels, part)
             shown.pictures.append((picture, number(value), self._word(shown, setting, value)))
         return shown
 
@@ -192,15 +187,15 @@ class Gallery:
             notes.append("Shown with " + ", ".join(
                 f"{self._settings[name].label} {number(value)}"
                 for name, value in entry["with"].items()) + ".")
-        if "enlarge" in entry:
-            notes.append(f"Shown {entry['enlarge']} times enlarged.")
+        if "part" in entry or "pixels" in entry:
+            notes.append("A small part of the photograph is shown.")
         if "noise" in entry:
             notes.append("Noise was added to the photograph.")
         if entry.get("grey"):
             notes.append("Shown on a grey picture.")
         return Shown(setting.name, setting.label, setting.help, setting.range_text,
                      number(setting.identity), number(setting.usual), entry["what"],
-                     entry["formula"], entry["function"], notes, enlarge=entry.get("enlarge", 1),
+                     entry["formula"], entry["function"], notes, pixels=entry.get("pixels", False),
                      shape=entry.get("shape", False))
 
     def _word(self, shown, setting, value):
@@ -231,13 +226,13 @@ class Gallery:
     def _stage(self, workshop, name, entry):
         before, size = workshop.before("stage-" + name, entry)
         shown = Shown(name, entry["label"], "", "", "0", "", entry["what"], entry["formula"],
-                      entry["function"], [], enlarge=entry.get("enlarge", 1))
+                      entry["function"], [], pixels=entry.get("pixels", False))
         shown.width, shown.height = size
         others = entry.get("others", [])
         if others:
             shown.notes.append("Shown with size " + ", ".join(map(number, others)) + ".")
-        if shown.enlarge > 1:
-            shown.notes.append(f"Shown {shown.enlarge} times enlarged.")
+        if shown.pixels:
+            shown.notes.append("A small part of the photograph is shown.")
         for value in entry["values"]:
             picture = workshop.staged(before, f"images/stage-{name}/{value:g}", entry["function"],
                                       [value, *others])

@@ -93,8 +93,9 @@ def make_reference(site, gallery, scratch):
         for parameter in entry.parameters:
             place = places.get((name.removeprefix(PREFIX_OF_TABLE_FORMS), parameter.name))
             if place is not None:
-                page, setting = place
-                parameter.range = setting.range_text
+                page, setting, shape = place
+                parameter.range = f"{setting.range_text}; {number(setting.usual)} " + (
+                    "is usual" if shape else "leaves the picture alone")
                 parameter.gallery = f"../gallery/{page}"
     for section in reference.sections:
         site.page(f"reference/{section.slug}.html", "reference-section.html", title=section.title,

@@ -61,11 +61,12 @@ def _colour(hue, saturation):
     return tuple(round(255 * (0.5 + (part - 0.5) * saturation)) for part in full)
 
 
-def _make(command, path, cut):
+def _make(command, path, part):
     subprocess.run(command, check=True)
-    if cut:
+    if part:
+        left, top, width, height = part
         image = Image.open(path)
-        image.crop((0, 0, image.width - cut, image.height - cut)).save(path)
+        image.crop((left, top, left + width, top + height)).save(path)
 
 
 class Workshop:
@@ -87,12 +88,12 @@ class Workshop:
         image.save(path, compress_level=1)
         return path, image.size
 
-    def adjusted(self, before, name, options, exact=False, cut=0):
+    def adjusted(self, before, name, options, exact=False, part=None):
         """Promises a picture, named without extension, by the options of the program: without loss
-        where each pixel will be seen, and without so many of its last rows and columns. Gives its
-        name in the site."""
+        where each pixel will be seen, and a part of it alone where one is given: left, top, width
+        and height. Gives its name in the site."""
         wheel_picture = Image.open(before).mode == "RGBA"
-        if exact:
+        if exact or part:
             target, encoding = name + ".png", []
         elif wheel_picture:
             target, encoding = name + ".webp", ["--quality", "90"]
@@ -102,7 +103,7 @@ class Workshop:
         os.makedirs(os.path.dirname(path), exist_ok=True)
         command = [self._program, before, *options, *encoding, "--jobs", "1", "--threads", "1", "-q",
                    "-o", path]
-        self._promised.append(self._pool.submit(_make, command, path, cut))
+        self._promised.append(self._pool.submit(_make, command, path, part))
         return target
 
     def staged(self, before, name, function, numbers):

@@ -33,7 +33,7 @@ class Parameter:
     type: str
     name: str
     text: str = ""
-    range: str = ""    # "−100 to 100, leaves alone 0"
+    range: str = ""    # "−100 to 100; 0 leaves the picture alone"
     gallery: str = ""  # page and anchor
 
 
@@ -83,13 +83,22 @@ class Reference:
             for member in struct.iter("memberdef"):
                 self._places[member.get("id")] = ("types", anchor)
         self._places[self._picture.get("id")] = ("cximage", "")
+        # A typedef is the record or the enumeration of its name.
+        named = {struct.findtext("compoundname"): struct for struct in self._structs}
+        named.update({member.findtext("name"): member for member in header.iter("memberdef")
+                      if member.get("kind") == "enum"})
+        for member in header.iter("memberdef"):
+            if member.get("kind") == "typedef":
+                meant = named.get(member.findtext("name"), self._picture)
+                self._places[member.get("id")] = self._places[meant.get("id")]
         members = list(self._picture.iter("memberdef"))
         self._place(members, "cximage")
 
         self.overview = self._text(header.find("detaileddescription"), "index")
         self.sections = [Section(slug_of(group.findtext("header")), group.findtext("header"),
                                  self._text(group.find("description"), ""),
-                                 [self._entry(member) for member in group.findall("memberdef")])
+                                 [self._entry(member) for member in group.findall("memberdef")
+                                  if member.get("kind") != "typedef"])
                          for group in groups]
         self.sections.append(Section(
             "types", "Records, formats and versions", "",
@@ -128,6 +137,8 @@ class Reference:
     def _place(self, members, page):
         taken = {}
         for member in members:
+            if member.get("kind") == "typedef":
+                continue
             name = member.findtext("name")
             if name.startswith("@"):
                 name = member.find("enumvalue").findtext("name")
@@ -156,7 +167,8 @@ class Reference:
                                 for parameter in member.findall("param")]
         elif kind == "enum":
             if name.startswith("@"):
-                entry.name = "Constants of " + anchor.removeprefix("KELADJUST_").title().split("_")[0]
+                values = [value.findtext("name") for value in member.findall("enumvalue")]
+                entry.name = os.path.commonprefix(values) + ("…" if len(values) > 1 else "")
             entry.values = [(value.findtext("name"), (value.findtext("initializer") or "").strip("= "),
                              self._both(value, page)) for value in member.findall("enumvalue")]
         elif kind == "define":

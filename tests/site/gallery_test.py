@@ -44,8 +44,8 @@ class Entries(unittest.TestCase):
             gallery_of(TEXT.replace("[sharpen]", "[sharpness]"))
 
     def test_an_unknown_word_in_an_entry_stops_the_site(self):
-        with self.assertRaisesRegex(SystemExit, "enlrage"):
-            gallery_of(TEXT.replace("enlarge = 2", "enlrage = 2"))
+        with self.assertRaisesRegex(SystemExit, "pixles"):
+            gallery_of(TEXT.replace("pixels = true", "pixles = true"))
 
     def test_five_values_are_shown_the_identity_among_them(self):
         gallery = gallery_of(TEXT)
