@@ -55,8 +55,10 @@ CommandLine::CommandLine(const std::string& name, const std::string& description
                          const std::vector<std::string>& examples, const std::string& footer)
     : app_(description, name), examples_(examples) {
     app_.footer(footerOf(examples, footer));
-    app_.set_version_flag("--version", std::string("keladjust ") + keladjustVersion(),
-                          "Print the version");
+    app_.set_version_flag(
+        "--version",
+        std::string("keladjust ") + keladjustVersion() + "\nLicence: " KELADJUST_PROGRAM_LICENCE,
+        "Print version and licence");
     app_.set_help_flag("-h,--help", "Print this help");
     app_.get_formatter()->column_width(40);
     app_.allow_windows_style_options(false);
