@@ -22,8 +22,8 @@ TREE = os.path.dirname(HERE)
 
 # The guides in the order in which one would read them, under the headings of their index.
 GUIDES = {
-    "Using the library": ["embedding", "threads", "colour-tables", "gpu", "exactness", "reliability",
-                          "performance"],
+    "Using the library": ["embedding", "pictures-and-settings", "threads", "colour-tables", "gpu",
+                          "exactness", "reliability", "performance", "versions"],
     "The program": ["host"],
     "Building it": ["windows", "msvc", "adding-a-stage", "fuzzing"],
 }
