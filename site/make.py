@@ -1,7 +1,7 @@
-"""Makes the site: make.py PROGRAM LIBRARY PHOTOGRAPHS FOLDER [LIVE-PAGE]
+"""Makes the site: make.py PROGRAM LIBRARY PHOTOGRAPHS CREDITS FOLDER [LIVE-PAGE]
 
-PROGRAM is the command-line host, LIBRARY the shared library, FOLDER what becomes the site. The live
-page, a folder, becomes its /app/."""
+PROGRAM is the command-line host, LIBRARY the shared library, CREDITS says whose the photographs are,
+FOLDER is what becomes the site. The live page, a folder, becomes its /app/."""
 
 import math
 import os
@@ -25,7 +25,7 @@ GUIDES = {
     "Using the library": ["embedding", "pictures-and-settings", "threads", "colour-tables", "gpu",
                           "exactness", "reliability", "performance", "versions"],
     "The program": ["host"],
-    "Building it": ["windows", "msvc", "adding-a-stage", "fuzzing"],
+    "Working on it": ["working-on-it", "adding-a-stage", "windows", "msvc", "fuzzing"],
 }
 
 
@@ -127,7 +127,7 @@ def make_gallery(site, gallery, workshop, addresses):
 
 
 def main():
-    program, library_path, photos, folder, *live = sys.argv[1:]
+    program, library_path, photos, credits_path, folder, *live = sys.argv[1:]
     library = Library(library_path)
     if os.path.isdir(folder):
         shutil.rmtree(folder)
@@ -144,6 +144,7 @@ def main():
               count=len(library.settings()))
     for name in ("style.css", "compare.js", "icon.svg"):
         site.file(os.path.join(HERE, name), name)
+    site.file(credits_path, "photographs.txt")
     if live:
         shutil.copytree(live[0], os.path.join(folder, "app"))
     workshop.finish()
