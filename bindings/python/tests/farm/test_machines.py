@@ -156,7 +156,7 @@ def test_a_disk_that_is_full_for_all_ends_the_run_which_goes_on_later(farm, tmp_
 def test_a_picture_that_kills_its_worker_is_set_aside_and_the_rest_are_done(farm, cluster, wrapped,
                                                                             tmp_path):
     pictures = write_pictures(tmp_path / "in", 20)
-    poison = wrapped("case $picture in *0007*) kill -9 $PPID; sleep 1 ;; esac")
+    poison = wrapped("case $picture in *0007*) kill -9 $PPID; exit 1 ;; esac")
     machines = cluster(settings={"DASK_DISTRIBUTED__SCHEDULER__ALLOWED_FAILURES": "0",
                                  "DASK_DISTRIBUTED__SCHEDULER__WORKER_SATURATION": "1.0"})
     run = farm(*command(tmp_path, machines, poison, "--retries", 1))
