@@ -41,7 +41,6 @@ std::string formatted(const char* format, int decimals, double number) {
 // As std::to_chars() writes it, which not every standard library has for floating-point numbers.
 template <class ReadsBack>
 std::string shortestText(double number, ReadsBack readsBack) {
-    const platform::DefaultFloatingPoint scope;
     constexpr int mostDecimals = 16;
     int decimals = 0;
     while (decimals < mostDecimals && !readsBack(formatted("%.*e", decimals, number))) ++decimals;
@@ -63,12 +62,15 @@ std::string numberText(unsigned number) {
 }
 
 std::string numberText(float number) {
-    return shortestText(static_cast<double>(number), [number](const std::string& text) {
+    const volatile float given = number;  // which is not to be widened before the mode is usual
+    const platform::DefaultFloatingPoint scope;
+    return shortestText(static_cast<double>(given), [number](const std::string& text) {
         return std::strtof(text.c_str(), nullptr) == number;
     });
 }
 
 std::string numberText(double number) {
+    const platform::DefaultFloatingPoint scope;
     return shortestText(number, [number](const std::string& text) {
         return std::strtod(text.c_str(), nullptr) == number;
     });
