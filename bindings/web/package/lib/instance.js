@@ -46,7 +46,6 @@ export class Instance {
             env: {
                 memory: this.#memory,
                 emscripten_notify_memory_growth: () => {},
-                __call_sighandler: () => {},  // nobody sends signals here
             },
             keladjust: { progress: (share) => this.#watcher(share) },
             wasi_snapshot_preview1: {
