@@ -57,6 +57,9 @@ try {
     rmSync(folder, { recursive: true });
 }
 
+// wasm-vips has threads that would keep the program from its end.
+process.exit();
+
 function adjustCopy(settings) {
     const data = pixels.slice();
     return timed(() => library.adjust({ data, ...size }, settings));
