@@ -36,6 +36,17 @@ class Guide:
         self.title = heading[2:].strip()
         self.slug = os.path.splitext(os.path.basename(path))[0]
 
+    @property
+    def summary(self):
+        """The first sentence below the title, if a paragraph stands there."""
+        paragraph = self._text.strip().split("\n\n")[0]
+        if re.match(r"#|\||```|- |    ", paragraph):
+            return ""
+        sentence = re.match(r"(?s).*?[.:](?=\s|$)", paragraph)
+        text = (sentence.group(0) if sentence else paragraph).rstrip(":.") + "."
+        html = markdown.markdown(re.sub(r"\[([^]]*)\]\([^)]*\)", r"\1", text))
+        return re.sub(r"^<p>|</p>$", "", html)
+
     def render(self, tree, link):
         """The text below the title, and its headings [(id, text)]. `link` gives the address of a file
         of the tree that the site has, or None."""
