@@ -3,34 +3,15 @@
 #include <algorithm>
 #include <iostream>
 
-#include "files/InputFile.h"
-#include "settings/Preset.h"
+#include "settings/PresetFile.h"
+#include "settings/SettingsText.h"
 #include "text/Failure.h"
 #include "text/NearestName.h"
-#include "text/NumberText.h"
 #include "text/PathText.h"
 
 namespace keladjust::app {
 
 namespace {
-
-/// Some hundred times as much as all settings take.
-constexpr std::uint64_t largestPreset = std::uint64_t{1} << 20;
-
-double parseValue(const KeladjustSetting& setting, const std::string& text) {
-    const std::string option = std::string("--") + setting.name;
-    const auto value = numberFromText(text);
-    if (!value) {
-        throw UsageError(option + " needs a number, not \"" + text + "\"; useful values are " +
-                         rangeText(setting));
-    }
-    try {
-        checkValue(setting, *value, option);
-    } catch (const Failure& failure) {
-        throw UsageError(failure.what());
-    }
-    return *value;
-}
 
 std::string helpOf(const KeladjustSetting& setting) {
     return rangeText(setting) + "; " + setting.help;
@@ -75,7 +56,8 @@ CommandLine::CommandLine(const std::string& name, const std::string& description
         app_.add_option_function<std::string>(
                 std::string("--") + setting.name,
                 [this, &setting](const std::string& text) {
-                    explicit_.set(setting, parseValue(setting, text));
+                    const std::string option = std::string("--") + setting.name;
+                    explicit_.set(setting, settingValueFromText(setting, text, option));
                 },
                 helpOf(setting))
             ->type_name("N")
@@ -112,15 +94,7 @@ bool CommandLine::parse(const std::vector<std::string>& arguments) {
 
 Settings CommandLine::settings() const {
     Settings all;
-    for (const std::string& preset : presets_) {
-        Bytes bytes;
-        try {
-            bytes = readFile(pathFromText(preset), {.largest = largestPreset});
-        } catch (const Failure& failure) {
-            throw UsageError(preset + ": " + failure.what());
-        }
-        all.apply(settingsFromPreset(std::string(bytes.begin(), bytes.end()), preset));
-    }
+    for (const std::string& preset : presets_) all.apply(settingsFromPresetFile(preset));
     all.apply(explicit_);
     return all;
 }

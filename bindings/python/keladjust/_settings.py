@@ -9,6 +9,23 @@ from ._files import write_whole
 from ._values import number
 
 
+def _put(record, setting, value):
+    if setting.is_integer:
+        struct.pack_into("=i", record, 4 * setting.slot, int(value))
+    else:
+        struct.pack_into("=f", record, 4 * setting.slot, value)
+
+
+def _usual():
+    record = bytearray(4 * len(_description.SETTINGS))
+    for setting in _description.SETTINGS:
+        _put(record, setting, setting.usual)
+    return bytes(record)
+
+
+_USUAL = _usual()
+
+
 class Settings(Mapping):
     """A mapping with every field of the record.
 
@@ -71,13 +88,9 @@ class Settings(Mapping):
 
     def record(self):
         """The bytes of the C interface's record."""
-        record = bytearray(4 * len(_description.SETTINGS))
-        for setting in _description.SETTINGS:
-            value = self._named.get(setting.key, setting.usual)
-            if setting.is_integer:
-                struct.pack_into("=i", record, 4 * setting.slot, int(value))
-            else:
-                struct.pack_into("=f", record, 4 * setting.slot, value)
+        record = bytearray(_USUAL)
+        for key, value in self._named.items():
+            _put(record, _description.BY_KEY[key], value)
         return bytes(record)
 
     def __getitem__(self, name):

@@ -13,9 +13,6 @@ import distributed
 from . import _task
 from ._manifest import FOLDER
 
-# Cancelled futures are told of by either, depending on where the news comes from.
-CANCELLED = (asyncio.CancelledError, concurrent.futures.CancelledError)
-
 OWN_CLUSTER = {
     # Workers would wait for each other for ever, now and then: a fault of Python 3.11.2.
     "distributed.worker.profile.enabled": False,
@@ -63,7 +60,8 @@ class Crew:
             dask.config.set(OWN_CLUSTER)
             self._cluster = await distributed.LocalCluster(
                 n_workers=self._local_workers, threads_per_worker=1, host="127.0.0.1",
-                dashboard_address="127.0.0.1:0", memory_limit=0, asynchronous=True)
+                dashboard_address="127.0.0.1:0", worker_dashboard_address="127.0.0.1:0",
+                memory_limit=0, asynchronous=True)
             self._address = self._cluster.scheduler_address
         await self._connect()
         return self
@@ -108,7 +106,11 @@ class Crew:
 
     async def _look(self):
         """Asks workers that are new who they are, and refuses those that are not what the client is."""
-        new = set(self.workers()) - self._welcome - set(self._refused)
+        known = set(self.workers())
+        # Whoever comes back at an address may be another.
+        self._welcome &= known
+        self._refused = {address: why for address, why in self._refused.items() if address in known}
+        new = known - self._welcome - set(self._refused)
         if not new:
             return
         with _token(self._output) as token:
@@ -171,27 +173,25 @@ class Crew:
 
     async def _result(self, future, fit):
         """The outcome, or None if the picture was lost."""
-        waiting = asyncio.ensure_future(future._result(raiseit=False))
+        waiting = asyncio.ensure_future(future.result())
         try:
-            while True:
+            while not waiting.done():
                 await asyncio.wait({waiting}, timeout=LOOK)
-                if waiting.done():
-                    break
-                if fit and not set(fit) & set(self.workers()):
+                if not waiting.done() and fit and not set(fit) & set(self.workers()):
                     return None  # it would wait for those who never come back
-            answer = waiting.exception() or waiting.result()
-        except concurrent.futures.CancelledError:
-            return None
         finally:
             waiting.cancel()
             future.release()
-        if isinstance(answer, _task.Outcome):
-            return answer
-        if isinstance(answer, distributed.KilledWorker):
-            return _task.Outcome("died", "its worker died each time", worker=answer.last_worker.address)
-        if isinstance(answer, (OSError, *CANCELLED)):
+        if waiting.cancelled():
             return None
-        return _task.Outcome("died", f"{type(answer).__name__}: {answer}")
+        error = waiting.exception()
+        if error is None:
+            return waiting.result()
+        if isinstance(error, distributed.KilledWorker):
+            return _task.Outcome("died", "its worker died each time", worker=error.last_worker.address)
+        if isinstance(error, (OSError, concurrent.futures.CancelledError)):
+            return None
+        return _task.Outcome("died", f"{type(error).__name__}: {error}")
 
     async def _restore(self):
         """Comes back when there is a scheduler to talk to."""

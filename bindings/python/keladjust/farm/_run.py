@@ -4,12 +4,16 @@ import asyncio
 import contextlib
 import itertools
 import os
+import time
 
 from . import _manifest, _sources
 from ._output import Misplaced
 
 # Pictures that are looked up at a time.
 BATCH = 256
+# Seconds until a file that another machine has written is here: NFS remembers for sixty that a name was
+# not there.
+SEEN_WITHIN = 75
 
 
 class Interrupted(Exception):
@@ -119,6 +123,8 @@ class Run:
         unfit = set()
         for attempt in itertools.count(1):
             outcome = await self._crew.attempt(picture.input, target, unfit)
+            if outcome.result == "done" and not await _is_seen(target, outcome.size):
+                outcome = outcome._replace(result="unfit", reason=f"what it wrote is not here: {target}")
             self._crew.judge(outcome)
             worker = self._crew.name(outcome.worker)
             if outcome.result == "done":
@@ -160,6 +166,21 @@ class Run:
 
 def _count_of(options, output):
     return sum(1 for _ in _sources.pictures(options.inputs, options.lists, output))
+
+
+async def _is_seen(target, size):
+    """Whether an output that a worker has written has come to be here, which on a shared file system
+    takes a while now and then. A worker whose file system has gone writes below where it was."""
+    end = time.monotonic() + SEEN_WITHIN
+    pause = 0.02
+    while True:
+        with contextlib.suppress(OSError):
+            if os.stat(target).st_size == size:
+                return True
+        if time.monotonic() > end:
+            return False
+        await asyncio.sleep(pause)
+        pause = min(2 * pause, 5)
 
 
 def _is_there(target, size, source):

@@ -49,12 +49,12 @@ def identify(orders, token):
     try:
         program = _program_version(orders.program)
     except OSError as error:
-        return __version__, None, str(error)
+        return __version__, None, _words(error)
     try:
         with open(token, "rb"), tempfile.TemporaryFile(dir=os.path.dirname(token)):
             return __version__, program, ""
     except OSError as error:
-        return __version__, program, f"{error.strerror}: {error.filename}"
+        return __version__, program, _words(error)
 
 
 def _adjust(orders, source, target):
@@ -67,7 +67,7 @@ def _adjust(orders, source, target):
         status, words = _running.run(orders, [orders.program, source, "--cpu", "--threads", "1",
                                               "--quiet", *orders.arguments, "-o", target])
     except OSError as error:
-        return "unfit", str(error), 0
+        return "unfit", _words(error), 0
     if status == 0:
         return "done", "", os.stat(target).st_size
     if status is None:
@@ -88,8 +88,13 @@ def _fault_here(source, folder):
             file.flush()
             os.fsync(file.fileno())
     except OSError as error:
-        return f"{error.strerror}: {error.filename or folder}"
+        return _words(error, folder)
     return ""
+
+
+def _words(error, place=""):
+    """What an OSError says, without its number."""
+    return f"{error.strerror}: {error.filename or place}" if error.strerror else str(error)
 
 
 class _Running:

@@ -98,8 +98,8 @@ def test_without_a_scheduler_nothing_begins(farm, tmp_path):
 
 @pytest.mark.long
 def test_a_full_disk_on_one_worker_leaves_the_work_to_the_other(farm, cluster, wrapped, tmp_path):
-    """One worker sees a file system of 4 kB where the others see the output folder: a mount in a
-    namespace of its own, made when it has shown that it sees the folder."""
+    """One worker sees a file system without room for one file where the other sees the output folder: a
+    mount in a namespace of its own, made when it has shown that it sees the folder."""
     write_pictures(tmp_path / "in", 40)
     machines = cluster(workers=("sound",))
     machines.start_worker("full", prefix=("unshare", "--mount"))
@@ -108,12 +108,27 @@ def test_a_full_disk_on_one_worker_leaves_the_work_to_the_other(farm, cluster, w
                         "--retries", 3))
     until(lambda: len(outputs(tmp_path / "out")) >= 6, "some pictures")
     subprocess.run(["nsenter", "--mount", f"--target={machines.of_worker('full')}", "mount", "-t",
-                    "tmpfs", "-o", "size=4k", "none", tmp_path / "out"], check=True)
+                    "tmpfs", "-o", "size=4k,nr_inodes=1", "none", tmp_path / "out"], check=True)
     assert run.end() == 0, run.said
     assert outputs(tmp_path / "out") == by_program(tmp_path / "in", tmp_path / "expected")
-    assert "worker full gets no more pictures: No space left on device" in run.said
+    assert "worker full gets no pictures: No space left on device" in run.said
     tries = [int(row["tries"]) for row in report_of(tmp_path / "out").values()]
     assert max(tries) > 1
+
+
+@pytest.mark.long
+def test_a_worker_whose_file_system_goes_away_is_found_out(farm, cluster, wrapped, tmp_path):
+    """From some moment on it writes to another place of the same name, and says that all went well."""
+    write_pictures(tmp_path / "in", 40)
+    machines = cluster(workers=("sound",))
+    machines.start_worker("lost", prefix=("unshare", "--mount"))
+    run = farm(*command(tmp_path, machines, wrapped("sleep 0.3"), "--retries", 3))
+    until(lambda: len(outputs(tmp_path / "out")) >= 6, "some pictures")
+    subprocess.run(["nsenter", "--mount", f"--target={machines.of_worker('lost')}", "mount", "-t",
+                    "tmpfs", "none", tmp_path / "out"], check=True)
+    assert run.end() == 0, run.said
+    assert "worker lost gets no pictures: what it wrote is not here" in run.said
+    assert outputs(tmp_path / "out") == by_program(tmp_path / "in", tmp_path / "expected")
 
 
 @pytest.mark.long
@@ -141,7 +156,7 @@ def test_a_disk_that_is_full_for_all_ends_the_run_which_goes_on_later(farm, tmp_
 def test_a_picture_that_kills_its_worker_is_set_aside_and_the_rest_are_done(farm, cluster, wrapped,
                                                                             tmp_path):
     pictures = write_pictures(tmp_path / "in", 20)
-    poison = wrapped("case $picture in *0007*) kill -9 $PPID; sleep 1 ;; esac")
+    poison = wrapped("case $picture in *0007*) kill -9 $PPID; exit 1 ;; esac")
     machines = cluster(settings={"DASK_DISTRIBUTED__SCHEDULER__ALLOWED_FAILURES": "0",
                                  "DASK_DISTRIBUTED__SCHEDULER__WORKER_SATURATION": "1.0"})
     run = farm(*command(tmp_path, machines, poison, "--retries", 1))
