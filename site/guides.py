@@ -38,10 +38,12 @@ class Guide:
 
     @property
     def summary(self):
-        """The first sentence below the title, if a paragraph stands there."""
-        paragraph = self._text.strip().split("\n\n")[0]
-        if re.match(r"#|\||```|- |    ", paragraph):
+        """The first sentence below the title, if there is one above the first heading."""
+        paragraphs = FENCE.sub("", self._text.partition("\n#")[0]).strip("\n").split("\n\n")
+        paragraphs = [text for text in paragraphs if text and not re.match(r"\||- |    ", text)]
+        if not paragraphs or paragraphs[0][0].islower():  # which goes on from a line of code
             return ""
+        paragraph = paragraphs[0].strip()
         sentence = re.match(r"(?s).*?[.:](?=\s|$)", paragraph)
         text = (sentence.group(0) if sentence else paragraph).rstrip(":.") + "."
         html = markdown.markdown(re.sub(r"\[([^]]*)\]\([^)]*\)", r"\1", text))
