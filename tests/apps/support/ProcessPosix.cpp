@@ -8,8 +8,13 @@ namespace keladjust::test {
 
 namespace {
 
+/// As the shell takes it for one word, letter by letter.
 std::string quoted(const std::string& text) {
-    return '"' + text + '"';
+    std::string word = "'";
+    for (const char letter : text) {
+        word += letter == '\'' ? std::string("'\\''") : std::string(1, letter);
+    }
+    return word + "'";
 }
 
 }  // namespace

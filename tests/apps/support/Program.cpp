@@ -22,12 +22,17 @@ std::filesystem::path programPath() {
     return std::filesystem::absolute(KELADJUST_PROGRAM).make_preferred();
 }
 
-Outcome runProgram(const std::vector<std::string>& arguments) {
+Outcome runProgram(const std::filesystem::path& program,
+                   const std::vector<std::string>& arguments) {
     const TemporaryFolder folder;
     const auto output = folder / "output";
     const auto errors = folder / "errors";
-    const int code = runProcess(programPath(), arguments, output, errors);
+    const int code = runProcess(program, arguments, output, errors);
     return {code, contents(output), contents(errors)};
+}
+
+Outcome runProgram(const std::vector<std::string>& arguments) {
+    return runProgram(programPath(), arguments);
 }
 
 }  // namespace keladjust::test

@@ -14,12 +14,15 @@ struct Outcome {
     std::string errors;
 };
 
+/// Runs any program, by its path or as the shell would find it, and waits for its end.
+Outcome runProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments);
+
 /// Where the program that is tested lies.
 std::filesystem::path programPath();
 
 /// Runs the program and waits for its end.
 ///
-/// @param arguments in UTF-8, without letters that a shell treats specially between double quotes
+/// @param arguments in UTF-8
 Outcome runProgram(const std::vector<std::string>& arguments);
 
 }  // namespace keladjust::test

@@ -1,0 +1,143 @@
+// The filter in ffmpeg: what comes out of it is the library's own.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "frei0r/Frames.h"
+#include "support/Program.h"
+#include "support/TemporaryFolder.h"
+#include "support/Variable.h"
+
+namespace {
+
+using namespace keladjust::test;
+
+class Ffmpeg : public testing::Test {
+protected:
+    /// @param filters of ten frames a second
+    std::vector<Frame> filtered(const std::vector<Frame>& frames, FrameSize size,
+                                const std::string& filters) {
+        writeFrames(folder_ / "in.raw", frames);
+        const std::string sides = std::to_string(size.width) + 'x' + std::to_string(size.height);
+        const Outcome outcome = runProgram(
+            KELADJUST_FFMPEG,
+            {"-nostdin", "-v",  "error",    "-f",       "rawvideo", "-pix_fmt",           "bgra",
+             "-s",       sides, "-r",       "10",       "-i",       (folder_ / "in.raw"), "-vf",
+             filters,    "-f",  "rawvideo", "-pix_fmt", "bgra",     (folder_ / "out.raw")});
+        EXPECT_EQ(outcome.code, 0) << outcome.errors;
+        messages_ = outcome.errors;
+        return readFrames(folder_ / "out.raw", size);
+    }
+
+    const TemporaryFolder folder_;
+    const Variable path_{"FREI0R_PATH",
+                         std::filesystem::path(KELADJUST_FREI0R_FILTER).parent_path().c_str()};
+    std::string messages_;
+};
+
+constexpr FrameSize usual = {320, 180};
+
+TEST_F(Ffmpeg, SetsSlidersByTheirPlace) {
+    const auto frames = noiseFrames(usual, 3);
+    const _AdjustParam record = recordWith([](_AdjustParam& changed) {
+        changed.temperature = 11500 + (16400 - 11500) / 2;
+        changed.tint = -50;
+        changed.exposure = 25;
+    });
+    expectFrames(filtered(frames, usual, "frei0r=keladjust:|0.75|0.25|0.625"),
+                 adjusted(frames, usual, record));
+}
+
+TEST_F(Ffmpeg, SetsAnythingByText) {
+    const auto frames = noiseFrames(usual, 3);
+    const _AdjustParam record = recordWith([](_AdjustParam& changed) {
+        changed.exposure = 20;
+        changed.range[KELADJUST_RANGE_RED].hue = 5;
+        changed.distortion = 10;
+    });
+    expectFrames(filtered(frames, usual, "frei0r=keladjust:exposure 20 red-hue 5 distortion 10"),
+                 adjusted(frames, usual, record));
+}
+
+TEST_F(Ffmpeg, TakesAPreset) {
+    const auto frames = noiseFrames(usual, 2);
+    std::ofstream(folder_ / "look.json") << R"({"contrast": 15, "dehaze": 30})";
+    const _AdjustParam record = recordWith([](_AdjustParam& changed) {
+        changed.contrast = 15;
+        changed.dehaze = 30;
+    });
+    expectFrames(filtered(frames, usual, "frei0r=keladjust:" + (folder_ / "look.json").string()),
+                 adjusted(frames, usual, record));
+}
+
+TEST_F(Ffmpeg, AdjustsFramesOfOddSizes) {
+    const _AdjustParam record = recordWith([](_AdjustParam& changed) {
+        changed.exposure = 20;
+        changed.clarity = 40;
+        changed.vignetteAmount = -60;
+    });
+    for (const FrameSize size : {FrameSize{61, 47}, {62, 50}, {1, 1}, {2051, 3}}) {
+        const auto frames = noiseFrames(size, 2);
+        expectFrames(
+            filtered(frames, size, "frei0r=keladjust:exposure 20 clarity 40 vignette-amount -60"),
+            adjusted(frames, size, record));
+    }
+}
+
+TEST_F(Ffmpeg, HasTwoFiltersInOneGraph) {
+    const auto frames = noiseFrames(usual, 3);
+    const auto once =
+        adjusted(frames, usual, recordWith([](_AdjustParam& changed) { changed.exposure = 30; }));
+    expectFrames(
+        filtered(frames, usual, "frei0r=keladjust:exposure 30,frei0r=keladjust:clarity 40"),
+        adjusted(once, usual, recordWith([](_AdjustParam& changed) { changed.clarity = 40; })));
+}
+
+TEST_F(Ffmpeg, IsSwitchedOnAndOff) {
+    auto expected = noiseFrames(usual, 6);
+    const auto frames = expected;
+    const _AdjustParam record = recordWith([](_AdjustParam& changed) { changed.exposure = 30; });
+    for (const std::size_t on : {2u, 3u}) expected[on] = adjusted(expected[on], usual, record);
+    expectFrames(
+        filtered(frames, usual, "frei0r=keladjust:exposure 30:enable='between(t,0.15,0.35)'"),
+        expected);
+}
+
+TEST_F(Ffmpeg, IsSetAnewByCommands) {
+    const auto frames = noiseFrames(usual, 6);
+    std::vector<Frame> expected;
+    for (std::size_t frame = 0; frame < frames.size(); ++frame) {
+        // Frames lie at 0, 0.1, 0.2 ... seconds.
+        const float exposure = frame < 2 ? 30.0f : frame < 4 ? -50.0f : 10.0f;
+        expected.push_back(adjusted(frames[frame], usual, recordWith([&](_AdjustParam& changed) {
+                                        changed.exposure = exposure;
+                                    })));
+    }
+    expectFrames(filtered(frames, usual,
+                          "sendcmd=c='0.15 frei0r filter_params |0.5|0.5|0.25; "
+                          "0.35 frei0r filter_params exposure 10',"
+                          "frei0r=keladjust:exposure 30"),
+                 expected);
+}
+
+TEST_F(Ffmpeg, RefusesOneParameterAndTakesTheOthers) {
+    const auto frames = noiseFrames(usual, 2);
+    expectFrames(
+        filtered(frames, usual, "frei0r=keladjust:|nan|0.75|-1|7"),
+        adjusted(frames, usual, recordWith([](_AdjustParam& changed) { changed.tint = 50; })));
+    for (const char* refused : {"temperature needs", "exposure needs", "brightness needs"}) {
+        EXPECT_NE(messages_.find(refused), std::string::npos) << messages_;
+    }
+}
+
+TEST_F(Ffmpeg, ShowsWhatIsWrongWithAText) {
+    const auto frames = noiseFrames(usual, 1);
+    expectFrames(filtered(frames, usual, "frei0r=keladjust:exposre 20"), frames);
+    EXPECT_NE(messages_.find("unknown setting \"exposre\"; did you mean exposure?"),
+              std::string::npos)
+        << messages_;
+}
+
+}  // namespace
