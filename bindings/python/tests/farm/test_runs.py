@@ -178,6 +178,20 @@ def test_a_killed_client_loses_nothing(farm, wrapped, tmp_path):
     assert outputs(tmp_path / "out") == by_program(tmp_path / "in", tmp_path / "expected")
 
 
+def test_a_damaged_manifest_is_set_aside_and_everything_done_again(farm, tmp_path):
+    write_pictures(tmp_path / "in", 3)
+    command = [tmp_path / "in", tmp_path / "out", *SETTINGS, "--workers", 1, "--program", PROGRAM]
+    assert farm(*command).end() == 0
+    manifest = tmp_path / "out/.keladjust-farm/manifest.sqlite"
+    manifest.write_bytes(b"no database" * 1000)
+    run = farm(*command)
+    assert run.end() == 0, run.said
+    assert set(results_of(tmp_path / "out").values()) == {"done"}
+    assert manifest.with_name("manifest.sqlite.damaged").exists()
+    run = farm(*command)
+    assert run.end() == 0 and set(results_of(tmp_path / "out").values()) == {"skipped"}
+
+
 def test_one_folder_is_written_to_by_one_run(farm, wrapped, tmp_path):
     write_pictures(tmp_path / "in", 6)
     command = [tmp_path / "in", tmp_path / "out", "--tint", 5, "--workers", 1]
