@@ -1,0 +1,49 @@
+// Pixels go through the library here, and come out as a canvas shows them.
+
+import { swapRedAndBlue } from "../photo/pixels.js";
+
+/** @typedef {import("../photo/pixels.js").Pixels} Pixels */
+/** @typedef {import("../model/record.js").Values} Values */
+
+/** Counts of the 256 levels of red, green and blue, one after the other. */
+export const histogramLength = 3 * 256;
+
+/**
+ * Pixels in the order of bytes that the library is given.
+ * @param {Pixels} pixels which are used up
+ */
+export function forLibrary(pixels) {
+    if (pixels.channels === 4) swapRedAndBlue(pixels.data);
+    return pixels;
+}
+
+/**
+ * From the library's order of bytes to the canvas's, counting levels on the way.
+ * @param {Uint8Array} data     as the library leaves it
+ * @param {number} channels
+ * @param {Uint32Array} target  red, green, blue, alpha
+ * @param {Uint32Array} counts  see histogramLength
+ */
+export function toCanvas(data, channels, target, counts) {
+    if (channels === 1) {
+        for (let i = 0; i < data.length; ++i) {
+            const level = data[i];
+            ++counts[level];
+            target[i] = 0xff000000 | (level * 0x010101);
+        }
+        counts.copyWithin(256, 0, 256);
+        counts.copyWithin(512, 0, 256);
+        return;
+    }
+    const words = new Uint32Array(data.buffer, data.byteOffset, data.length >> 2);
+    for (let i = 0; i < words.length; ++i) {
+        const word = words[i];
+        const blue = word & 255;
+        const green = (word >>> 8) & 255;
+        const red = (word >>> 16) & 255;
+        ++counts[red];
+        ++counts[256 + green];
+        ++counts[512 + blue];
+        target[i] = (word & 0xff00ff00) | red | (blue << 16);
+    }
+}
