@@ -1,5 +1,6 @@
 // Puts the page together.
 
+import { library, settingsOfTheWhole } from "./engine/library.js";
 import { groupsOf } from "./model/description.js";
 import { History } from "./model/history.js";
 import { EditedRecord } from "./model/record.js";
@@ -20,22 +21,24 @@ import { startTheme } from "./view/theme.js";
 async function start() {
     startTheme();
     const stage = new Stage();
-    const session = new Session(stage, (error) => {
+    const k = await library();
+    const groups = groupsOf(k.settings);
+    const session = new Session(stage, settingsOfTheWhole(k, groups), (error) => {
         const { message } = /** @type {Error} */ (error);
         tellError(new Error(`The picture could not be adjusted: ${message}. Your settings are kept.`));
     });
-    const { settings } = await session.previewer.describe();
-    const record = new EditedRecord(settings);
+    const record = new EditedRecord(k.settings);
     const history = new History(record);
     session.follow(record);
 
-    fillPanel(record, groupsOf(settings), (values, colours) =>
-        session.previewer.colours(values, colours),
-    );
+    fillPanel(record, groups, (values, data) => {
+        const width = data.length / 4;
+        return k.adjust({ data, width, height: 1, order: "rgba" }, values).data;
+    });
     const looking = startLooking(stage);
     const comparing = startComparing(stage);
     const exporting = startExporting(session, record);
-    const presets = startPresets(session, record);
+    const presets = startPresets(session, record, k);
     const opening = startOpening({
         openPhotograph: (file, most) => session.open(file, most),
         openPreset: (file) => presets.open(file),
@@ -50,7 +53,7 @@ async function start() {
         comparing,
         looking,
     });
-    startSharing(record);
+    startSharing(record, k);
 
     const buttons = {
         undo: find("undo", HTMLButtonElement),

@@ -37,13 +37,15 @@ export class Session extends EventTarget {
 
     /**
      * @param {Stage} stage
+     * @param {Set<string>} whole settings that look beyond a pixel, or at where it lies
      * @param {(error: unknown) => void} onFailure
      */
-    constructor(stage, onFailure) {
+    constructor(stage, whole, onFailure) {
         super();
         this.#stage = stage;
         this.#onFailure = onFailure;
         this.#previewer = new Previewer(
+            whole,
             (frame) => {
                 stage.showPreview(frame.width, frame.height, frame.parts);
                 showHistogram(frame.counts);

@@ -3,7 +3,6 @@
 import { swapRedAndBlue } from "../photo/pixels.js";
 
 /** @typedef {import("../photo/pixels.js").Pixels} Pixels */
-/** @typedef {import("../model/record.js").Values} Values */
 
 /** Counts of the 256 levels of red, green and blue, one after the other. */
 export const histogramLength = 3 * 256;

@@ -3,10 +3,10 @@
 
 import { decode, sizeOf } from "../photo/decode.js";
 import { encode } from "../photo/encode.js";
-import { forCanvas, swapRedAndBlue } from "../photo/pixels.js";
+import { swapRedAndBlue } from "../photo/pixels.js";
 import { convert } from "../photo/profile.js";
 import { forLibrary, histogramLength, toCanvas } from "./adjusted.js";
-import { adjust, cubeFile } from "./library.js";
+import { adjust, library } from "./library.js";
 import { scaled } from "./scaled.js";
 import { serve } from "./worker.js";
 
@@ -26,7 +26,7 @@ function copy() {
  * As a canvas shows it.
  * @param {Pixels} pixels in the library's order of bytes
  */
-async function shown({ data, width, height, channels }) {
+function shown({ data, width, height, channels }) {
     const counts = new Uint32Array(histogramLength);
     const words = new Uint32Array(width * height);
     toCanvas(data, channels, words, counts);
@@ -57,30 +57,30 @@ serve({
 
     /** @param {{width: number, height: number}} size */
     async before({ width, height }) {
-        const picture = await shown(await scaled(photograph.pixels, width, height));
+        const picture = shown(await scaled(photograph.pixels, width, height));
         return { result: picture, transfer: [picture.rgba.buffer] };
     },
 
     /** @param {{values: Values}} what */
     async full({ values }) {
         const pixels = copy();
-        await adjust(pixels, values);
-        const picture = await shown(pixels);
+        adjust(await library(), pixels, values);
+        const picture = shown(pixels);
         return { result: picture, transfer: [picture.rgba.buffer] };
     },
 
     /** @param {{values: Values, width: number, height: number}} what */
     async thumbnail({ values, width, height }) {
         const pixels = await scaled(photograph.pixels, width, height);
-        await adjust(pixels, values);
-        const picture = await shown(pixels);
+        adjust(await library(), pixels, values);
+        const picture = shown(pixels);
         return { result: picture, transfer: [picture.rgba.buffer] };
     },
 
     /** @param {{values: Values, kind: import("../photo/encode.js").FileKind, quality: number}} what */
     async file({ values, kind, quality }) {
         const pixels = copy();
-        await adjust(pixels, values);
+        adjust(await library(), pixels, values);
         if (pixels.channels === 4) swapRedAndBlue(pixels.data);
         return { result: await encode(pixels, photograph, kind, quality) };
     },

@@ -1,9 +1,9 @@
 // Rows of the preview, adjusted again for every movement of a slider.
 
 import { convert } from "../photo/profile.js";
-import { wordsOf } from "../photo/pixels.js";
 import { histogramLength, toCanvas } from "./adjusted.js";
-import { adjust, cubeFile, describe } from "./library.js";
+import { cubeFile } from "./cube.js";
+import { adjust, library } from "./library.js";
 import { serve } from "./worker.js";
 
 /** @typedef {import("../photo/pixels.js").Pixels} Pixels */
@@ -18,10 +18,6 @@ let space;
 let work;
 
 serve({
-    async describe() {
-        return { result: await describe() };
-    },
-
     /** @param {{pixels: Pixels, space: Space}} preview */
     async load(preview) {
         ({ pixels: source, space } = preview);
@@ -42,7 +38,7 @@ serve({
         const bytes = width * channels;
         const band = work.subarray(0, rows.height * bytes);
         band.set(data.subarray(first * bytes, end * bytes));
-        await adjust({ ...rows, data: band }, values);
+        adjust(await library(), { ...rows, data: band }, values);
 
         const length = 4 * width * rows.height;
         const buffer = spare?.byteLength === length ? spare : new ArrayBuffer(length);
@@ -53,16 +49,8 @@ serve({
         return { result: { rgba, first, counts }, transfer: [buffer] };
     },
 
-    /** @param {{values: Values, colours: Uint8Array}} what red, green, blue, alpha of each */
-    async colours({ values, colours }) {
-        const count = colours.length >> 2;
-        const pixels = { data: colours, width: count, height: 1, channels: 4, hasAlpha: false };
-        await adjust(pixels, values);
-        return { result: colours };
-    },
-
-    /** @param {{values: Values, size: number, title: string}} what */
-    async table({ values, size, title }) {
-        return { result: await cubeFile(values, size, title) };
+    /** @param {{values: Values, size: number}} what */
+    async table({ values, size }) {
+        return { result: cubeFile((await library()).lut(values, size), size) };
     },
 });

@@ -5,7 +5,6 @@
 import { Remote } from "./remote.js";
 
 /** @typedef {import("../model/record.js").Values} Values */
-/** @typedef {import("../model/description.js").Setting} Setting */
 /** @typedef {import("../photo/pixels.js").Pixels} Pixels */
 /** @typedef {import("../photo/profile.js").Space} Space */
 
@@ -28,8 +27,7 @@ export class Previewer {
     #onFailure;
     /** @type {{pixels: Pixels, space: Space} | null} */
     #preview = null;
-    /** @type {Set<string>} settings that look beyond a pixel, or at where it lies */
-    #whole = new Set();
+    #whole;
     /** @type {Values | null} */
     #waiting = null;
     #busy = false;
@@ -38,21 +36,16 @@ export class Previewer {
     #spare = [];
 
     /**
+     * @param {Set<string>} whole settings that look beyond a pixel, or at where it lies
      * @param {(frame: Frame) => void} onFrame
      * @param {(error: unknown) => void} onFailure
      */
-    constructor(onFrame, onFailure) {
+    constructor(whole, onFrame, onFailure) {
+        this.#whole = whole;
         this.#onFrame = onFrame;
         this.#onFailure = onFailure;
         const count = Math.min(Math.max(navigator.hardwareConcurrency, 1), mostWorkers);
         this.#workers = Array.from({ length: count }, () => new Remote(this.#script));
-    }
-
-    /** @returns {Promise<{settings: Setting[], whole: string[], version: string}>} */
-    async describe() {
-        const description = await this.#workers[0].ask("describe");
-        this.#whole = new Set(description.whole);
-        return description;
     }
 
     /**
@@ -133,15 +126,6 @@ export class Previewer {
         );
         if (!this.#preview) return;
         await Promise.all(this.#workers.map((worker) => worker.ask("load", this.#preview)));
-    }
-
-    /**
-     * @param {Values} values
-     * @param {Uint8Array} colours
-     * @returns {Promise<Uint8Array>}
-     */
-    colours(values, colours) {
-        return this.#workers[this.#workers.length - 1].ask("colours", { values, colours });
     }
 
     /**

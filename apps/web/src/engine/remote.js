@@ -1,6 +1,6 @@
 // A worker as the page sees it: requests with answers, and an end that nobody asked for.
 
-import { Refusal } from "../model/check.js";
+import { Refusal } from "../model/refusal.js";
 
 export class Remote {
     #worker;

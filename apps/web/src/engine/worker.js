@@ -1,7 +1,7 @@
 // What both kinds of workers share: requests come in as {id, name, argument}, one is answered after
 // the other, and an answer is a result or what went wrong.
 
-import { Refusal } from "../model/check.js";
+import { Refusal } from "../model/refusal.js";
 
 /**
  * A result with the memory that moves along with it.

@@ -5,6 +5,7 @@
  * One setting as the library describes it.
  * @typedef {object} Setting
  * @property {string} name      in kebab-case, as presets and the command line have it
+ * @property {string} key       in camelCase, as programs have it
  * @property {string} label
  * @property {string} group
  * @property {string} help

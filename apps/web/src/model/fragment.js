@@ -1,8 +1,6 @@
 // A record as a link's fragment, "exposure=20&red-hue=5": people can read it, and no server sees it.
+// It becomes a preset's text, since presets are what the library checks.
 
-import { Refusal, checkEntry } from "./check.js";
-
-/** @typedef {import("./description.js").Setting} Setting */
 /** @typedef {import("./record.js").Values} Values */
 
 /** @param {Values} values */
@@ -14,20 +12,17 @@ export function writeFragment(values) {
 
 /**
  * @param {string} fragment without or with the leading "#"
- * @param {Setting[]} settings
- * @returns {Values}
+ * @returns {string} the preset
  */
-export function readFragment(fragment, settings) {
-    /** @type {Record<string, number>} */
-    const values = {};
-    for (const entry of fragment.replace(/^#/, "").split("&")) {
-        if (entry === "") continue;
-        const [name, text = ""] = entry.split("=");
-        if (!/^-?[0-9.]+(e[-+]?[0-9]+)?$/i.test(text)) {
-            throw new Refusal(`The link: "${name}" must be a number`);
-        }
-        checkEntry(settings, name, Number(text), "The link");
-        values[name] = Number(text);
-    }
-    return values;
+export function presetOfFragment(fragment) {
+    const entries = fragment.replace(/^#/, "").split("&").filter((entry) => entry !== "");
+    return JSON.stringify(
+        Object.fromEntries(
+            entries.map((entry) => {
+                const [name, text = ""] = entry.split("=");
+                // What is no number goes on as it is, for the message.
+                return [name, text.trim() === "" || Number.isNaN(Number(text)) ? text : Number(text)];
+            }),
+        ),
+    );
 }

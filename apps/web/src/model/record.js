@@ -90,6 +90,23 @@ export class EditedRecord extends EventTarget {
     }
 
     /**
+     * What a preset changes, checked by the library.
+     * @param {import("../engine/library.js").Library} k
+     * @param {string} text
+     * @param {string} name for messages
+     * @returns {Values}
+     */
+    fromPreset(k, text, name) {
+        const preset = k.readPreset(text, name);
+        /** @type {Record<string, number>} */
+        const values = {};
+        for (const { name: setting, key, usual } of this.#settings.values()) {
+            if (key in preset && preset[key] !== usual) values[setting] = preset[key];
+        }
+        return values;
+    }
+
+    /**
      * What is not as usual, in the record's order: what a preset holds.
      * @returns {Values}
      */

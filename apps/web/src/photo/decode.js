@@ -1,6 +1,6 @@
 // From a file to pixels.
 
-import { Refusal } from "../model/check.js";
+import { Refusal } from "../model/refusal.js";
 import { orientationOf } from "./exif.js";
 import { readHeader } from "./header.js";
 import { upright } from "./pixels.js";

@@ -1,6 +1,6 @@
 // What a picture file says about itself before any pixel is decoded.
 
-import { Refusal } from "../model/check.js";
+import { Refusal } from "../model/refusal.js";
 import { readJpegHeader } from "./jpeg.js";
 import { readPngHeader } from "./png.js";
 import { readWebpHeader } from "./webp.js";

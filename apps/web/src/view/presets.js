@@ -1,6 +1,5 @@
 // Presets as thumbnails of the photograph that is open: the built-in ones, and those that were loaded.
 
-import { readPreset, writePreset } from "../model/preset.js";
 import { find, make } from "./element.js";
 import { tell, tellError } from "./messages.js";
 import { save, stemOf } from "./saving.js";
@@ -34,8 +33,9 @@ function keyOf(values) {
 /**
  * @param {Session} session
  * @param {EditedRecord} record
+ * @param {import("../engine/library.js").Library} k
  */
-export function startPresets(session, record) {
+export function startPresets(session, record, k) {
     const strip = find("preset-strip", HTMLElement);
     /** @type {Preset[]} */
     const presets = [];
@@ -98,20 +98,9 @@ export function startPresets(session, record) {
 
     find("save-preset", HTMLButtonElement).addEventListener("click", () => {
         const name = `${stemOf(session.photograph?.name ?? "settings")}.json`;
-        save(new Blob([writePreset(record.changed)], { type: "application/json" }), name);
+        save(new Blob([k.writePreset(record.changed)], { type: "application/json" }), name);
         tell(`Saved ${name}`);
     });
-
-    /**
-     * @param {Values} values
-     * @returns {Values} without what is as usual
-     */
-    const different = (values) =>
-        Object.fromEntries(
-            record.settings
-                .filter(({ name, usual }) => name in values && values[name] !== usual)
-                .map(({ name }) => [name, values[name]]),
-        );
 
     return {
         /** The presets that lie beside the page. */
@@ -119,14 +108,14 @@ export function startPresets(session, record) {
             const index = new URL("../../presets/index.json", import.meta.url);
             for (const name of await (await fetch(index)).json()) {
                 const text = await (await fetch(new URL(name, index))).text();
-                add(labelOf(name), different(readPreset(text, name, record.settings)));
+                add(labelOf(name), record.fromPreset(k, text, name));
             }
             showChosen();
         },
         /** @param {File} file */
         async open(file) {
             if (file.size > 1 << 20) throw new Error(`${file.name} is too large for a preset`);
-            const values = different(readPreset(await file.text(), file.name, record.settings));
+            const values = record.fromPreset(k, await file.text(), file.name);
             const preset = add(labelOf(file.name), values);
             record.replace(values, `preset ${file.name}`);
             preset.button.scrollIntoView({ inline: "nearest", block: "nearest" });

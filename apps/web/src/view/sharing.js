@@ -1,16 +1,19 @@
 // Settings as a link, and links as settings.
 
-import { readFragment, writeFragment } from "../model/fragment.js";
+import { presetOfFragment, writeFragment } from "../model/fragment.js";
 import { find } from "./element.js";
 import { tell, tellError } from "./messages.js";
 
 /** @typedef {import("../model/record.js").EditedRecord} EditedRecord */
 
-/** @param {EditedRecord} record */
-export function startSharing(record) {
+/**
+ * @param {EditedRecord} record
+ * @param {import("../engine/library.js").Library} k
+ */
+export function startSharing(record, k) {
     const read = () => {
         try {
-            const values = readFragment(decodeURIComponent(location.hash), record.settings);
+            const values = record.fromPreset(k, presetOfFragment(decodeURIComponent(location.hash)), "The link");
             if (Object.keys(values).length > 0) record.replace(values, "link");
         } catch (error) {
             tellError(error);

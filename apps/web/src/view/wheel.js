@@ -13,7 +13,7 @@ import { directionOf, makeSlider, spoken } from "./slider.js";
 
 /**
  * What settings make of colours: red, green, blue, alpha each.
- * @typedef {(values: Values, colours: Uint8Array) => Promise<Uint8Array>} ColourSource
+ * @typedef {(values: Values, colours: Uint8Array) => Uint8Array} ColourSource
  */
 
 const svg = "http://www.w3.org/2000/svg";
@@ -92,7 +92,7 @@ export function makeWheel(record, bands, colours) {
     });
     choices[0].input.checked = true;
 
-    const drawResults = latest(async () => {
+    const drawResults = () => {
         /** @type {Record<string, number>} */
         const values = {};
         for (const { from, to, effects } of bands) {
@@ -101,13 +101,13 @@ export function makeWheel(record, bands, colours) {
             }
         }
         const hues = Array.from({ length: samples }, (_, i) => [...colourOf((360 * i) / samples), 255]);
-        const after = await colours(values, Uint8Array.from(hues.flat()));
+        const after = colours(values, Uint8Array.from(hues.flat()));
         const stops = Array.from({ length: samples + 1 }, (_, i) => {
             const at = 4 * (i % samples);
             return `rgb(${after[at]} ${after[at + 1]} ${after[at + 2]})`;
         });
         results.style.background = `conic-gradient(${stops.join(", ")})`;
-    });
+    };
 
     const show = () => {
         for (const [band, element] of sliders) element.hidden = band !== chosen;
@@ -190,27 +190,4 @@ function makeBound(record, wheel, current) {
         element.setAttribute("aria-valuetext", spoken(setting, value));
     };
     return { element, show };
-}
-
-/**
- * Runs `work` once at a time; calls that come meanwhile are answered by one further run.
- * @param {() => Promise<void>} work
- */
-function latest(work) {
-    let running = false;
-    let again = false;
-    const run = async () => {
-        again = running;
-        if (running) return;
-        running = true;
-        try {
-            do {
-                again = false;
-                await work();
-            } while (again);
-        } finally {
-            running = false;
-        }
-    };
-    return () => void run();
 }
