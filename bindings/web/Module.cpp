@@ -5,10 +5,14 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <span>
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "text/CubeText.h"
 #include "text/NearestName.h"
 
 extern "C" {
@@ -49,16 +53,33 @@ __attribute__((export_name("nearestSetting"))) const char* nearestSetting(const 
                                                                           std::size_t length) {
     int count = 0;
     const KeladjustSetting* const settings = keladjustSettings(&count);
-    const std::vector<std::string> names = [&] {
-        std::vector<std::string> all;
-        for (int i = 0; i < count; ++i) all.emplace_back(settings[i].name);
-        return all;
-    }();
+    std::vector<std::string> names;
+    for (int i = 0; i < count; ++i) names.emplace_back(settings[i].name);
     const auto nearest = keladjust::app::nearestName({wrong, length}, names);
     if (!nearest) return nullptr;
     for (int i = 0; i < count; ++i) {
         if (*nearest == settings[i].name) return settings[i].name;
     }
     return nullptr;
+}
+
+/// The text of a cube file, for free(), and its length; null if memory is short.
+__attribute__((export_name("cubeFile"))) char* cubeFile(const float* points, std::int32_t dimension,
+                                                        std::int32_t redFastest,
+                                                        std::size_t* length) {
+    using keladjust::app::CubeOrder;
+    try {
+        const std::size_t edge = static_cast<std::size_t>(dimension);
+        const std::string text = keladjust::app::cubeText(
+            {points, 3 * edge * edge * edge}, dimension,
+            redFastest != 0 ? CubeOrder::redFastest : CubeOrder::blueFastest);
+        auto* const copy = static_cast<char*>(std::malloc(text.size()));
+        if (copy == nullptr) return nullptr;
+        std::memcpy(copy, text.data(), text.size());
+        *length = text.size();
+        return copy;
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
 }
 }

@@ -30,7 +30,7 @@
 #define KELADJUST_API __declspec(dllexport)
 #elif defined(_WIN32) && !defined(KELADJUST_BUILD) && !defined(KELADJUST_STATIC)
 #define KELADJUST_API __declspec(dllimport)
-#elif defined(__GNUC__) && !defined(_WIN32)
+#elif defined(__GNUC__) && !defined(_WIN32) && !defined(KELADJUST_STATIC)
 #define KELADJUST_API __attribute__((visibility("default")))
 #else
 #define KELADJUST_API
@@ -88,7 +88,10 @@ enum {
 enum { KELADJUST_SLOT_COUNT = 65 };
 
 /**
- * One setting per slider: KELADJUST_SLOT_COUNT slots of four bytes, passed by value.
+ * One setting per slider: KELADJUST_SLOT_COUNT slots of four bytes.
+ *
+ * Later versions may add slots at the end. keladjustRun() and keladjustBake() are told how many a
+ * host has; functions that take the record by value use the 65 of version 0.2.
  *
  * Every stage leaves the picture alone at its identity value, which is 11500 for `temperature` and
  * 0 for all others. Ranges in the comments are the useful ones.

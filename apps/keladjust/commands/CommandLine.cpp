@@ -39,8 +39,10 @@ std::string describe(const KeladjustSetting& setting) {
 }  // namespace
 
 CommandLine::CommandLine(const std::string& description) : app_(description, "keladjust") {
-    app_.set_version_flag("--version", std::string("keladjust ") + keladjustVersion(),
-                          "Print the version");
+    app_.set_version_flag(
+        "--version",
+        std::string("keladjust ") + keladjustVersion() + "\nLicence: " KELADJUST_PROGRAM_LICENCE,
+        "Print version and licence");
     app_.set_help_flag("-h,--help", "Print this help");
     app_.get_formatter()->column_width(40);
     app_.allow_windows_style_options(false);

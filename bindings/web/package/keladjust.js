@@ -4,7 +4,7 @@ import { checkObject } from "./lib/checks.js";
 import { Keladjust } from "./lib/keladjust.js";
 import { compile } from "./lib/source.js";
 
-export { OutOfMemoryError, SupersededError } from "./lib/errors.js";
+export { OutOfMemoryError } from "./lib/errors.js";
 
 export async function load(options = {}) {
     checkObject(options, "options");

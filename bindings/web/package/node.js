@@ -5,7 +5,7 @@ import { Keladjust } from "./lib/keladjust.js";
 import { readFileOrFetch } from "./lib/node-files.js";
 import { compile } from "./lib/source.js";
 
-export { OutOfMemoryError, SupersededError } from "./lib/errors.js";
+export { OutOfMemoryError } from "./lib/errors.js";
 
 export async function load(options = {}) {
     checkObject(options, "options");

@@ -100,10 +100,19 @@ export class WorkerClient {
     }
 
     lut(settings, dimension, options = {}) {
+        return this.#table("lut", settings, dimension, options);
+    }
+
+    cube(settings, dimension, options = {}) {
+        return this.#table("cube", settings, dimension, options);
+    }
+
+    #table(call, settings, dimension, options) {
         return this.#request(options, () => {
             checkObject(settings, "settings");
+            const { order } = options;
             return {
-                message: { call: "lut", arguments: [{ ...settings }, dimension, { order: options.order }] },
+                message: { call, arguments: [{ ...settings }, dimension, { order }] },
                 result: ({ table }) => table,
             };
         });

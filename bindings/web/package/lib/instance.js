@@ -183,4 +183,18 @@ export class Instance {
             if (baked === 0) throw new OutOfMemoryError(12 * dimension ** 3);
         });
     }
+
+    /** The text of a cube file of the table at the address. */
+    cubeFile(address, dimension, redFastest) {
+        return this.withMemory(4, (lengthAddress) => {
+            const text = this.#exports.cubeFile(address, dimension, redFastest ? 1 : 0, lengthAddress);
+            if (text === 0) throw new OutOfMemoryError();
+            try {
+                const length = new DataView(this.#memory.buffer).getUint32(lengthAddress, true);
+                return new TextDecoder().decode(this.bytes(text, length));
+            } finally {
+                this.#exports.free(text);
+            }
+        });
+    }
 }

@@ -8,6 +8,7 @@ import { readPreset, writePreset } from "./presets.js";
 import { Settings } from "./settings.js";
 
 const tableOrders = ["red-fastest", "blue-fastest"];
+const tableBytes = (dimension) => 12 * dimension ** 3;
 
 /** Passes on how far the library is and remembers why it is to stop. */
 class Watch {
@@ -84,15 +85,25 @@ export class Keladjust {
     }
 
     lut(settings, dimension = 32, options = {}) {
+        return this.#bake(settings, dimension, options, (address) =>
+            new Float32Array(this.#instance.bytes(address, tableBytes(dimension)).slice().buffer));
+    }
+
+    cube(settings, dimension = 32, options = {}) {
+        return this.#bake(settings, dimension, options, (address, redFastest) =>
+            this.#instance.cubeFile(address, dimension, redFastest));
+    }
+
+    #bake(settings, dimension, options, take) {
         const record = this.#settings.record(settings);
         checkWhole(dimension, 2, 256, "dimension");
         checkObject(options, "options");
         const { order = "red-fastest" } = options;
         checkChoice(order, tableOrders, "options.order");
-        const bytes = 12 * dimension ** 3;
-        return this.#instance.withMemory(bytes, (address) => {
-            this.#instance.bake(address, record, dimension, order === "red-fastest");
-            return new Float32Array(this.#instance.bytes(address, bytes).slice().buffer);
+        const redFastest = order === "red-fastest";
+        return this.#instance.withMemory(tableBytes(dimension), (address) => {
+            this.#instance.bake(address, record, dimension, redFastest);
+            return take(address, redFastest);
         });
     }
 

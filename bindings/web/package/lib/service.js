@@ -17,6 +17,9 @@ export function serve(post) {
             const table = library.lut(...given);
             return [{ table }, [table.buffer]];
         },
+        cube({ arguments: given }) {
+            return [{ table: library.cube(...given) }];
+        },
     };
 
     return async (message) => {
