@@ -118,6 +118,7 @@ export class Session extends EventTarget {
     #changed() {
         if (!this.photograph || !this.#record) return;
         ++this.#version;
+        this.#stage.expectChange();
         this.darkroom?.giveUp();
         this.#previewer.request(this.#record.changed);
         clearTimeout(this.#timer);

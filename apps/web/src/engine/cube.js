@@ -1,7 +1,8 @@
 // A colour table as the text of a cube file, in the form that most programs read, byte for byte what
 // the command line writes with red varying fastest.
 
-/** Lines in one part of the text: in one piece the largest table is longer than a string may be. */
+// The package's own cube() gives one string, and the largest tables are longer than strings may be.
+/** Lines in one part of the text. */
 const linesInPart = 65536;
 
 /**

@@ -40,7 +40,7 @@ export function settingsOfTheWhole(k, groups) {
             [lowest, highest].every((value) => {
                 if (value === usual) return true;
                 const table = k.lut({ [name]: value }, fineness);
-                return table.every((level, i) => level === unchanged[i]);
+                return table.every((/** @type {number} */ level, /** @type {number} */ i) => level === unchanged[i]);
             }),
         );
     return new Set(whole.map(({ name }) => name));

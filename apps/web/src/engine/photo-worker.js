@@ -26,10 +26,11 @@ function copy() {
  * As a canvas shows it.
  * @param {Pixels} pixels in the library's order of bytes
  */
-function shown({ data, width, height, channels }) {
+function shown(pixels) {
+    const { width, height } = pixels;
     const counts = new Uint32Array(histogramLength);
     const words = new Uint32Array(width * height);
-    toCanvas(data, channels, words, counts);
+    toCanvas(pixels, words, counts);
     const rgba = new Uint8ClampedArray(words.buffer);
     if (photograph.space.conversion) convert(photograph.space.conversion, rgba);
     return { rgba, width, height, counts };

@@ -1,6 +1,7 @@
-// The preview while something moves. A frame is adjusted by several workers, each its share of rows,
-// as long as no setting in use looks beyond a pixel; else by one. One frame is under way at a time:
-// what is asked for meanwhile waits, only the last of it, so that no frame is more than one behind.
+// The preview while something moves. A frame is adjusted by several workers, each a band of rows, as
+// long as no setting in use looks beyond a pixel; else by one that has all rows. One frame is under
+// way at a time: what is asked for meanwhile waits, only the last of it, so that no frame is more than
+// one behind.
 
 import { Remote } from "./remote.js";
 
@@ -21,7 +22,7 @@ const mostWorkers = 4;
 
 export class Previewer {
     #script = new URL("./preview-worker.js", import.meta.url);
-    /** @type {Remote[]} */
+    /** @type {Remote[]} each with a band, but for the last, which has the whole preview */
     #workers;
     #onFrame;
     #onFailure;
@@ -45,7 +46,7 @@ export class Previewer {
         this.#onFrame = onFrame;
         this.#onFailure = onFailure;
         const count = Math.min(Math.max(navigator.hardwareConcurrency, 1), mostWorkers);
-        this.#workers = Array.from({ length: count }, () => new Remote(this.#script));
+        this.#workers = Array.from({ length: count + 1 }, () => new Remote(this.#script));
     }
 
     /**
@@ -58,8 +59,25 @@ export class Previewer {
         this.#preview = { pixels, space };
         this.#waiting = null;
         this.#spare = [];
-        await Promise.all(this.#workers.map((worker) => worker.ask("load", this.#preview)));
+        await this.#loadAll();
         return generation === this.#generation;
+    }
+
+    async #loadAll() {
+        if (!this.#preview) return;
+        const { pixels, space } = this.#preview;
+        const { width, height, channels } = pixels;
+        const bands = this.#workers.length - 1;
+        await Promise.all(
+            this.#workers.map((worker, i) => {
+                const first = i < bands ? Math.floor((height * i) / bands) : 0;
+                const end = i < bands ? Math.floor((height * (i + 1)) / bands) : height;
+                const bytes = width * channels;
+                const data = pixels.data.slice(first * bytes, end * bytes);
+                const band = { ...pixels, data, height: end - first };
+                return worker.ask("load", { pixels: band, first, space }, [data.buffer]);
+            }),
+        );
     }
 
     /** @param {Values} values which differ from the usual ones */
@@ -92,15 +110,19 @@ export class Previewer {
      * @returns {Promise<Frame>}
      */
     async #adjust(values, { width, height }) {
-        const shared = Object.keys(values).every((name) => !this.#whole.has(name));
-        const count = shared ? Math.min(this.#workers.length, height) : 1;
+        /** @type {Record<string, number>} */
+        const points = {};
+        /** @type {Record<string, number>} */
+        const whole = {};
+        for (const [name, value] of Object.entries(values)) {
+            (this.#whole.has(name) ? whole : points)[name] = value;
+        }
+        const isWhole = Object.keys(whole).length > 0;
+        const workers = isWhole ? this.#workers.slice(-1) : this.#workers.slice(0, -1);
         const parts = await Promise.all(
-            this.#workers.slice(0, count).map((worker, i) => {
-                const first = Math.floor((height * i) / count);
-                const end = Math.floor((height * (i + 1)) / count);
-                const spare = this.#spare.pop();
-                const what = { values, first, end, spare };
-                return worker.ask("adjust", what, spare ? [spare] : []);
+            workers.map((worker) => {
+                const spare = this.#spare.shift();
+                return worker.ask("adjust", { points, whole, spare }, spare ? [spare] : []);
             }),
         );
         const counts = parts[0].counts;
@@ -124,8 +146,7 @@ export class Previewer {
         this.#workers = this.#workers.map((worker) =>
             worker.isAlive ? worker : new Remote(this.#script),
         );
-        if (!this.#preview) return;
-        await Promise.all(this.#workers.map((worker) => worker.ask("load", this.#preview)));
+        await this.#loadAll();
     }
 
     /**
@@ -134,6 +155,6 @@ export class Previewer {
      * @returns {Promise<Blob>}
      */
     table(values, size) {
-        return this.#workers[this.#workers.length - 1].ask("table", { values, size });
+        return this.#workers[0].ask("table", { values, size });
     }
 }

@@ -38,7 +38,7 @@
 const boundsOf = /^(.+)-min-degree$/;
 
 /**
- * @param {Setting[]} settings
+ * @param {readonly Setting[]} settings
  * @returns {Group[]} in the record's order
  */
 export function groupsOf(settings) {

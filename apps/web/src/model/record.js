@@ -9,7 +9,7 @@ export class EditedRecord extends EventTarget {
     /** @type {Map<string, number>} */
     #values = new Map();
 
-    /** @param {Setting[]} settings */
+    /** @param {readonly Setting[]} settings */
     constructor(settings) {
         super();
         this.#settings = new Map(settings.map((setting) => [setting.name, setting]));
@@ -97,7 +97,7 @@ export class EditedRecord extends EventTarget {
      * @returns {Values}
      */
     fromPreset(k, text, name) {
-        const preset = k.readPreset(text, name);
+        const preset = /** @type {Record<string, number>} */ (k.readPreset(text, name));
         /** @type {Record<string, number>} */
         const values = {};
         for (const { name: setting, key, usual } of this.#settings.values()) {

@@ -23,7 +23,7 @@ export async function encode(pixels, original, kind, quality) {
         kind === "png"
             ? await writePng(pixels, metadata)
             : await encodeByBrowser(pixels, metadata, kind, quality);
-    return new Blob([bytes], { type: `image/${kind}` });
+    return new Blob([/** @type {Uint8Array<ArrayBuffer>} */ (bytes)], { type: `image/${kind}` });
 }
 
 /**
@@ -36,7 +36,8 @@ async function encodeByBrowser(pixels, metadata, kind, quality) {
     const { width, height } = pixels;
     const rgba = forCanvas(pixels);
     // JPEG knows no transparency, and a canvas would make it black: pixels keep their colours.
-    if (kind === "jpeg") for (let i = 3; i < rgba.length; i += 4) rgba[i] = 255;
+    // Nor does alpha count where the photograph has none.
+    if (kind === "jpeg" || !pixels.hasAlpha) for (let i = 3; i < rgba.length; i += 4) rgba[i] = 255;
     const canvas = new OffscreenCanvas(width, height);
     const context = canvas.getContext("2d");
     if (!context) throw new RangeError("not enough memory for the picture");

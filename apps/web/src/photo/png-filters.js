@@ -21,8 +21,8 @@ function paeth(left, above, corner) {
  * @returns {Uint8Array} the same memory
  */
 export function unfilter(rows, stride, pixel) {
-    const none = new Uint8Array(stride);
-    let above = none;
+    /** @type {Uint8Array} */
+    let above = new Uint8Array(stride);
     for (let at = 0; at < rows.length; at += stride + 1) {
         const filter = rows[at];
         const row = rows.subarray(at + 1, at + 1 + stride);
@@ -57,7 +57,9 @@ export function unfilter(rows, stride, pixel) {
 export function filterRows(data, width, height, channels, written) {
     const stride = width * written;
     const filtered = new Uint8Array(height * (stride + 1));
+    /** @type {Uint8Array} */
     let above = new Uint8Array(stride);
+    /** @type {Uint8Array} */
     let row = new Uint8Array(stride);
     const candidates = [0, 1, 2, 3, 4].map(() => new Uint8Array(stride));
     for (let y = 0; y < height; ++y) {

@@ -1,5 +1,5 @@
-// A picture as it appears in a viewport, kept until one of the two changes: to draw a large picture
-// small takes long, and the divider between before and after wants both of them many times a second.
+// A picture as it appears in a viewport. What has to be made smaller for it is kept until one of the
+// two changes: that takes long, and the divider between before and after wants it many times a second.
 
 /** @typedef {import("./viewport.js").Viewport} Viewport */
 /** @typedef {import("../photo/profile.js").CanvasSpace} CanvasSpace */
@@ -12,6 +12,8 @@ export class Layer {
     #version = 0;
     /** @type {CanvasSpace} */
     #space = "srgb";
+    /** @type {CanvasSpace} */
+    #viewSpace = "srgb";
 
     /**
      * Parts of a picture, each as wide as the whole.
@@ -42,18 +44,42 @@ export class Layer {
         this.#drawn = "";
     }
 
+    /**
+     * @param {CanvasRenderingContext2D} context
+     * @param {Viewport} viewport
+     */
+    draw(context, viewport) {
+        if (!this.source) return;
+        const shown = viewport.scale * viewport.pictureWidth;
+        if (this.source.width <= 1.05 * shown) paint(context, this.source, viewport);
+        else context.drawImage(this.#shrunk(viewport), 0, 0);
+    }
+
     /** @param {Viewport} viewport */
-    render({ width, height, pictureWidth, pictureHeight, scale, left, top }) {
-        const key = [this.#version, width, height, pictureWidth, scale, left, top, this.#space].join();
+    #shrunk(viewport) {
+        const { width, height, scale, left, top } = viewport;
+        const key = [this.#version, width, height, scale, left, top].join();
         if (key === this.#drawn || !this.source) return this.#view;
         this.#drawn = key;
-        this.#view = new OffscreenCanvas(width, height);
+        const fits = this.#view.width === width && this.#view.height === height;
+        if (!fits || this.#viewSpace !== this.#space) this.#view = new OffscreenCanvas(width, height);
+        this.#viewSpace = this.#space;
         const context = this.#view.getContext("2d", { colorSpace: this.#space });
         if (!context) throw new Error("not enough memory to show the picture");
-        // Above 200 % people want to see pixels.
-        context.imageSmoothingEnabled = scale < 2;
-        context.imageSmoothingQuality = "high";
-        context.drawImage(this.source, left, top, scale * pictureWidth, scale * pictureHeight);
+        context.clearRect(0, 0, width, height);
+        paint(context, this.source, viewport);
         return this.#view;
     }
+}
+
+/**
+ * @param {CanvasRenderingContext2D | OffscreenCanvasRenderingContext2D} context
+ * @param {OffscreenCanvas} source
+ * @param {Viewport} viewport
+ */
+function paint(context, source, { pictureWidth, pictureHeight, scale, left, top }) {
+    // Above 200 % people want to see pixels.
+    context.imageSmoothingEnabled = scale < 2;
+    context.imageSmoothingQuality = "high";
+    context.drawImage(source, left, top, scale * pictureWidth, scale * pictureHeight);
 }

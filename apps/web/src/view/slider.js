@@ -81,8 +81,10 @@ export function makeSlider(record, setting, heading) {
         if (event.key === "Enter") slider.focus();
     });
 
+    let shown = NaN;
     const show = () => {
         const current = record.get(name);
+        shown = current;
         slider.value = String(current);
         slider.setAttribute("aria-valuetext", spoken(setting, current));
         if (document.activeElement !== value) value.value = String(Math.round(current * 100) / 100);
@@ -96,7 +98,10 @@ export function makeSlider(record, setting, heading) {
         Math.min(Math.max((100 * (at - lowest)) / (highest - lowest), 0), 100);
 
     value.addEventListener("blur", show);
-    record.addEventListener("change", show);
+    // Most changes are another slider's, and there are many.
+    record.addEventListener("change", () => {
+        if (record.get(name) !== shown) show();
+    });
     show();
     return element;
 }

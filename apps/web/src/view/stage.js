@@ -95,6 +95,11 @@ export class Stage extends EventTarget {
         this.draw();
     }
 
+    /** What is shown is on its way out. */
+    expectChange() {
+        this.#element.setAttribute("aria-busy", "true");
+    }
+
     /** @param {Shown} shown */
     #setShown(shown) {
         this.#shown = shown;
@@ -147,15 +152,17 @@ export class Stage extends EventTarget {
         const before = this.#before.source ? this.#before : after;
         context.clearRect(0, 0, width, height);
         if (this.#onlyBefore) {
-            context.drawImage(before.render(this.viewport), 0, 0);
+            before.draw(context, this.viewport);
             return;
         }
-        context.drawImage(after.render(this.viewport), 0, 0);
+        after.draw(context, this.viewport);
         if (this.#divided === null) return;
-        const split = Math.round(width * this.#divided);
-        if (split < 1) return;
-        context.clearRect(0, 0, split, height);
-        context.drawImage(before.render(this.viewport), 0, 0, split, height, 0, 0, split, height);
-        this.dispatchEvent(new Event("drawn"));
+        context.save();
+        context.beginPath();
+        context.rect(0, 0, Math.round(width * this.#divided), height);
+        context.clip();
+        context.clearRect(0, 0, width, height);
+        before.draw(context, this.viewport);
+        context.restore();
     }
 }

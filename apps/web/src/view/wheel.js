@@ -95,11 +95,7 @@ export function makeWheel(record, bands, colours) {
     const drawResults = () => {
         /** @type {Record<string, number>} */
         const values = {};
-        for (const { from, to, effects } of bands) {
-            for (const setting of [from, to, ...effects]) {
-                values[setting.name] = record.get(setting.name);
-            }
-        }
+        for (const { name: setting } of settings) values[setting] = record.get(setting);
         const hues = Array.from({ length: samples }, (_, i) => [...colourOf((360 * i) / samples), 255]);
         const after = colours(values, Uint8Array.from(hues.flat()));
         const stops = Array.from({ length: samples + 1 }, (_, i) => {
@@ -109,7 +105,11 @@ export function makeWheel(record, bands, colours) {
         results.style.background = `conic-gradient(${stops.join(", ")})`;
     };
 
+    const settings = bands.flatMap(({ from, to, effects }) => [from, to, ...effects]);
+    const key = () => settings.map(({ name: setting }) => record.get(setting)).join();
+    let shown = "";
     const show = () => {
+        shown = key();
         for (const [band, element] of sliders) element.hidden = band !== chosen;
         const [from, to] = [record.get(chosen.from.name), record.get(chosen.to.name)];
         const length = from <= to ? to - from : to - from + 360;
@@ -128,7 +128,9 @@ export function makeWheel(record, bands, colours) {
         }
         drawResults();
     };
-    record.addEventListener("change", show);
+    record.addEventListener("change", () => {
+        if (key() !== shown) show();
+    });
     show();
 
     const legend = make("legend", { class: "unseen" }, "Colour range");
