@@ -52,7 +52,7 @@ export function fillPanel(record, groups, colours) {
         if (!setting) return;
         const { sign } = unitOf(setting);
         const range = `${textOf(setting.lowest)} to ${textOf(setting.highest)}${sign && ` ${sign}`}`;
-        help.replaceChildren(make("b", {}, setting.label), ` · ${range}`, make("br"), setting.help);
+        help.replaceChildren(make("b", {}, setting.label), ` · ${range}`, make("br"), ` ${setting.help}`);
     };
     for (const event of ["pointerover", "focusin"]) {
         find("groups", HTMLElement).addEventListener(event, explain);

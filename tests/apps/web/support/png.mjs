@@ -26,14 +26,16 @@ export function readPng(file) {
     const rows = Buffer.alloc(stride * height);
     for (let y = 0; y < height; ++y) {
         const filter = packed[y * (stride + 1)];
+        const above = (y - 1) * stride;
         for (let i = 0; i < stride; ++i) {
-            const a = i < channels ? 0 : rows[y * stride + i - channels];
-            const b = y === 0 ? 0 : rows[(y - 1) * stride + i];
-            const c = i < channels || y === 0 ? 0 : rows[(y - 1) * stride + i - channels];
-            const p = a + b - c;
-            const [pa, pb, pc] = [a, b, c].map((value) => Math.abs(p - value));
-            const nearest = pa <= pb && pa <= pc ? a : pb <= pc ? b : c;
-            const guess = [0, a, b, (a + b) >> 1, nearest][filter];
+            const left = i < channels ? 0 : rows[y * stride + i - channels];
+            const up = y === 0 ? 0 : rows[above + i];
+            const corner = i < channels || y === 0 ? 0 : rows[above + i - channels];
+            let guess = 0;
+            if (filter === 1) guess = left;
+            else if (filter === 2) guess = up;
+            else if (filter === 3) guess = (left + up) >> 1;
+            else if (filter === 4) guess = nearest(left, up, corner);
             rows[y * stride + i] = packed[y * (stride + 1) + 1 + i] + guess;
         }
     }
@@ -45,4 +47,12 @@ export function readPng(file) {
         }
     }
     return { width, height, channels, rgba, chunks };
+}
+
+/** Of the three the one that is nearest to left + up - corner; the first of several. */
+function nearest(left, up, corner) {
+    const sum = left + up - corner;
+    const [toLeft, toUp, toCorner] = [Math.abs(sum - left), Math.abs(sum - up), Math.abs(sum - corner)];
+    if (toLeft <= toUp && toLeft <= toCorner) return left;
+    return toUp <= toCorner ? up : corner;
 }
