@@ -23,7 +23,13 @@
 #include <stddef.h>
 #include <stdint.h>
 #ifndef __cplusplus
+#if defined(_MSC_VER) || (defined(__STDC_VERSION__) && __STDC_VERSION__ >= 199901L)
 #include <stdbool.h>
+#elif !defined(bool) /* C90 has none; a byte of 0 or 1 is what others pass */
+#define bool unsigned char
+#define true 1
+#define false 0
+#endif
 #endif
 
 #if defined(_MSC_VER) && defined(KELADJUST_BUILD)

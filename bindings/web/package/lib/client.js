@@ -13,7 +13,8 @@ function errorFrom({ name, message }) {
 
 /** A picture like the one that was given, with other pixels. */
 function pictureLike(picture, buffer) {
-    const data = new picture.data.constructor(buffer);
+    const isClamped = picture.data[Symbol.toStringTag] === "Uint8ClampedArray";
+    const data = isClamped ? new Uint8ClampedArray(buffer) : new Uint8Array(buffer);
     if (typeof ImageData === "function" && picture instanceof ImageData) {
         return new ImageData(data, picture.width, picture.height, { colorSpace: picture.colorSpace });
     }

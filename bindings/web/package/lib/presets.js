@@ -6,7 +6,6 @@ import { checkObject, kindOf } from "./checks.js";
 const largestFloat = 3.4028234663852886e38;
 const largestInteger = 0x7fffffff;
 
-/** The number as its shortest text in single precision, in which ranges are given. */
 function rangeText({ lowest, highest, identity }) {
     return `; useful values are ${lowest}..${highest}, identity ${identity}`;
 }
@@ -46,9 +45,12 @@ export function readPreset(settings, text, name) {
     return read;
 }
 
-/** Whole numbers without a decimal point, as people write them. */
+/** As the command line writes it: with an exponent, of two digits or more, below 0.0001 and from 2^53 on. */
 function numberText(value) {
-    return Object.is(value, -0) ? "0" : String(value);
+    const magnitude = Math.abs(value);
+    if (magnitude === 0) return "0";
+    if (magnitude >= 1e-4 && magnitude < 2 ** 53) return String(value);
+    return value.toExponential().replace(/([+-])(\d)$/, (_, sign, digit) => `${sign}0${digit}`);
 }
 
 /** The text of a preset that holds exactly the values that are given, in the record's order. */

@@ -25,7 +25,7 @@ export class Settings {
     find(name, where, commandLineSpelling = false) {
         const setting = this.#byName.get(name);
         if (setting !== undefined && (!commandLineSpelling || name === setting.name)) return setting;
-        throw new TypeError(`${where}unknown setting ${JSON.stringify(name)}` +
+        throw new TypeError(`${where}unknown setting "${name}"` +
             this.#suggestion(name, commandLineSpelling));
     }
 
