@@ -200,12 +200,16 @@ def test_a_damaged_manifest_is_set_aside_and_everything_done_again(farm, tmp_pat
 
 @pytest.mark.long
 def test_one_folder_is_written_to_by_one_run(farm, wrapped, tmp_path):
-    write_pictures(tmp_path / "in", 6)
+    write_pictures(tmp_path / "in", 3)
     command = [tmp_path / "in", tmp_path / "out", "--tint", 5, "--workers", 1]
-    first = farm(*command, "--program", wrapped("sleep 1"))
-    until(lambda: outputs(tmp_path / "out"), "the first run")
+    begun, go_on = tmp_path / "begun", tmp_path / "go on"
+    first = farm(*command, "--program", wrapped(
+        f'[ "$picture" = --version ] || touch "{begun}"\n'
+        f'while [ -e "{begun}" ] && [ ! -e "{go_on}" ]; do sleep 0.1; done'))
+    until(begun.exists, "the first run")
     second = farm(*command, "--program", PROGRAM)
     assert second.end() == 2 and "another run writes to" in second.said
+    go_on.touch()
     assert first.end() == 0
 
 
