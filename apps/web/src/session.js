@@ -10,7 +10,7 @@ import { showHistogram } from "./view/histogram.js";
 /** @typedef {import("./model/record.js").EditedRecord} EditedRecord */
 /** @typedef {import("./view/stage.js").Stage} Stage */
 
-// How long settings rest before the exact picture is made.
+// How long settings rest before the exact picture is made, and the view before the preview fits it.
 const rest = 140;
 
 // A preview has a pixel for each of the screen's, but never so many that it could not keep up.
@@ -34,6 +34,8 @@ export class Session extends EventTarget {
     #making = false;
     /** @type {ReturnType<typeof setTimeout> | undefined} */
     #timer;
+    /** @type {ReturnType<typeof setTimeout> | undefined} */
+    #viewTimer;
 
     /**
      * @param {Stage} stage
@@ -54,7 +56,10 @@ export class Session extends EventTarget {
             },
             (error) => onFailure(error),
         );
-        stage.addEventListener("view", () => void this.#fitPreview().catch(onFailure));
+        stage.addEventListener("view", () => {
+            clearTimeout(this.#viewTimer);
+            this.#viewTimer = setTimeout(() => void this.#fitPreview().catch(onFailure), rest);
+        });
     }
 
     get previewer() {
@@ -89,6 +94,7 @@ export class Session extends EventTarget {
         this.#previewSize = "";
         this.#stage.begin(opened.width, opened.height, opened.space.canvas, file.name);
         await this.#fitPreview();
+        this.#changed();
         const share = Math.sqrt(Math.min(1, mostBeforePixels / (opened.width * opened.height)));
         const before = await darkroom.before(
             Math.max(1, Math.round(opened.width * share)),
@@ -112,7 +118,6 @@ export class Session extends EventTarget {
         const pixels = await darkroom.preview(size[0], size[1]);
         if (this.darkroom !== darkroom || this.#previewSize !== size.join()) return;
         await this.#previewer.load(pixels, space);
-        this.#changed();
     }
 
     #changed() {

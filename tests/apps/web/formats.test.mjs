@@ -15,36 +15,9 @@ import { forCanvas, upright } from "../../../apps/web/src/photo/pixels.js";
 import { readPngHeader, readPngPixels, writePng } from "../../../apps/web/src/photo/png.js";
 import { convert, spaceOf } from "../../../apps/web/src/photo/profile.js";
 import { readWebpHeader, withWebpMetadata } from "../../../apps/web/src/photo/webp.js";
+import { adobeRgb, exifWith } from "./support/metadata.mjs";
 import { adjusted, freshName, small } from "./support/native.mjs";
 import { readPng } from "./support/png.mjs";
-
-/** A TIFF structure with an orientation, a size, an EXIF folder and a thumbnail, in either order of bytes. */
-function exifWith({ orientation, little = true }) {
-    const tiff = Buffer.alloc(140);
-    const u16 = (value, at) => (little ? tiff.writeUInt16LE(value, at) : tiff.writeUInt16BE(value, at));
-    const u32 = (value, at) => (little ? tiff.writeUInt32LE(value, at) : tiff.writeUInt32BE(value, at));
-    const entry = (at, tag, type, value) => {
-        u16(tag, at);
-        u16(type, at + 2);
-        u32(1, at + 4);
-        if (type === 3) u16(value, at + 8);
-        else u32(value, at + 8);
-    };
-    tiff.write(little ? "II*\0" : "MM\0*", "latin1");
-    u32(8, 4);
-    u16(2, 8);
-    entry(10, 0x0112, 3, orientation);
-    entry(22, 0x8769, 4, 40);
-    u32(70, 34);
-    u16(2, 40);
-    entry(42, 0xa002, 4, 4000);
-    entry(54, 0xa003, 4, 3000);
-    u16(2, 70);
-    entry(72, 0x0201, 4, 110);
-    entry(84, 0x0202, 4, 20);
-    tiff.fill(0x55, 110, 130);
-    return new Uint8Array(tiff);
-}
 
 describe("PNG", () => {
     const kinds = ["rgb24", "rgba", "gray", "ya8", "pal8", "monob", "rgb48be", "rgba64be", "gray16be", "ya16be"];
@@ -185,57 +158,28 @@ describe("JPEG and WebP", () => {
     }
 });
 
-/** A profile of a matrix and one curve of an exponent, as cameras and editors embed it. */
-function profileWith(columns, gamma) {
-    const icc = Buffer.alloc(300);
-    icc.write("RGB ", 16, "latin1");
-    icc.write("acsp", 36, "latin1");
-    icc.writeUInt32BE(6, 128);
-    ["rXYZ", "gXYZ", "bXYZ"].forEach((name, i) => {
-        const at = 210 + 20 * i;
-        icc.write(name, 132 + 12 * i, "latin1");
-        icc.writeUInt32BE(at, 136 + 12 * i);
-        icc.writeUInt32BE(20, 140 + 12 * i);
-        icc.write("XYZ ", at, "latin1");
-        columns[i].forEach((value, k) => icc.writeInt32BE(Math.round(value * 65536), at + 8 + 4 * k));
-    });
-    ["rTRC", "gTRC", "bTRC"].forEach((name, i) => {
-        icc.write(name, 168 + 12 * i, "latin1");
-        icc.writeUInt32BE(270, 172 + 12 * i);
-        icc.writeUInt32BE(14, 176 + 12 * i);
-    });
-    icc.write("curv", 270, "latin1");
-    icc.writeUInt32BE(1, 278);
-    icc.writeUInt16BE(Math.round(gamma * 256), 282);
-    return new Uint8Array(icc);
-}
-
 describe("Colour profiles", () => {
-    // The published primaries of Adobe RGB (1998), under D50.
-    const adobe = profileWith(
-        [[0.60974, 0.31111, 0.01947], [0.20528, 0.62567, 0.06087], [0.14919, 0.06322, 0.74457]], 2.2);
-
     test("none, and one that is cut off, mean the screen's own colours", () => {
         assert.deepEqual(spaceOf(null), { canvas: "srgb", conversion: null });
-        for (let length = 0; length < adobe.length - 30; length += 9) {
-            assert.equal(spaceOf(adobe.slice(0, length)).canvas, "srgb");
+        for (let length = 0; length < adobeRgb.length - 30; length += 9) {
+            assert.equal(spaceOf(adobeRgb.slice(0, length)).canvas, "srgb");
         }
     });
 
     test("another space is converted for the screen, to the same colours", () => {
-        const { canvas, conversion } = spaceOf(adobe);
+        const { canvas, conversion } = spaceOf(adobeRgb);
         assert.equal(canvas, "display-p3");
         const before = [[0, 0, 0], [128, 128, 128], [255, 255, 255], [60, 120, 90], [200, 150, 40]];
         const colours = Uint8ClampedArray.from(before.flatMap((colour) => [...colour, 77]));
         convert(conversion, colours);
         const displayP3 = [[0.51512, 0.29198, 0.1571], [0.2412, 0.69225, 0.06657], [-0.00105, 0.04189, 0.78407]];
-        const adobeRgb = [[0.60974, 0.20528, 0.14919], [0.31111, 0.62567, 0.06322], [0.01947, 0.06087, 0.74457]];
+        const primaries = [[0.60974, 0.20528, 0.14919], [0.31111, 0.62567, 0.06322], [0.01947, 0.06087, 0.74457]];
         const light = (level) => (level <= 0.04045 ? level / 12.92 : ((level + 0.055) / 1.055) ** 2.4);
         const tristimulus = (matrix, linear) =>
             matrix.map((row) => row.reduce((sum, share, i) => sum + share * linear[i], 0));
         before.forEach((colour, i) => {
             const after = [...colours.subarray(4 * i, 4 * i + 3)];
-            const wanted = tristimulus(adobeRgb, colour.map((level) => (level / 255) ** 2.2));
+            const wanted = tristimulus(primaries, colour.map((level) => (level / 255) ** 2.2));
             const shown = tristimulus(displayP3, after.map((level) => light(level / 255)));
             // Half a level is at most 0.0045 of the light, the table's steps are a tenth of that.
             wanted.forEach((value, k) =>

@@ -59,10 +59,27 @@ export async function decode(blob, name, most) {
             throw new Refusal(`${name} is damaged: ${/** @type {Error} */ (error).message}`);
         }
     } else {
-        stored = await decodeByBrowser(blob, name, header, share);
+        stored = await decodeByBrowser(untagged(file, header.marks), name, header, share);
     }
     const pixels = upright(stored, orientation);
     return { pixels, exif: header.exif, icc: header.icc, space: spaceOf(header.icc) };
+}
+
+/**
+ * The file as if it had neither EXIF data nor a profile. Browsers turn a picture upright by the one,
+ * some formats' and not others', and convert its numbers by the other, whatever they are asked.
+ * @param {Uint8Array} file
+ * @param {number[]} marks see Header
+ */
+function untagged(file, marks) {
+    // Files are as large as photographs are, and are not copied for this.
+    const parts = [];
+    let from = 0;
+    for (const mark of marks) {
+        parts.push(file.subarray(from, mark), "none");
+        from = mark + 4;
+    }
+    return new Blob(/** @type {BlobPart[]} */ ([...parts, file.subarray(from)]));
 }
 
 /**
@@ -74,9 +91,7 @@ export async function decode(blob, name, most) {
  */
 async function decodeByBrowser(blob, name, header, share) {
     /** @type {ImageBitmapOptions} */
-    const options = { colorSpaceConversion: "none", premultiplyAlpha: "none" };
-    // What this page can read the orientation of it turns itself, whatever the browser thinks.
-    if (header.kind !== "other") options.imageOrientation = "none";
+    const options = { premultiplyAlpha: "none" };
     if (share < 1) {
         options.resizeWidth = Math.max(1, Math.round(header.width * share));
         options.resizeHeight = Math.max(1, Math.round(header.height * share));

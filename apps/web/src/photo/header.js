@@ -14,6 +14,7 @@ import { hasText } from "./bytes.js";
  * @property {boolean} isGrey one channel, without transparency
  * @property {Uint8Array | null} exif a TIFF structure
  * @property {Uint8Array | null} icc
+ * @property {number[]} marks  where the four letters stand that announce either
  */
 
 /**
@@ -29,5 +30,5 @@ export async function readHeader(file, name) {
     } catch (error) {
         throw new Refusal(`${name} is damaged: ${/** @type {Error} */ (error).message}`);
     }
-    return { kind: "other", width: 0, height: 0, isGrey: false, exif: null, icc: null };
+    return { kind: "other", width: 0, height: 0, isGrey: false, exif: null, icc: null, marks: [] };
 }

@@ -43,10 +43,12 @@ function isFrame(marker) {
  */
 export function readJpegHeader(file) {
     /** @type {Header} */
-    const header = { kind: "jpeg", width: 0, height: 0, isGrey: false, exif: null, icc: null };
+    const header = {
+        kind: "jpeg", width: 0, height: 0, isGrey: false, exif: null, icc: null, marks: [],
+    };
     /** @type {Uint8Array[]} */
     const profile = [];
-    for (const { marker, payload, end } of segmentsOf(file)) {
+    for (const { marker, payload, at, end } of segmentsOf(file)) {
         if (isFrame(marker)) {
             if (payload.length < 6) throw new Error("its frame header is too short");
             header.height = viewOf(payload).getUint16(1);
@@ -54,8 +56,10 @@ export function readJpegHeader(file) {
             header.isGrey = payload[5] === 1;
         } else if (marker === 0xe1 && !header.exif && hasText(payload, 0, exifMark)) {
             header.exif = payload.slice(exifMark.length);
+            header.marks.push(at + 4);
         } else if (marker === 0xe2 && hasText(payload, 0, iccMark)) {
             profile[payload[iccMark.length]] = payload.subarray(iccMark.length + 2);
+            header.marks.push(at + 4);
         } else if (marker === 0xda && !isComplete(file, end)) {
             // Browsers paint what is missing grey, which nobody should take for the photograph.
             throw new Error("it ends too early");

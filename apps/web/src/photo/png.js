@@ -40,7 +40,7 @@ function* chunksOf(file) {
         if (isCritical && crc32(file.subarray(at + 4, end - 4)) !== view.getUint32(end - 4)) {
             throw new Error(`the check sum of "${name}" is wrong`);
         }
-        yield { name, payload: file.subarray(at + 8, end - 4) };
+        yield { name, at, payload: file.subarray(at + 8, end - 4) };
         if (name === "IEND") return;
         at = end;
     }
@@ -59,7 +59,9 @@ function readChunks(file) {
     let exif = null;
     /** @type {Uint8Array | null} */
     let packedProfile = null;
-    for (const { name, payload } of chunksOf(file)) {
+    /** @type {number[]} */
+    const marks = [];
+    for (const { name, at, payload } of chunksOf(file)) {
         if (name === "IHDR") form = formOf(payload);
         else if (!form) throw new Error("it does not begin with a header");
         else if (name === "PLTE") form.palette = payload;
@@ -67,10 +69,11 @@ function readChunks(file) {
         else if (name === "IDAT") data.push(payload);
         else if (name === "eXIf") exif = payload.slice();
         else if (name === "iCCP") packedProfile = payload.subarray(payload.indexOf(0) + 2);
+        if (name === "eXIf" || name === "iCCP") marks.push(at + 4);
     }
     if (!form || data.length === 0) throw new Error("it holds no picture");
     if (form.colour === 3 && !form.palette) throw new Error("it has no palette");
-    return { form, data, exif, packedProfile };
+    return { form, data, exif, packedProfile, marks };
 }
 
 /**
@@ -107,7 +110,7 @@ const longestProfile = 8 << 20;
  * @returns {Promise<Header>}
  */
 export async function readPngHeader(file) {
-    const { form, exif, packedProfile } = readChunks(file);
+    const { form, exif, packedProfile, marks } = readChunks(file);
     let icc = null;
     if (packedProfile) {
         try {
@@ -117,7 +120,7 @@ export async function readPngHeader(file) {
         }
     }
     const { width, height } = form;
-    return { kind: "png", width, height, isGrey: isGrey(form), exif, icc };
+    return { kind: "png", width, height, isGrey: isGrey(form), exif, icc, marks };
 }
 
 /**

@@ -14,7 +14,7 @@ function chunksOf(file) {
         const name = String.fromCharCode(...file.subarray(at, at + 4));
         const length = viewOf(file).getUint32(at + 4, true);
         if (at + 8 + length > file.length) throw new Error("it ends too early");
-        chunks.push({ name, payload: file.subarray(at + 8, at + 8 + length) });
+        chunks.push({ name, at, payload: file.subarray(at + 8, at + 8 + length) });
         at += 8 + length + (length & 1);
     }
     return chunks;
@@ -65,7 +65,9 @@ export function readWebpHeader(file) {
     let exif = payloadOf("EXIF");
     // Some writers put JPEG's mark before it.
     if (exif && hasText(exif, 0, "Exif\0\0")) exif = exif.slice(6);
-    return { kind: "webp", width, height, isGrey: false, exif, icc: payloadOf("ICCP") };
+    const icc = payloadOf("ICCP");
+    const marks = chunks.filter(({ name }) => ["EXIF", "ICCP"].includes(name)).map(({ at }) => at);
+    return { kind: "webp", width, height, isGrey: false, exif, icc, marks };
 }
 
 /**
