@@ -36,6 +36,19 @@ class Guide:
         self.title = heading[2:].strip()
         self.slug = os.path.splitext(os.path.basename(path))[0]
 
+    @property
+    def summary(self):
+        """The first sentence below the title, if there is one above the first heading."""
+        paragraphs = FENCE.sub("", self._text.partition("\n#")[0]).strip("\n").split("\n\n")
+        paragraphs = [text for text in paragraphs if text and not re.match(r"\||- |    ", text)]
+        if not paragraphs or paragraphs[0][0].islower():  # which goes on from a line of code
+            return ""
+        paragraph = paragraphs[0].strip()
+        sentence = re.match(r"(?s).*?[.:](?=\s|$)", paragraph)
+        text = (sentence.group(0) if sentence else paragraph).rstrip(":.") + "."
+        html = markdown.markdown(re.sub(r"\[([^]]*)\]\([^)]*\)", r"\1", text))
+        return re.sub(r"^<p>|</p>$", "", html)
+
     def render(self, tree, link):
         """The text below the title, and its headings [(id, text)]. `link` gives the address of a file
         of the tree that the site has, or None."""

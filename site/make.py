@@ -20,13 +20,12 @@ from reference import PREFIX_OF_TABLE_FORMS, Reference
 HERE = os.path.dirname(os.path.abspath(__file__))
 TREE = os.path.dirname(HERE)
 
-# The guides in the order in which one would read them, under the headings of their index.
-GUIDES = {
-    "Using the library": ["embedding", "pictures-and-settings", "threads", "colour-tables", "gpu",
-                          "exactness", "reliability", "performance", "versions"],
-    "The program": ["host"],
-    "Working on it": ["working-on-it", "adding-a-stage", "windows", "msvc", "fuzzing"],
-}
+# The guides in the order in which one would read them, under the headings of their index. Pages of docs/
+# that stand in none of these are about hosts in other languages and other programs.
+USING = ["embedding", "pictures-and-settings", "threads", "colour-tables", "gpu", "exactness",
+         "reliability", "performance", "versions"]
+PROGRAM = ["host"]
+WORKING = ["working-on-it", "adding-a-stage", "windows", "msvc", "fuzzing"]
 
 
 class Site:
@@ -51,13 +50,16 @@ class Site:
         shutil.copyfile(source, target)
 
 
-def docs():
-    """Every page of docs/: what is in no list would be lost."""
-    listed = [name for names in GUIDES.values() for name in names] + ["start"]
-    there = {name.removesuffix(".md") for name in os.listdir(TREE + "/docs") if name.endswith(".md")}
-    if there != set(listed):
-        raise SystemExit(f"make.py: docs/ and the list of guides differ: {there ^ set(listed)}")
-    return {name: Guide(TREE, f"docs/{name}.md") for name in listed}
+def guides_of_docs():
+    """Every page of docs/, and headings with the guides below each."""
+    there = sorted(name.removesuffix(".md") for name in os.listdir(TREE + "/docs")
+                   if name.endswith(".md"))
+    guides = {name: Guide(TREE, f"docs/{name}.md") for name in there}
+    others = [name for name in there if name not in USING + PROGRAM + WORKING + ["start"]]
+    headings = {"Using the library": USING, "The program": PROGRAM,
+                "Other languages and programs": others, "Working on it": WORKING}
+    return guides, [(heading, [guides[name] for name in names])
+                    for heading, names in headings.items() if names]
 
 
 def address_of(path, page):
@@ -75,8 +77,7 @@ def address_of(path, page):
 
 
 def make_guides(site):
-    guides = docs()
-    nav = [(heading, [guides[name] for name in names]) for heading, names in GUIDES.items()]
+    guides, nav = guides_of_docs()
     for name, guide in guides.items():
         path = "start.html" if name == "start" else f"guides/{name}.html"
         text, headings = guide.render(TREE, lambda file, page=path: address_of(file, page))

@@ -62,17 +62,20 @@ class Wheel(bdist_wheel):
         return "py3", "none", "win_amd64" if DLL else platform_tag.linux(LIBRARY)
 
 
+    def egg2dist(self, egginfo_path, distinfo_path):
+        super().egg2dist(egginfo_path, distinfo_path)
+        shutil.copy(ROOT / "LICENSE", distinfo_path)  # which setuptools looks for beside setup.py only
+
+
 class WithLibrary(Distribution):
     def has_ext_modules(self):
         return True  # so that the package goes where a system keeps what is its own
 
 
-licence = ROOT / "LICENSE"
 setup(
     version=header.version(HEADER),
     distclass=WithLibrary,
     cmdclass={"build_py": BuildPackage, "bdist_wheel": Wheel},
-    license_files=[os.path.relpath(licence, HERE)] if licence.exists() else [],
     # Nothing is written beside the sources.
     options={"build": {"build_base": str(WORK / "build")}, "egg_info": {"egg_base": str(WORK)},
              "bdist_wheel": {"bdist_dir": str(WORK / "bdist")}},

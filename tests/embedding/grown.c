@@ -1,8 +1,8 @@
-/* A host for libraries of one name whose records differ in length. Prints all that it gets from calls
-   that take its own record, by value and by address, so that two libraries can be compared.
+/* A host for libraries of one name whose records differ in length. Prints all that it gets from
+   calls that take its own record, by value and by address, so that two libraries can be compared.
 
-   Compiled with a header that has the slot `planted`, it tries that one instead: "old" with a library
-   that does not know it, "new" with one that does, where it is an exposure. */
+   Compiled with a header that has the slot `planted`, it tries that one instead: "old" with a
+   library that does not know it, "new" with one that does, where it is an exposure. */
 
 #include <keladjust/keladjust.h>
 #include <stdio.h>

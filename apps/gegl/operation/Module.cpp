@@ -6,7 +6,8 @@
 
 extern "C" {
 
-// Otherwise declared by the macros for operations only.
+// What GEGL calls, by its names, which its macros for operations would declare.
+// NOLINTBEGIN(readability-identifier-naming)
 const GeglModuleInfo* gegl_module_query(GTypeModule* module);
 gboolean gegl_module_register(GTypeModule* module);
 
@@ -19,5 +20,7 @@ gboolean gegl_module_register(GTypeModule* module) {
     keladjust::gegl::registerOperation(module);
     return TRUE;
 }
+
+// NOLINTEND(readability-identifier-naming)
 
 }  // extern "C"

@@ -3,9 +3,9 @@
 #include <gegl-plugin.h>
 
 #include <cstddef>
+#include <exception>
 
 #include "settings/PresetFile.h"
-#include "text/Failure.h"
 
 namespace keladjust::gegl {
 
@@ -66,38 +66,32 @@ void installProperties(GObjectClass* type) {
 Properties::Properties() : sliders_(app::allSettings().size()) {}
 
 void Properties::set(guint id, const GValue* value) {
+    if (id == presetId) {
+        const char* path = g_value_get_string(value);
+        setPreset(path != nullptr ? path : "");
+    } else if (G_VALUE_HOLDS_INT(value)) {
+        sliders_[sliderOf(id)] = static_cast<double>(g_value_get_int(value));
+    } else {
+        sliders_[sliderOf(id)] = g_value_get_double(value);
+    }
+}
+
+void Properties::setPreset(const char* path) {
     try {
-        if (id == presetId) {
-            const char* path = g_value_get_string(value);
-            setPreset(path != nullptr ? path : "");
-            return;
-        }
-        const KeladjustSetting& setting = app::allSettings()[sliderOf(id)];
-        const double number = setting.isInteger != 0 ? static_cast<double>(g_value_get_int(value))
-                                                     : g_value_get_double(value);
-        app::checkValue(setting, number, setting.name);
-        sliders_[sliderOf(id)] = number;
+        preset_ = *path != '\0' ? app::settingsFromPresetFile(path) : app::Settings();
+        presetPath_ = path;
     } catch (const std::exception& error) {
         g_warning("%s", error.what());
     }
 }
 
-void Properties::setPreset(const char* path) {
-    preset_ = *path != '\0' ? app::settingsFromPresetFile(path) : app::Settings();
-    presetPath_ = path;
-}
-
 void Properties::get(guint id, GValue* value) const {
     if (id == presetId) {
         g_value_set_string(value, presetPath_.c_str());
-        return;
-    }
-    const KeladjustSetting& setting = app::allSettings()[sliderOf(id)];
-    const double number = sliders_[sliderOf(id)];
-    if (setting.isInteger != 0) {
-        g_value_set_int(value, static_cast<gint>(number));
+    } else if (G_VALUE_HOLDS_INT(value)) {
+        g_value_set_int(value, static_cast<gint>(sliders_[sliderOf(id)]));
     } else {
-        g_value_set_double(value, number);
+        g_value_set_double(value, sliders_[sliderOf(id)]);
     }
 }
 

@@ -20,8 +20,8 @@ class Properties {
 public:
     Properties();
 
-    /// What cannot be is told with a warning and changes nothing, as GLib does where a value is out
-    /// of a property's range.
+    /// A preset that cannot be read is told with a warning and changes nothing, as GLib itself does
+    /// with numbers that are none, or out of a property's range.
     void set(guint id, const GValue* value);
     void get(guint id, GValue* value) const;
 

@@ -4,7 +4,6 @@ import array
 import ctypes
 import math
 
-from . import _interface
 from ._files import write_whole
 from ._library import library
 from ._settings import settings_of

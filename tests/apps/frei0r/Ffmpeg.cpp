@@ -21,11 +21,27 @@ protected:
                                 const std::string& filters) {
         writeFrames(folder_ / "in.raw", frames);
         const std::string sides = std::to_string(size.width) + 'x' + std::to_string(size.height);
-        const Outcome outcome = runProgram(
-            KELADJUST_FFMPEG,
-            {"-nostdin", "-v",  "error",    "-f",       "rawvideo", "-pix_fmt",           "bgra",
-             "-s",       sides, "-r",       "10",       "-i",       (folder_ / "in.raw"), "-vf",
-             filters,    "-f",  "rawvideo", "-pix_fmt", "bgra",     (folder_ / "out.raw")});
+        const Outcome outcome = runProgram(KELADJUST_FFMPEG, {"-nostdin",
+                                                              "-y",
+                                                              "-v",
+                                                              "error",
+                                                              "-f",
+                                                              "rawvideo",
+                                                              "-pix_fmt",
+                                                              "bgra",
+                                                              "-s",
+                                                              sides,
+                                                              "-r",
+                                                              "10",
+                                                              "-i",
+                                                              (folder_ / "in.raw"),
+                                                              "-vf",
+                                                              filters,
+                                                              "-f",
+                                                              "rawvideo",
+                                                              "-pix_fmt",
+                                                              "bgra",
+                                                              (folder_ / "out.raw")});
         EXPECT_EQ(outcome.code, 0) << outcome.errors;
         messages_ = outcome.errors;
         return readFrames(folder_ / "out.raw", size);
@@ -72,17 +88,50 @@ TEST_F(Ffmpeg, TakesAPreset) {
                  adjusted(frames, usual, record));
 }
 
-TEST_F(Ffmpeg, AdjustsFramesOfOddSizes) {
-    const _AdjustParam record = recordWith([](_AdjustParam& changed) {
+const char* const spatial = "frei0r=keladjust:exposure 20 clarity 40 vignette-amount -60";
+
+_AdjustParam spatialRecord() {
+    return recordWith([](_AdjustParam& changed) {
         changed.exposure = 20;
         changed.clarity = 40;
         changed.vignetteAmount = -60;
     });
-    for (const FrameSize size : {FrameSize{61, 47}, {62, 50}, {1, 1}, {2051, 3}}) {
+}
+
+TEST_F(Ffmpeg, AdjustsFramesOfAnyHeight) {
+    for (const FrameSize size : {FrameSize{64, 47}, {16, 1}, {4112, 3}}) {
         const auto frames = noiseFrames(size, 2);
-        expectFrames(
-            filtered(frames, size, "frei0r=keladjust:exposure 20 clarity 40 vignette-amount -60"),
-            adjusted(frames, size, record));
+        expectFrames(filtered(frames, size, spatial), adjusted(frames, size, spatialRecord()));
+    }
+}
+
+/// The left part of each row of `from`, with opaque black behind it where `to` is wider.
+Frame withWidth(const Frame& from, FrameSize size, unsigned to) {
+    Frame result;
+    for (unsigned y = 0; y < size.height; ++y) {
+        for (unsigned x = 0; x < to; ++x) {
+            result.push_back(x < size.width ? from[std::size_t{y} * size.width + x] : 0xff000000);
+        }
+    }
+    return result;
+}
+
+// This ffmpeg hands over rows of a multiple of 16 pixels without a word of it to the filter: other
+// widths are padded by the user, as the page on video says.
+TEST_F(Ffmpeg, AdjustsFramesOfAnyWidthThatArePadded) {
+    for (const FrameSize size : {FrameSize{61, 47}, {62, 50}, {1, 1}}) {
+        const auto frames = noiseFrames(size, 2);
+        const FrameSize padded = {(size.width + 15) / 16 * 16, size.height};
+        std::vector<Frame> expected;
+        for (const Frame& frame : frames) {
+            const Frame whole =
+                adjusted(withWidth(frame, size, padded.width), padded, spatialRecord());
+            expected.push_back(withWidth(whole, padded, size.width));
+        }
+        expectFrames(filtered(frames, size,
+                              "pad=ceil(iw/16)*16:ih," + std::string(spatial) +
+                                  ",crop=" + std::to_string(size.width) + ":ih:0:0"),
+                     expected);
     }
 }
 
@@ -117,7 +166,8 @@ TEST_F(Ffmpeg, IsSetAnewByCommands) {
     }
     expectFrames(filtered(frames, usual,
                           "sendcmd=c='0.15 frei0r filter_params |0.5|0.5|0.25; "
-                          "0.35 frei0r filter_params exposure 10',"
+                          // The list of commands and the command each take a backslash away.
+                          "0.35 frei0r filter_params exposure\\\\ 10',"
                           "frei0r=keladjust:exposure 30"),
                  expected);
 }

@@ -24,8 +24,8 @@ protected:
         const std::string sides = std::to_string(size.width) + 'x' + std::to_string(size.height);
         const Outcome coded = runProgram(
             KELADJUST_FFMPEG,
-            {"-nostdin", "-v", "error", "-f", "rawvideo", "-pix_fmt", "bgra", "-s", sides, "-r",
-             "10", "-i", (folder_ / "in.raw"), "-c:v", "ffv1", (folder_ / "in.mkv")});
+            {"-nostdin", "-y", "-v", "error", "-f", "rawvideo", "-pix_fmt", "bgra", "-s", sides,
+             "-r", "10", "-i", (folder_ / "in.raw"), "-c:v", "ffv1", (folder_ / "in.mkv")});
         EXPECT_EQ(coded.code, 0) << coded.errors;
         std::ofstream(folder_ / "profile")
             << "description=noise\nframe_rate_num=10\nframe_rate_den=1\nwidth=" << size.width

@@ -24,8 +24,9 @@ ALL_FINE, SOME_FAILED, USAGE, INTERRUPTED = 0, 1, 2, 130
 # Each format's usual extension.
 EXTENSIONS = {"jpeg": ".jpg", "png": ".png", "tiff": ".tif", "webp": ".webp"}
 
-DESCRIPTION = """Adjusts pictures on many machines: those in folders and those that quoted patterns and lists name.
-Each keeps its name and its place below the output folder. A second run goes on where the first ended."""
+DESCRIPTION = """Adjusts pictures on many machines: those in folders and those that quoted patterns and
+lists name. Each keeps its name and its place below the output folder. A second run goes on where the first
+ended."""
 
 
 class UsageError(Exception):
@@ -52,8 +53,10 @@ def _at_least(lowest, kind=int):
 
 
 def parser():
-    line = Parser("keladjust-farm", usage="keladjust-farm IN... OUT [option...]", description=DESCRIPTION, allow_abbrev=False,
-                  epilog="Exit status: 0 all fine, 1 something failed, 2 wrong usage, 130 interrupted.",
+    line = Parser("keladjust-farm", usage="keladjust-farm IN... OUT [option...]",
+                  description=DESCRIPTION, allow_abbrev=False,
+                  epilog="Exit status: 0 all fine, 1 something failed, 2 wrong usage, "
+                  "130 interrupted.",
                   formatter_class=argparse.RawDescriptionHelpFormatter)
     add = line.add_argument
     add("paths", nargs="+", metavar="IN... OUT", help="folders, pictures and patterns; the output folder")
@@ -194,7 +197,8 @@ async def run(options, progress):
         try:
             async with Crew(options.scheduler, security(options), options.workers, orders, output.path,
                             options.patience, progress.say) as crew:
-                loop.add_signal_handler(signal.SIGINT, stop)
+                for number in (signal.SIGINT, signal.SIGTERM):
+                    loop.add_signal_handler(number, stop)
                 await Run(crew, manifest, report, progress, output, options).work(stopped)
         except Interrupted:
             return INTERRUPTED

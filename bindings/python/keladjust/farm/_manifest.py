@@ -25,20 +25,30 @@ class Manifest:
         self._settings = settings
         path = os.path.join(folder, FOLDER)
         os.makedirs(path, exist_ok=True)
-        self._rows = sqlite3.connect(os.path.join(path, "manifest.sqlite"), timeout=1)
+        self._path = os.path.join(path, "manifest.sqlite")
         try:
-            # Until it is closed nobody else writes.
-            self._rows.execute("PRAGMA locking_mode = EXCLUSIVE")
-            self._rows.execute("PRAGMA synchronous = NORMAL")
-            self._rows.execute("PRAGMA cache_size = -16384")
-            self._rows.execute("CREATE TABLE IF NOT EXISTS pictures (output BLOB PRIMARY KEY, mark BLOB,"
-                               " result INTEGER, size INTEGER, run INTEGER, reason TEXT) WITHOUT ROWID")
-            self._rows.execute("CREATE TABLE IF NOT EXISTS runs (run INTEGER PRIMARY KEY)")
-            self._run = self._rows.execute("INSERT INTO runs DEFAULT VALUES").lastrowid
-            self._rows.commit()
+            self._open()
         except sqlite3.OperationalError as error:
             self._rows.close()
             raise Busy(str(error)) from None
+        except sqlite3.DatabaseError:
+            # After a loss of power, say. What it knew is done again.
+            self._rows.close()
+            os.replace(self._path, self._path + ".damaged")
+            self._open()
+
+    def _open(self):
+        self._rows = sqlite3.connect(self._path, timeout=1)
+        # Until it is closed nobody else writes. A log of its own makes commits cheap: they wait for no
+        # disk, and what a loss of power takes of them is the last ones.
+        for pragma in ("locking_mode = EXCLUSIVE", "journal_mode = WAL", "synchronous = NORMAL",
+                       "cache_size = -16384"):
+            self._rows.execute(f"PRAGMA {pragma}")
+        self._rows.execute("CREATE TABLE IF NOT EXISTS pictures (output BLOB PRIMARY KEY, mark BLOB,"
+                           " result INTEGER, size INTEGER, run INTEGER, reason TEXT) WITHOUT ROWID")
+        self._rows.execute("CREATE TABLE IF NOT EXISTS runs (run INTEGER PRIMARY KEY)")
+        self._run = self._rows.execute("INSERT INTO runs DEFAULT VALUES").lastrowid
+        self._rows.commit()
 
     def mark(self, source, state):
         """What stands for a picture as it is now, to be adjusted with these settings."""

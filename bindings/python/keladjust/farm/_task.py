@@ -157,10 +157,11 @@ def _program_version(program):
 
 @functools.lru_cache(maxsize=8)
 def _version_of(path, _modified, _size):
-    """Asked again once the program's file has changed, as it does when packages are renewed."""
+    """The second word that it says of itself. Asked again once the program's file has changed, as it
+    does when packages are renewed."""
     said = subprocess.run([path, "--version"], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                           stderr=subprocess.STDOUT, timeout=60, text=True, check=False).stdout
-    return said.strip().rpartition(" ")[2]
+    return (said.split() + ["unknown", "unknown"])[1]
 
 
 def _worker():
