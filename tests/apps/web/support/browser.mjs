@@ -105,6 +105,7 @@ class Chromium extends Page {
         started.browser = await chromium.launch({
             executablePath: "/usr/bin/chromium",
             args: ["--no-sandbox"],
+            timeout: 2 * patience,
         });
         started.context = await started.browser.newContext({ viewport: size, acceptDownloads: true });
         started.page = await started.context.newPage();
@@ -149,6 +150,7 @@ class Firefox extends Page {
             executablePath: "/usr/bin/firefox-esr",
             defaultViewport: size,
             protocolTimeout: 2 * patience,
+            timeout: 2 * patience,
             extraPrefsFirefox: {
                 "browser.download.folderList": 2,
                 "browser.download.dir": started.downloads,

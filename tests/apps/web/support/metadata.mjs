@@ -31,6 +31,7 @@ export function exifWith({ orientation, little = true }) {
 /** A profile of a matrix and one curve of an exponent, as cameras and editors embed it. */
 function profileWith(columns, gamma) {
     const icc = Buffer.alloc(300);
+    icc.writeUInt32BE(icc.length);
     icc.write("RGB ", 16, "latin1");
     icc.write("acsp", 36, "latin1");
     icc.writeUInt32BE(6, 128);
