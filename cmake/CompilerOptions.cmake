@@ -14,10 +14,24 @@ else()
         # A name local to one file is none to the others that it is compiled with.
         $<$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>:-Wno-shadow>)
 endif()
+if(EMSCRIPTEN)
+    # What all engines have: vectors, and exceptions without a detour through JavaScript.
+    target_compile_options(keladjust_options INTERFACE -msimd128 -fwasm-exceptions)
+    target_link_options(keladjust_options INTERFACE -fwasm-exceptions)
+endif()
 if(MINGW AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # GCC takes the stack of a Windows program for aligned to whatever its vectors need, but it is
     # aligned to 16 bytes only (GCC bug 54412): wider aligned moves would crash.
     target_compile_options(keladjust_options INTERFACE -Wa,-muse-unaligned-vector-move)
+endif()
+
+# Instruction sets that are not compiled for, of those that Highway would try by itself.
+set(disabled_targets "")
+include(${CMAKE_CURRENT_LIST_DIR}/Processor.cmake)
+keladjust_processor(KELADJUST_PROCESSOR)
+if(KELADJUST_PROCESSOR STREQUAL "Arm64")
+    # Their vectors have no length that the compiler knows, so no structure may hold one.
+    list(APPEND disabled_targets HWY_SVE HWY_SVE2 HWY_SVE_256 HWY_SVE2_128)
 endif()
 
 if(KELADJUST_SANITIZE)
@@ -27,19 +41,17 @@ if(KELADJUST_SANITIZE)
 
     # They take minutes over vector code. One instruction set a width of vectors is enough for them, and
     # for what runs on several threads the best; what this machine cannot run need not be there.
-    set(unwatched HWY_SSSE3)
+    list(APPEND disabled_targets HWY_SSSE3)
     if(KELADJUST_SANITIZE STREQUAL "thread")
-        list(APPEND unwatched HWY_SSE4)
+        list(APPEND disabled_targets HWY_SSE4)
     endif()
     set(avx512 "")
     if(EXISTS /proc/cpuinfo)
         file(STRINGS /proc/cpuinfo avx512 REGEX avx512bw LIMIT_COUNT 1)
     endif()
     if(NOT avx512)
-        list(APPEND unwatched HWY_AVX3)
+        list(APPEND disabled_targets HWY_AVX3)
     endif()
-    list(JOIN unwatched "|" unwatched)
-    target_compile_definitions(keladjust_options INTERFACE "HWY_DISABLED_TARGETS=(${unwatched})")
 endif()
 
 if(KELADJUST_BUILD_FUZZERS)
@@ -47,8 +59,7 @@ if(KELADJUST_BUILD_FUZZERS)
         set(fuzzed -fprofile-instr-generate -fcoverage-mapping)
         target_link_options(keladjust_options INTERFACE ${fuzzed})
         # A line of vector code is one line for all instruction sets: one and the scalar one will do.
-        target_compile_definitions(keladjust_options INTERFACE
-            "HWY_DISABLED_TARGETS=(HWY_SSSE3|HWY_SSE4|HWY_AVX3)")
+        list(APPEND disabled_targets HWY_SSSE3 HWY_SSE4 HWY_AVX3)
     else()
         # All instruction sets, which is why functions of Highway's headers are not checked by
         # UndefinedBehaviorSanitizer: inlined everywhere, they would take ten times as long to
@@ -64,4 +75,10 @@ if(KELADJUST_BUILD_FUZZERS)
     target_compile_options(keladjust_options INTERFACE ${fuzzed})
     # Its assertions would need its library.
     target_compile_definitions(keladjust_options INTERFACE HWY_IS_DEBUG_BUILD=0)
+endif()
+
+if(disabled_targets)
+    list(JOIN disabled_targets "|" disabled_targets)
+    target_compile_definitions(keladjust_options INTERFACE
+        "HWY_DISABLED_TARGETS=(${disabled_targets})")
 endif()

@@ -241,21 +241,24 @@ void CxImage::Copy(const CxImage& source) {
     Copy(&source);
 }
 
-#if defined(__x86_64__) || defined(_M_X64)
-// Hosts and library agree on these places. The class is polymorphic, which makes offsetof
+// Hosts and library agree on these places: behind the pointers, that to the virtual functions among
+// them, members of 32 bits. The class is polymorphic, which makes offsetof
 // conditionally supported; every compiler the library is built with supports it.
 #if defined(__GNUC__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Winvalid-offsetof"
 #endif
-static_assert(offsetof(CxImage, pBits) == 8 && offsetof(CxImage, ppHostBits) == 16 &&
-              offsetof(CxImage, ownsBits) == 24 && offsetof(CxImage, width) == 28 &&
-              offsetof(CxImage, height) == 32 && offsetof(CxImage, bpp) == 36 &&
-              offsetof(CxImage, bytesPerPixel) == 40 && offsetof(CxImage, effWidth) == 44 &&
-              offsetof(CxImage, size) == 48 && offsetof(CxImage, format) == 52 &&
-              sizeof(CxImage) == 56);
+constexpr std::size_t word = sizeof(void*);
+static_assert(offsetof(CxImage, pBits) == word && offsetof(CxImage, ppHostBits) == 2 * word &&
+              offsetof(CxImage, ownsBits) == 3 * word && offsetof(CxImage, width) == 3 * word + 4 &&
+              offsetof(CxImage, height) == 3 * word + 8 &&
+              offsetof(CxImage, bpp) == 3 * word + 12 &&
+              offsetof(CxImage, bytesPerPixel) == 3 * word + 16 &&
+              offsetof(CxImage, effWidth) == 3 * word + 20 &&
+              offsetof(CxImage, size) == 3 * word + 24 &&
+              offsetof(CxImage, format) == 3 * word + 28);
+static_assert(sizeof(CxImage) == (word == 8 ? 56 : 44));
 #if defined(__GNUC__)
 #pragma GCC diagnostic pop
-#endif
 #endif
 static_assert(sizeof(_ImagePixelFormat) == 4 && sizeof(_tagMyRGBQUAD) == 4);

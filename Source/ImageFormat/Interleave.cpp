@@ -78,6 +78,9 @@ struct PixelBytes {
     Bytes third;
     Bytes fourth;
 
+    // GCC would make one that may not use the instructions which this file's code may use.
+    HWY_INLINE PixelBytes() {}
+
     HWY_INLINE void load(const std::uint8_t* pixels, std::size_t step) {
         if (step == 4) {
             hn::LoadInterleaved4(ByteTag(), pixels, first, second, third, fourth);

@@ -15,6 +15,7 @@
 #include "host/GpuPipeline.h"
 #include "host/LibraryState.h"
 #include "host/Pipeline.h"
+#include "host/Record.h"
 #include "lut/LibraryLut.h"
 #include "platform/Event.h"
 #include "platform/FloatingPoint.h"
@@ -25,7 +26,7 @@ using keladjust::libraryState;
 using keladjust::LibraryState;
 
 static_assert(sizeof(_AdjustParam) == 4 * KELADJUST_SLOT_COUNT,
-              "hosts pass the record by value, slot by slot");
+              "hosts pass the record slot by slot");
 
 namespace {
 
@@ -108,18 +109,19 @@ void keladjustFree(void* memory) {
 }
 
 CxImage* doAdjust(CxImage* image, _AdjustParam parameters) {
+    const _AdjustParam record = keladjust::recordByValue(parameters);
     const BusyLock lock;
     const LibraryState& state = libraryState();
     if (lock.isHeld() && !state.cpuOnly && state.gpu.canAdjust()) {
-        return keladjust::runGpuPipeline(image, parameters, state.gpu, nullptr);
+        return keladjust::runGpuPipeline(image, record, state.gpu, nullptr);
     }
-    return keladjust::runCpuPipeline(image, parameters);
+    return keladjust::runCpuPipeline(image, record);
 }
 
 float* getLut3dData(_AdjustParam parameters) {
-    return keladjust::bakeLibraryLut(parameters);
+    return keladjust::bakeLibraryLut(keladjust::recordByValue(parameters));
 }
 
 bool writeLut3DFile(_AdjustParam parameters, const char* path) {
-    return keladjust::writeLibraryLut(parameters, path);
+    return keladjust::writeLibraryLut(keladjust::recordByValue(parameters), path);
 }

@@ -23,12 +23,15 @@ KeptPixels paddedCopy(const EnginePicture& picture) {
     const std::uint64_t tightRow = std::uint64_t{picture.width} * picture.bitsPerPixel / 8;
     const std::uint64_t paddedRow = exactRowBytes(picture.width, picture.bitsPerPixel);
     if (tightRow * picture.height > picture.byteSize) return {};
-    auto* copy = static_cast<unsigned char*>(std::calloc(paddedRow * picture.height, 1));
+    const auto size = static_cast<std::size_t>(paddedRow * picture.height);
+    if (size != paddedRow * picture.height) return {};
+    auto* copy = static_cast<unsigned char*>(std::calloc(size, 1));
     if (copy == nullptr) return {};
     for (std::uint64_t y = 0; y < picture.height; ++y) {
-        std::memcpy(copy + paddedRow * y, picture.pixels + tightRow * y, tightRow);
+        std::memcpy(copy + paddedRow * y, picture.pixels + tightRow * y,
+                    static_cast<std::size_t>(tightRow));
     }
-    return {copy, paddedRow * picture.height};
+    return {copy, size};
 }
 
 }  // namespace

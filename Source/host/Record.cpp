@@ -18,4 +18,9 @@ std::optional<_AdjustParam> readRecord(const _AdjustParam* record, std::size_t b
     return read;
 }
 
+_AdjustParam recordByValue(const _AdjustParam& passed) {
+    constexpr std::size_t slotsEverPassed = 65;  // more only under another name of the library
+    return *readRecord(&passed, 4 * slotsEverPassed);
+}
+
 }  // namespace keladjust

@@ -19,6 +19,7 @@
 #include "host/Record.h"
 #include "host/Uniforms.h"
 #include "platform/CallScope.h"
+#include "platform/UnsetArray.h"
 
 namespace keladjust {
 
@@ -65,7 +66,7 @@ public:
         const bool changesBefore =
             startsProgram(Program::tone, record) || readSlot<float>(record, claritySlot) != 0.0f;
         if (!startsProgram(Program::range, record) || !changesBefore || !hasPixels(&image)) return;
-        pixels_ = std::make_unique_for_overwrite<std::uint8_t[]>(image.size);
+        pixels_ = platform::makeUnsetArray<std::uint8_t>(image.size);
         std::memcpy(pixels_.get(), image.pBits, image.size);
     }
     void restore() {

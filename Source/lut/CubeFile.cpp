@@ -1,11 +1,12 @@
 #include "lut/CubeFile.h"
 
-#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
+
+#include "arithmetic/BitCast.h"
 
 namespace keladjust {
 
@@ -42,6 +43,45 @@ std::uint64_t scaledMagnitude(std::uint32_t bits) {
     return whole + (up ? 1 : 0);
 }
 
+// The lowest digits of a number, leading zeros among them.
+template <int count>
+char* putDigits(char* out, std::uint32_t number) {
+    for (int place = count - 1; place >= 0; --place, number /= 10) {
+        out[place] = static_cast<char>('0' + number % 10);
+    }
+    return out + count;
+}
+
+// The magnitude of a number without bits behind the binary point, in groups of nine digits of which
+// the lowest come first. std::to_chars() of floating-point numbers would do, where there is one.
+class WholeMagnitude {
+public:
+    explicit WholeMagnitude(std::uint32_t bits) : groups_{(bits & 0x7FFFFF) | 0x800000} {
+        for (std::uint32_t doublings = (bits >> 23 & 0xFF) - 150; doublings > 0; --doublings) {
+            std::uint32_t carry = 0;
+            for (std::uint32_t& group : groups_) {
+                group = 2 * group + carry;
+                carry = group / groupEnd;
+                group %= groupEnd;
+            }
+        }
+    }
+
+    char* append(char* out) const {
+        std::size_t group = groups_.size() - 1;
+        while (groups_[group] == 0) --group;
+        out = std::to_chars(out, out + digitsPerGroup, groups_[group]).ptr;
+        while (group > 0) out = putDigits<digitsPerGroup>(out, groups_[--group]);
+        return out;
+    }
+
+private:
+    static constexpr int digitsPerGroup = 9;
+    static constexpr std::uint32_t groupEnd = 1'000'000'000;
+
+    std::array<std::uint32_t, 5> groups_;
+};
+
 char* appendText(char* out, std::string_view text) {
     std::memcpy(out, text.data(), text.size());
     return out + text.size();
@@ -50,21 +90,16 @@ char* appendText(char* out, std::string_view text) {
 // Fixed-point notation with 8 decimals: the exact value, rounded half to even.
 char* appendNumber(char* out, float value) {
     if (std::isnan(value)) return appendText(out, "nan");  // never with a sign
-    if (!(std::fabs(value) < 8388608.0f)) {
-        return std::to_chars(out, out + longestNumber, static_cast<double>(value),
-                             std::chars_format::fixed, 8)
-            .ptr;
-    }
-    const auto bits = std::bit_cast<std::uint32_t>(value);
+    const auto bits = bitCast<std::uint32_t>(value);
     if (bits >> 31 != 0) *out++ = '-';  // negative zero, too
+    if (std::isinf(value)) return appendText(out, "inf");
+    if (!(std::fabs(value) < 8388608.0f)) {
+        return appendText(WholeMagnitude(bits).append(out), ".00000000");
+    }
     const std::uint64_t scaled = scaledMagnitude(bits);
     out = std::to_chars(out, out + longestNumber, scaled / decimalScale).ptr;
     *out++ = '.';
-    auto decimals = static_cast<std::uint32_t>(scaled % decimalScale);
-    for (int place = 7; place >= 0; --place, decimals /= 10) {
-        out[place] = static_cast<char>('0' + decimals % 10);
-    }
-    return out + 8;
+    return putDigits<8>(out, static_cast<std::uint32_t>(scaled % decimalScale));
 }
 
 }  // namespace

@@ -3,6 +3,8 @@
 
 #include <cfenv>
 
+#include "platform/FloatingPointControl.h"
+
 namespace keladjust::platform {
 
 /// Puts the calling thread into the default floating-point environment (round to nearest, denormals
@@ -16,7 +18,7 @@ public:
 
 private:
     std::fenv_t saved_;
-    unsigned int savedVectorControl_;
+    FloatingPointControl savedControl_;
 };
 
 }  // namespace keladjust::platform

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <memory>
 
+#include "platform/UnsetArray.h"
+
 namespace keladjust::platform {
 
 /// Asks the system to back memory that has not been touched yet with pages of some megabytes, where
@@ -14,7 +16,7 @@ void preferLargePages(void* memory, std::size_t bytes) noexcept;
 /// Working storage of a size that grows with the picture.
 template <class Element>
 std::unique_ptr<Element[]> makeLargeArray(std::size_t count) {
-    auto elements = std::make_unique_for_overwrite<Element[]>(count);
+    auto elements = makeUnsetArray<Element>(count);
     preferLargePages(elements.get(), count * sizeof(Element));
     return elements;
 }

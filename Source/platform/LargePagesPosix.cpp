@@ -11,7 +11,9 @@ void preferLargePages(void* memory, std::size_t bytes) noexcept {
     // Those that lie in the memory as a whole. Where the system refuses, pages are as small as
     // ever.
     if (std::align(largePage, largePage, memory, bytes) != nullptr) {
+#if defined(MADV_HUGEPAGE)
         madvise(memory, bytes / largePage * largePage, MADV_HUGEPAGE);
+#endif
     }
 }
 

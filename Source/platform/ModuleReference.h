@@ -14,7 +14,8 @@ public:
     ModuleReference& operator=(const ModuleReference&) = delete;
 
 private:
-    void* module_ = nullptr;  ///< null where the code is part of the program itself
+    [[maybe_unused]] void* module_ =
+        nullptr;  ///< null where the code is part of the program itself
 };
 
 }  // namespace keladjust::platform

@@ -1,5 +1,7 @@
 #include <dlfcn.h>
+#if !defined(__APPLE__)
 #include <link.h>
+#endif
 
 #include <array>
 #include <climits>
@@ -17,12 +19,16 @@ const char addressInThisLibrary = 0;
 std::filesystem::path folderOfThisLibrary() {
     Dl_info info{};
     if (dladdr(&addressInThisLibrary, &info) == 0) return {};
+#if defined(__APPLE__)
+    return std::filesystem::path(info.dli_fname).parent_path();  // in full
+#else
     void* const library = dlopen(info.dli_fname, RTLD_NOLOAD | RTLD_LAZY);
     if (library == nullptr) return {};
     std::array<char, PATH_MAX> folder{};
     const bool known = dlinfo(library, RTLD_DI_ORIGIN, folder.data()) == 0;
     dlclose(library);
     return known ? folder.data() : std::filesystem::path();
+#endif
 }
 
 }  // namespace

@@ -33,9 +33,10 @@ void lookUpOneByOne(const std::uint8_t* table, bool keepsFourth, std::uint8_t* b
     mapOneByOne([table](std::uint8_t byte) { return table[byte]; }, keepsFourth, bytes, count);
 }
 
-#if HWY_TARGET == HWY_SSE2 || HWY_TARGET == HWY_EMU128 || HWY_TARGET == HWY_SCALAR
+#if HWY_TARGET == HWY_SSE2 || HWY_TARGET == HWY_EMU128 || HWY_TARGET == HWY_SCALAR || \
+    !(HWY_ARCH_X86 || (HWY_ARCH_ARM_A64 && !HWY_HAVE_SCALABLE) || HWY_TARGET == HWY_WASM)
 
-// No instruction here looks bytes up by the four lowest bits of an index.
+// No instruction here looks bytes up in a way that is known below.
 void mapBytes(const std::uint8_t* table, bool keepsFourth, std::uint8_t* bytes, std::size_t count) {
     lookUpOneByOne(table, keepsFourth, bytes, count);
 }
@@ -49,11 +50,67 @@ void rampBytes(const ByteRamp& ramp, bool keepsFourth, std::uint8_t* bytes, std:
 namespace hn = hwy::HWY_NAMESPACE;
 
 using ByteTag = hn::ScalableTag<std::uint8_t>;
-using SignedTag = hn::RebindToSigned<ByteTag>;
 using Bytes = hn::Vec<ByteTag>;
-using SignedBytes = hn::Vec<SignedTag>;
 
-// The instruction looks up among 16 bytes by an index of four bits and gives 0 where the index is
+// What instructions do with an index beyond their rows of 16 bytes differs, and Highway leaves it
+// open: each kind has a form of its own.
+
+#if HWY_ARCH_ARM_A64
+
+// One instruction looks up among four rows and, for any other index, leaves what there is. Counting
+// an index down by 64, a value is below 64 at its own quarter of the table and nowhere else.
+class Rows {
+public:
+    explicit Rows(const std::uint8_t* table) {
+        for (uint8x16x4_t& quarter : quarters_) {
+            for (uint8x16_t& row : quarter.val) {
+                row = vld1q_u8(table);
+                table += 16;
+            }
+        }
+    }
+
+    HWY_INLINE Bytes map(Bytes values) const {
+        uint8x16_t indices = values.raw;
+        uint8x16_t mapped = vqtbl4q_u8(quarters_[0], indices);
+        for (int i = 1; i < 4; ++i) {
+            indices = vsubq_u8(indices, vdupq_n_u8(64));
+            mapped = vqtbx4q_u8(mapped, quarters_[i], indices);
+        }
+        return Bytes(mapped);
+    }
+
+private:
+    uint8x16x4_t quarters_[4];
+};
+
+#elif HWY_TARGET == HWY_WASM
+
+// The instruction gives 0 for every index that is not 0..15. Counting an index down by 16, a value
+// is below 16 at its own row and nowhere else.
+class Rows {
+public:
+    explicit Rows(const std::uint8_t* table) {
+        for (int i = 0; i < 16; ++i) rows_[i] = wasm_v128_load(table + 16 * i);
+    }
+
+    HWY_INLINE Bytes map(Bytes values) const {
+        v128_t indices = values.raw;
+        v128_t mapped = wasm_i8x16_swizzle(rows_[0], indices);
+        for (int i = 1; i < 16; ++i) {
+            indices = wasm_i8x16_sub(indices, wasm_i8x16_splat(16));
+            mapped = wasm_v128_or(mapped, wasm_i8x16_swizzle(rows_[i], indices));
+        }
+        return Bytes{mapped};
+    }
+
+private:
+    v128_t rows_[16];
+};
+
+#else
+
+// The instruction looks up by the four lowest bits of an index and gives 0 where the index is
 // negative. Counting an index down by 16, a value of 0..127 stays above zero for as many rows of 16
 // as it has reached or passed; with each row but the first stored as its difference to the one
 // before, the exclusive or over all of them is the row that it reached. Values from 128 on go the
@@ -89,12 +146,17 @@ public:
     }
 
 private:
+    using SignedTag = hn::RebindToSigned<ByteTag>;
+    using SignedBytes = hn::Vec<SignedTag>;
+
     HWY_INLINE Bytes rowAt(int row, SignedBytes indices) const {
         return hn::BitCast(ByteTag(), hn::TableLookupBytesOr0(rows_[row], indices));
     }
 
     Bytes rows_[16];
 };
+
+#endif
 
 void mapBytes(const std::uint8_t* table, bool keepsFourth, std::uint8_t* bytes, std::size_t count) {
     const ByteTag tag;

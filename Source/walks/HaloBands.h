@@ -8,6 +8,7 @@
 
 #include "platform/CallScope.h"
 #include "platform/Parallel.h"
+#include "platform/UnsetArray.h"
 #include "walks/Picture.h"
 
 namespace keladjust {
@@ -59,8 +60,8 @@ public:
             Halo& halo = halos_[i];
             halo.above = reach.above < begin ? reach.above : begin;
             halo.below = reach.below < rows.height - end ? reach.below : rows.height - end;
-            halo.bytes = std::make_unique_for_overwrite<std::uint8_t[]>((halo.above + halo.below) *
-                                                                        rows.bytes);
+            halo.bytes =
+                platform::makeUnsetArray<std::uint8_t>((halo.above + halo.below) * rows.bytes);
         }
     }
 

@@ -17,6 +17,7 @@
 #include "ImageFormat/PackedSpan.h"
 #include "ImageFormat/PixelSpan.h"
 #include "arithmetic/Reciprocal.h"
+#include "walks/ByteLookup-inl.h"
 #include "walks/ColourKernel.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -100,32 +101,6 @@ HWY_INLINE Ints clampToBytes(Floats values) {
     return truncateInRange(clampTo(255.0f, values));
 }
 
-#if HWY_TARGET == HWY_SCALAR
-using DoubleTag = hn::Rebind<double, FloatTag>;
-#else
-using DoubleTag = hn::Repartition<double, FloatTag>;
-#endif
-using Doubles = hn::Vec<DoubleTag>;
-
-HWY_INLINE Doubles constant(double value) {
-    return hn::Set(DoubleTag(), value);
-}
-
-/// What `map` makes of the numbers in double precision, narrowed once.
-template <class Vector, class Map>
-HWY_INLINE Floats throughDouble(Vector values, Map map) {
-    const DoubleTag wide;
-#if HWY_TARGET == HWY_SCALAR
-    return hn::DemoteTo(FloatTag(), map(hn::PromoteTo(wide, values)));
-#else
-    const hn::Half<FloatTag> narrow;
-    const hn::Half<hn::DFromV<Vector> > half;
-    const Doubles lower = map(hn::PromoteTo(wide, hn::LowerHalf(half, values)));
-    const Doubles upper = map(hn::PromoteTo(wide, hn::UpperHalf(half, values)));
-    return hn::Combine(FloatTag(), hn::DemoteTo(narrow, upper), hn::DemoteTo(narrow, lower));
-#endif
-}
-
 /// Pixels that go through the first half of a kernel before they go through the second. A long
 /// kernel is one long chain of instructions, of which the processor sees little more than one at a
 /// time; of each half it sees several and works on them side by side.
@@ -206,12 +181,12 @@ using Packed = hn::Vec<PackedTag>;
 /// One byte of each pixel as a whole number.
 template <std::uint8_t byte>
 HWY_INLINE Ints byteOfPixels(Packed pixels) {
-    constexpr std::uint8_t none = 0x80;
+    constexpr std::uint8_t none = noByte;
     HWY_ALIGN static constexpr std::uint8_t places[] = {
         byte,     none, none, none, byte + 4,  none, none, none,
         byte + 8, none, none, none, byte + 12, none, none, none};
     const auto table = hn::LoadDup128(PackedTag(), places);
-    return hn::BitCast(IntTag(), hn::TableLookupBytesOr0(pixels, table));
+    return hn::BitCast(IntTag(), bytesAtPlaces(pixels, table));
 }
 
 using HalfTag = hn::Repartition<std::int16_t, FloatTag>;
@@ -243,8 +218,7 @@ HWY_INLINE void storeClamped(const Channels<Ints>& c, PackedSpan& span, std::siz
                                          hn::ReorderDemote2To(HalfTag(), c.red, fourth));
     HWY_ALIGN static constexpr std::uint8_t places[] = {0, 4, 8,  12, 1, 5, 9,  13,
                                                         2, 6, 10, 14, 3, 7, 11, 15};
-    hn::StoreU(hn::TableLookupBytes(clamped, hn::LoadDup128(PackedTag(), places)), PackedTag(),
-               pixels);
+    hn::StoreU(bytesAtPlaces(clamped, hn::LoadDup128(PackedTag(), places)), PackedTag(), pixels);
 }
 
 #endif

@@ -14,6 +14,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "walks/ByteLookup-inl.h"
+
 // A single lane makes no pixel: there the kernels go byte by byte in plain terms.
 #if HWY_TARGET != HWY_SCALAR
 
@@ -97,11 +99,12 @@ HWY_INLINE Bytes everyFour(std::uint32_t bytes) {
 HWY_INLINE Bytes fourthBytes(Bytes pixels) {
     HWY_ALIGN static constexpr std::uint8_t places[16] = {3,  3,  3,  3,  7,  7,  7,  7,
                                                           11, 11, 11, 11, 15, 15, 15, 15};
-    return hn::TableLookupBytes(pixels, hn::LoadDup128(RowTag(), places));
+    return bytesAtPlaces(pixels, hn::LoadDup128(RowTag(), places));
 }
 
 /// The bytes of every group of four as quads, each place a vector of its own. Of pixels of four the
-/// last place is alpha, which no stage changes.
+/// last place is alpha, which no stage changes. Made by braces with a value for every place: what a
+/// vector holds that is made of nothing differs between processors, and zero it need not be.
 template <bool pixelsOfFour>
 struct Places {
     static constexpr std::size_t count = pixelsOfFour ? 3 : 4;
@@ -113,12 +116,14 @@ HWY_INLINE Places<pixelsOfFour> placesOf(Bytes bytes) {
     const SignedQuadTag tag;
     const SignedQuads byte = hn::Set(tag, 255);
     const Quads quads = hn::BitCast(QuadTag(), bytes);
-    Places<pixelsOfFour> places;
-    places.at[0] = hn::And(hn::BitCast(tag, quads), byte);
-    places.at[1] = hn::And(hn::BitCast(tag, hn::ShiftRight<8>(quads)), byte);
-    places.at[2] = hn::And(hn::BitCast(tag, hn::ShiftRight<16>(quads)), byte);
-    if constexpr (!pixelsOfFour) places.at[3] = hn::BitCast(tag, hn::ShiftRight<24>(quads));
-    return places;
+    const SignedQuads first = hn::And(hn::BitCast(tag, quads), byte);
+    const SignedQuads second = hn::And(hn::BitCast(tag, hn::ShiftRight<8>(quads)), byte);
+    const SignedQuads third = hn::And(hn::BitCast(tag, hn::ShiftRight<16>(quads)), byte);
+    if constexpr (pixelsOfFour) {
+        return {{first, second, third}};
+    } else {
+        return {{first, second, third, hn::BitCast(tag, hn::ShiftRight<24>(quads))}};
+    }
 }
 
 /// Of signed words.
@@ -126,12 +131,14 @@ template <bool pixelsOfFour>
 HWY_INLINE Places<pixelsOfFour> placesOf(const WordPair& words) {
     const SignedQuads even = hn::BitCast(SignedQuadTag(), words.even);
     const SignedQuads odd = hn::BitCast(SignedQuadTag(), words.odd);
-    Places<pixelsOfFour> places;
-    places.at[0] = hn::ShiftRight<16>(hn::ShiftLeft<16>(even));
-    places.at[1] = hn::ShiftRight<16>(hn::ShiftLeft<16>(odd));
-    places.at[2] = hn::ShiftRight<16>(even);
-    if constexpr (!pixelsOfFour) places.at[3] = hn::ShiftRight<16>(odd);
-    return places;
+    const SignedQuads first = hn::ShiftRight<16>(hn::ShiftLeft<16>(even));
+    const SignedQuads second = hn::ShiftRight<16>(hn::ShiftLeft<16>(odd));
+    const SignedQuads third = hn::ShiftRight<16>(even);
+    if constexpr (pixelsOfFour) {
+        return {{first, second, third}};
+    } else {
+        return {{first, second, third, hn::ShiftRight<16>(odd)}};
+    }
 }
 
 /// Places of 0..255 back in one vector; alpha from `pixels`.

@@ -23,14 +23,20 @@
 #include <stddef.h>
 #include <stdint.h>
 #ifndef __cplusplus
+#if defined(_MSC_VER) || (defined(__STDC_VERSION__) && __STDC_VERSION__ >= 199901L)
 #include <stdbool.h>
+#elif !defined(bool) /* C90 has none; a byte of 0 or 1 is what others pass */
+#define bool unsigned char
+#define true 1
+#define false 0
+#endif
 #endif
 
 #if defined(_MSC_VER) && defined(KELADJUST_BUILD)
 #define KELADJUST_API __declspec(dllexport)
 #elif defined(_WIN32) && !defined(KELADJUST_BUILD) && !defined(KELADJUST_STATIC)
 #define KELADJUST_API __declspec(dllimport)
-#elif defined(__GNUC__) && !defined(_WIN32)
+#elif defined(__GNUC__) && !defined(_WIN32) && !defined(KELADJUST_STATIC)
 #define KELADJUST_API __attribute__((visibility("default")))
 #else
 #define KELADJUST_API
@@ -88,7 +94,10 @@ enum {
 enum { KELADJUST_SLOT_COUNT = 65 };
 
 /**
- * One setting per slider: KELADJUST_SLOT_COUNT slots of four bytes, passed by value.
+ * One setting per slider: KELADJUST_SLOT_COUNT slots of four bytes.
+ *
+ * Later versions may add slots at the end. keladjustRun() and keladjustBake() are told how many a
+ * host has; functions that take the record by value use the 65 of version 0.2.
  *
  * Every stage leaves the picture alone at its identity value, which is 11500 for `temperature` and
  * 0 for all others. Ranges in the comments are the useful ones.
@@ -222,7 +231,11 @@ KELADJUST_API const KeladjustSetting* keladjustSettings(int* count);
  *
  * @param ppBits address of the host's pointer to the first row; rows are padded to a multiple of
  *               four bytes. The buffer stays the host's and must outlive the image.
+ * @param width  pixels per row
+ * @param height rows
  * @param bpp    8, 16, 24 or 32 bits per pixel; 8 forces IMAGE_FORMAT_GRAY
+ * @param format order of a pixel's bytes; see CxImage for the pairs that have a meaning. A picture
+ *               of any other pair stays as it is.
  * @return an image for releaseCxImage(); null only if memory is short
  */
 KELADJUST_API CxImage* createCxImage(unsigned char** ppBits, unsigned int width,
@@ -300,6 +313,8 @@ typedef enum KeladjustResult {
  * takes effect within some 20 ms of work on a picture of 12 megapixels; hosts that cancel work on a
  * copy.
  *
+ * @param image       null is refused
+ * @param record      null is refused
  * @param recordBytes sizeof(_AdjustParam) of the host's header. Slots that are missing from a
  *                    shorter record are at identity; a longer one is refused unless what this
  *                    library does not know is 0.
@@ -428,7 +443,9 @@ KELADJUST_API CxImage* createTemperateColor(int width, int height);
 /**
  * @name Stages on a colour table
  * Each changes the first three floats, red, green and blue in 0..1, of `count` entries that begin
- * `stride` floats apart, and returns `lut`. Settings are those of the picture stages.
+ * `stride` floats apart, and returns `lut`. Settings are those of the picture stages. A null `lut`
+ * is returned at once. Entries that overlap, since they are less than three floats apart, are
+ * changed one after the other.
  * @{
  */
 KELADJUST_API float* lut3d_temperatureAdjustment(float* lut, unsigned long count, int stride,
@@ -471,6 +488,8 @@ KELADJUST_API float* lut3d_doHSLAdjustFilter(float* lut, unsigned long count, in
  * Stack Blur (M. Klingemann) in place: a triangular kernel, edges repeated.
  *
  * @param bits          rows padded to a multiple of four bytes; null is ignored
+ * @param width         pixels per row; below 1 is ignored
+ * @param height        rows; below 1 is ignored
  * @param bytesPerPixel 1, 3 or 4, others are ignored; 4 limits colour to the pixel's own alpha
  * @param radius        1..254, others are ignored
  */
@@ -479,7 +498,10 @@ KELADJUST_API void stackBlur(unsigned char* bits, int width, int height, int byt
 /** One pass of stackBlur(): 1 along rows, 2 along columns; others are ignored. */
 KELADJUST_API void stackBlurPass(unsigned char* bits, int width, int height, int bytesPerPixel,
                                  int radius, int pass);
-/** Mean of the 15 x 15 window about each byte, cropped at the borders; maps are unpadded. */
+/**
+ * Mean of the 15 x 15 window about each byte, cropped at the borders; maps are unpadded. Nothing
+ * happens if a map is null, if the two overlap or if a size is below 1.
+ */
 KELADJUST_API void meanFilter15(const unsigned char* source, unsigned char* destination, int width,
                                 int height);
 /**
@@ -498,7 +520,12 @@ KELADJUST_API unsigned char mapMaximum(const unsigned char* map, int width, int 
 /**
  * Sliding-window 8 x 8 DCT hard thresholding at 3 sigma of one 8-bit plane.
  *
- * @param stride bytes per row of both planes, which may be one and the same
+ * @param source      null is ignored
+ * @param destination null is ignored; may be `source`
+ * @param width       bytes of a row that are filtered; below 1 is ignored
+ * @param height      rows; below 1 is ignored
+ * @param stride      bytes from row to row of both planes; below `width` is ignored
+ * @param sigma       deviation of the noise; frequencies weaker than 3 sigma are dropped
  */
 KELADJUST_API void dctDenoisePlane(const unsigned char* source, unsigned char* destination,
                                    int width, int height, int stride, float sigma);

@@ -4,8 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <cstdint>
+
+#include "arithmetic/BitCast.h"
 
 namespace {
 
@@ -16,7 +17,8 @@ void expectEveryQuotient() {
     std::uint32_t wrong = 0;
     std::uint32_t inexact = 0;
     for (std::uint32_t mantissa = 0; mantissa < mantissas; ++mantissa) {
-        const auto number = std::bit_cast<float>(std::bit_cast<std::uint32_t>(1.0f) | mantissa);
+        const auto number =
+            keladjust::bitCast<float>(keladjust::bitCast<std::uint32_t>(1.0f) | mantissa);
         // In double precision the product is exact, and so is the sum, unless the check says not:
         // what is left is the one rounding of a fused step.
         const double product = static_cast<double>(number) * static_cast<double>(R::high);

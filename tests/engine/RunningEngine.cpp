@@ -25,11 +25,20 @@ KelOgreEffectBase* RunningEngine::effectWith(const char* program, const char* cl
     return effect;
 }
 
-int RunningEngine::render(KelOgreEffectBase& effect, HostPicture& picture) {
+void RunningEngine::setPicture(KelOgreEffectBase& effect, HostPicture& picture) {
     CxImage& image = *picture.image();
     effect.setInputImage(image.GetBits(), image.GetWidth(), image.GetHeight(), 0,
                          enginePixelFormat(image.getFormat()));
     effect.setRenderSize(image.GetWidth(), image.GetHeight());
+}
+
+int RunningEngine::render(KelOgreEffectBase& effect, HostPicture& picture) {
+    setPicture(effect, picture);
+    return renderPicture(effect, picture);
+}
+
+int RunningEngine::renderPicture(KelOgreEffectBase& effect, HostPicture& picture) {
+    CxImage& image = *picture.image();
     return thread->render(&effect, nullptr, image.GetBits(), image.GetBpp() / 8, nullptr, 20);
 }
 

@@ -35,6 +35,9 @@ protected:
     KelOgreEffectBase* effectWith(const char* program, const char* className = "KelOgreEffectBase");
     /// One pass over the picture, in place. @return what the render thread says
     int render(KelOgreEffectBase& effect, HostPicture& picture);
+    /// The same in its two steps.
+    static void setPicture(KelOgreEffectBase& effect, HostPicture& picture);
+    int renderPicture(KelOgreEffectBase& effect, HostPicture& picture);
 
     LogCapture log;
     HookFactory hooks;

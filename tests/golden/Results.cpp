@@ -1,11 +1,16 @@
 #include "golden/Results.h"
 
-#include <bit>
+#include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <iomanip>
 #include <ostream>
 #include <sstream>
+
+#include "arithmetic/BitCast.h"
+#include "platform/FloatingPoint.h"
 
 namespace keladjust::test {
 
@@ -16,14 +21,59 @@ Digest& Digest::add(std::span<const std::uint8_t> bytes) {
 
 Digest& Digest::add(std::span<const float> values) {
     for (const float value : values) {
-        const std::uint32_t bits =
-            std::isnan(value) ? 0x7fc00000 : std::bit_cast<std::uint32_t>(value);
+        const std::uint32_t bits = std::isnan(value) ? 0x7fc00000 : bitCast<std::uint32_t>(value);
         for (int shift = 0; shift < 32; shift += 8) {
             const auto byte = static_cast<std::uint8_t>(bits >> shift);
             add({&byte, 1});
         }
     }
     return *this;
+}
+
+namespace {
+
+std::string formatted(const char* format, int decimals, double number) {
+    char text[64];
+    std::snprintf(text, sizeof text, format, decimals, number);
+    return text;
+}
+
+// As std::to_chars() writes it, which not every standard library has for floating-point numbers.
+template <class ReadsBack>
+std::string shortestText(double number, ReadsBack readsBack) {
+    constexpr int mostDecimals = 16;
+    int decimals = 0;
+    while (decimals < mostDecimals && !readsBack(formatted("%.*e", decimals, number))) ++decimals;
+    const std::string scientific = formatted("%.*e", decimals, number);
+    if (!std::isfinite(number)) return scientific;
+    const int exponent = std::atoi(scientific.c_str() + scientific.find('e') + 1);
+    const std::string fixed = formatted("%.*f", std::max(0, decimals - exponent), number);
+    return fixed.size() <= scientific.size() ? fixed : scientific;
+}
+
+}  // namespace
+
+std::string numberText(int number) {
+    return std::to_string(number);
+}
+
+std::string numberText(unsigned number) {
+    return std::to_string(number);
+}
+
+std::string numberText(float number) {
+    const volatile float given = number;  // which is not to be widened before the mode is usual
+    const platform::DefaultFloatingPoint scope;
+    return shortestText(static_cast<double>(given), [number](const std::string& text) {
+        return std::strtof(text.c_str(), nullptr) == number;
+    });
+}
+
+std::string numberText(double number) {
+    const platform::DefaultFloatingPoint scope;
+    return shortestText(number, [number](const std::string& text) {
+        return std::strtod(text.c_str(), nullptr) == number;
+    });
 }
 
 std::string callText(const std::string& name, const std::vector<std::string>& settings) {

@@ -1,14 +1,11 @@
 #ifndef KELADJUST_TESTS_GOLDEN_RESULTS_H
 #define KELADJUST_TESTS_GOLDEN_RESULTS_H
 
-#include <charconv>
 #include <cstdint>
 #include <filesystem>
 #include <span>
 #include <string>
 #include <vector>
-
-#include "platform/FloatingPoint.h"
 
 namespace keladjust::test {
 
@@ -51,13 +48,12 @@ private:
 /// A call as one writes it: `clarity(40)`.
 std::string callText(const std::string& name, const std::vector<std::string>& settings);
 
-/// A number that looks the same on every platform and in every floating-point mode.
-template <class Number>
-std::string numberText(Number number) {
-    const platform::DefaultFloatingPoint scope;
-    char text[64];
-    return {text, std::to_chars(text, text + sizeof text, number).ptr};
-}
+/// The shortest text that reads back as the number, in fixed notation or, if that is shorter, in
+/// scientific notation: the same on every platform and in every floating-point mode.
+std::string numberText(int number);
+std::string numberText(unsigned number);
+std::string numberText(float number);
+std::string numberText(double number);
 
 template <class... Settings>
 std::string callText(const std::string& name, Settings... settings) {

@@ -4,7 +4,6 @@
 #include "support/InstructionSets.h"
 
 #include <gtest/gtest.h>
-#include <xmmintrin.h>
 
 #include <algorithm>
 #include <cfenv>
@@ -20,6 +19,7 @@
 #include "filters/Stages.h"
 #include "support/EveryStage.h"
 #include "support/HostPicture.h"
+#include "support/OddFloatingPoint.h"
 #include "support/StageSettings.h"
 
 namespace {
@@ -104,32 +104,16 @@ Bytes resultOf(const Work& work, const HostPicture& original) {
     return picture.bytes();
 }
 
-/// While it lives, the thread rounds as told and flushes denormals to zero.
-class OddFloatingPoint {
-public:
-    explicit OddFloatingPoint(int rounding) {
-        std::fesetround(rounding);
-        constexpr unsigned flushToZeroAndDenormalsAreZero = 0x8040u;
-        _mm_setcsr(_mm_getcsr() | flushToZeroAndDenormalsAreZero);
-    }
-    ~OddFloatingPoint() {
-        std::fesetenv(FE_DFL_ENV);
-        constexpr unsigned usual = 0x1F80u;
-        _mm_setcsr(usual);
-    }
-    /// What the thread has of it, without the flags of exceptions.
-    static unsigned control() { return _mm_getcsr() & ~0x3Fu; }
-
-    OddFloatingPoint(const OddFloatingPoint&) = delete;
-    OddFloatingPoint& operator=(const OddFloatingPoint&) = delete;
-};
-
 TEST(InstructionSets, AllThatTheProcessorHasAreForced) {
     std::vector<std::string> names;
     forEachInstructionSet([&](const std::string& name) { names.push_back(name); });
     const auto has = [&](const std::string& name) {
         return std::find(names.begin(), names.end(), name) != names.end();
     };
+#if defined(__aarch64__)
+    // Every processor has it, so nothing else is compiled.
+    EXPECT_EQ(names, std::vector<std::string>{"NEON"});
+#else
     // The one for every x86-64 processor, SSE2, is plain C++; which of its two names it has depends
     // on the compiler.
     EXPECT_NE(has("SCALAR"), has("EMU128"));
@@ -139,6 +123,7 @@ TEST(InstructionSets, AllThatTheProcessorHasAreForced) {
     EXPECT_EQ(has("SSE4"), __builtin_cpu_supports("sse4.2") && __builtin_cpu_supports("pclmul"));
     EXPECT_EQ(has("AVX2"), __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma"));
     EXPECT_EQ(has("AVX3"), __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl"));
+#endif
 }
 
 TEST(InstructionSets, DoNotShowInAnyFormat) {
@@ -197,7 +182,7 @@ TEST(InstructionSets, DoNotShowInOddFloatingPointModes) {
         forEachInstructionSet([&](const std::string& name) {
             for (const int rounding : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
                 const OddFloatingPoint mode(rounding);
-                const unsigned before = OddFloatingPoint::control();
+                const auto before = OddFloatingPoint::control();
                 const bool same = resultOf(work, picture) == usual;
                 EXPECT_EQ(OddFloatingPoint::control(), before) << work.name;
                 EXPECT_EQ(std::fegetround(), rounding) << work.name;

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <charconv>
 #include <clocale>
 #include <cmath>
@@ -17,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "arithmetic/BitCast.h"
 #include "support/OddNumbers.h"
 
 namespace {
@@ -115,7 +115,7 @@ TEST_F(CubeFileText, DigitsAreExactForAnyFloat) {
     std::vector<float> values;
     while (values.size() < 300000) {
         // Half of them anywhere, half of them where tables lie.
-        const float anywhere = std::bit_cast<float>(static_cast<std::uint32_t>(generator()));
+        const float anywhere = keladjust::bitCast<float>(static_cast<std::uint32_t>(generator()));
         if (!std::isnan(anywhere)) values.push_back(anywhere);
         values.push_back(static_cast<float>(generator() >> 8) / 16777216.0f);
     }

@@ -5,7 +5,6 @@
 
 #include <array>
 #include <atomic>
-#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <random>
@@ -13,6 +12,7 @@
 #include <thread>
 #include <vector>
 
+#include "arithmetic/BitCast.h"
 #include "models/Scalars.h"
 #include "support/HostPicture.h"
 #include "support/InstructionSets.h"
@@ -143,7 +143,7 @@ void expectEntries(const std::vector<Floats>& entries, Stage stage, Model model)
             for (std::size_t c = 0; c < stride; ++c) {
                 const float got = lut[i * stride + c];
                 const float want = c < 3 ? expected[c] : filler;
-                ASSERT_EQ(std::bit_cast<std::uint32_t>(got), std::bit_cast<std::uint32_t>(want))
+                ASSERT_EQ(bitCast<std::uint32_t>(got), bitCast<std::uint32_t>(want))
                     << "entry (" << entries[i][0] << ", " << entries[i][1] << ", " << entries[i][2]
                     << ") channel " << c << " stride " << stride << ": " << got << " instead of "
                     << want;

@@ -18,7 +18,7 @@ Holdings holdingsNow() {
     const std::filesystem::directory_iterator descriptors("/proc/self/fd");
     held.handles = std::distance(begin(descriptors), end(descriptors));
     std::ifstream maps("/proc/self/maps");
-    held.mappings = std::count(std::istreambuf_iterator<char>(maps), {}, '\n');
+    held.mappings = static_cast<long>(std::count(std::istreambuf_iterator<char>(maps), {}, '\n'));
     return held;
 }
 

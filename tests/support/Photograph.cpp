@@ -28,7 +28,7 @@ HostPicture photographCrop(const std::string& name, unsigned x, unsigned y, unsi
         std::uint8_t* const bytes =
             picture.bits() + std::size_t{row} * picture.image()->GetEffWidth();
         file.seekg(pixels + std::streamoff{3} * (std::streamoff{fullWidth} * (y + row) + x));
-        file.read(reinterpret_cast<char*>(bytes), std::streamsize{3} * width);
+        file.read(reinterpret_cast<char*>(bytes), 3 * static_cast<std::streamsize>(width));
     }
     if (!file) throw std::runtime_error(path + " ends early");
     return picture;

@@ -26,7 +26,7 @@ std::vector<std::string> TemporaryFolder::files() const {
             names.push_back(entry.path().lexically_relative(path_).generic_string());
         }
     }
-    std::ranges::sort(names);
+    std::sort(names.begin(), names.end());
     return names;
 }
 

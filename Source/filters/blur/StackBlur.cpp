@@ -49,7 +49,8 @@ std::optional<ByteRows> stackBlurRows(std::uint8_t* bits, std::size_t width, std
                                       std::size_t pixelBytes, int radius) {
     const bool knownPixels = pixelBytes == 1 || pixelBytes == 3 || pixelBytes == 4;
     if (width == 0 || height == 0 || !knownPixels || radius < 1 || radius > 254) return {};
-    return ByteRows{bits, paddedRowBytes(width * pixelBytes), width * pixelBytes, height};
+    const auto stride = static_cast<std::size_t>(paddedRowBytes(width * pixelBytes));
+    return ByteRows{bits, stride, width * pixelBytes, height};
 }
 
 StackBlur::StackBlur(const ByteRows& rows, std::size_t pixelBytes, std::size_t radius,

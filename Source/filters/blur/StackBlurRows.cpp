@@ -102,6 +102,10 @@ void stackBlurAcross(std::span<const BlurStep> steps, std::size_t bytes, std::si
 template <bool pixelsOfFour, bool wide>
 struct Differences {
     WordPair words;
+    static HWY_INLINE Differences zero() {
+        const Words none = hn::Zero(WordTag());
+        return {{none, none}};
+    }
     HWY_INLINE Places<pixelsOfFour> grownBy(const WordPair& growth) {
         words = {hn::Add(words.even, growth.even), hn::Add(words.odd, growth.odd)};
         return placesOf<pixelsOfFour>(words);
@@ -110,6 +114,7 @@ struct Differences {
 template <bool pixelsOfFour>
 struct Differences<pixelsOfFour, true> {
     Places<pixelsOfFour> quads;
+    static HWY_INLINE Differences zero() { return {placesOf<pixelsOfFour>(hn::Zero(RowTag()))}; }
     HWY_INLINE const Places<pixelsOfFour>& grownBy(const WordPair& growth) {
         const Places<pixelsOfFour> places = placesOf<pixelsOfFour>(growth);
         for (std::size_t c = 0; c < places.count; ++c) {
@@ -123,6 +128,11 @@ template <bool pixelsOfFour, bool wide>
 struct Sums {
     Places<pixelsOfFour> sums;
     Differences<pixelsOfFour, wide> differences;
+
+    static HWY_INLINE Sums zero() {
+        return {placesOf<pixelsOfFour>(hn::Zero(RowTag())),
+                Differences<pixelsOfFour, wide>::zero()};
+    }
 
     HWY_INLINE void advance(Bytes incoming, Bytes middle, Bytes outgoing) {
         const WordPair in = toWords(incoming);
@@ -142,7 +152,7 @@ struct Sums {
         const Quads multiplier = hn::Set(QuadTag(), scale.multiplier);
         const SignedQuads alpha =
             hn::BitCast(SignedQuadTag(), hn::ShiftRight<24>(hn::BitCast(QuadTag(), middle)));
-        Places<pixelsOfFour> places;
+        Places<pixelsOfFour> places = sums;
         for (std::size_t c = 0; c < places.count; ++c) {
             const Quads product = hn::Mul(hn::BitCast(QuadTag(), sums.at[c]), multiplier);
             places.at[c] = hn::BitCast(SignedQuadTag(),
@@ -204,8 +214,8 @@ void blurTileOf(std::uint8_t* first, std::size_t width, std::size_t radius) {
         hn::Set(SignedQuadTag(), static_cast<std::int32_t>((radius + 1) * (radius + 1)));
     for (std::size_t lane = 0; lane < tileBytes; lane += hn::Lanes(RowTag())) {
         // As far before the line as only its first sample is within reach.
-        Sums<pixelsOfFour, wide> sums{};
-        sums.sums = placesOf<pixelsOfFour>(load(first + lane, Whole{}));
+        Sums<pixelsOfFour, wide> sums{placesOf<pixelsOfFour>(load(first + lane, Whole{})),
+                                      Differences<pixelsOfFour, wide>::zero()};
         for (SignedQuads& sum : sums.sums.at) sum = hn::Mul(sum, weights);
         std::uint8_t* sample = first + lane - radius * tileBytes;
         for (std::size_t i = 0; i < radius; ++i, sample += tileBytes) {
@@ -253,7 +263,7 @@ void blurColumns(std::span<const BlurStep> steps, std::size_t bytes, std::size_t
     const std::size_t vector = hn::Lanes(RowTag());
     forEachVector(bytes, [&](std::size_t i, auto extent) HWY_ATTR {
         prefetch(steps, i);
-        Column sums;
+        Column sums = Column::zero();
         std::memcpy(&sums, state + i * blurStateFactor, sizeof sums);
         for (const BlurStep& step : steps) {
             const Bytes middle = load(step.middle + i, extent);

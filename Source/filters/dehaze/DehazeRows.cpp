@@ -163,8 +163,7 @@ private:
 
 // The bytes at some place of every pixel of four as quads.
 HWY_INLINE SignedQuads bytesAt(Bytes pixels, const std::uint8_t* places) {
-    return hn::BitCast(SignedQuadTag(),
-                       hn::TableLookupBytesOr0(pixels, hn::LoadDup128(RowTag(), places)));
+    return hn::BitCast(SignedQuadTag(), bytesAtPlaces(pixels, hn::LoadDup128(RowTag(), places)));
 }
 
 // Pixels of four: their depth is taken off before they are taken apart.

@@ -87,7 +87,8 @@ void forEachRow(const PlaneShape& shape, Body body) {
 }
 
 void denoise(const Picture& picture, float setting, ColourSpace space) {
-    const PlaneShape shape{picture.width, picture.height, paddedRowBytes(picture.width)};
+    const PlaneShape shape{picture.width, picture.height,
+                           static_cast<std::size_t>(paddedRowBytes(picture.width))};
     Planes planes;
     for (auto& plane : planes) plane.resize(shape.stride * shape.height);
 

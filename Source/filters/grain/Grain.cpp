@@ -14,7 +14,7 @@
 
 #include "arithmetic/Rounding.h"
 #include "filters/grain/GrainGenerator.h"
-#include "walks/PixelVectors-inl.h"
+#include "walks/DoubleVectors-inl.h"
 #include "walks/RawWalk.h"
 #include "walks/StageForms.h"
 
@@ -88,7 +88,7 @@ public:
 
     HWY_INLINE Floats of(States sums) const {
         const Floats number = throughDouble(hn::BitCast(IntTag(), sums), [](Doubles sum) HWY_ATTR {
-            return hn::Sub(hn::Mul(sum, constant(step)), constant(middle));
+            return minus(times(sum, constant(step)), constant(middle));
         });
         return hn::Mul(hn::Mul(number, constant(scale_)), constant(127.0f));
     }
@@ -151,7 +151,7 @@ HWY_INLINE void addToPixels(const Grain& grain, States sums, std::uint8_t* pixel
                                                                 8, 8, 8, 128, 12, 12, 12, 128};
         const auto places = hn::LoadDup128(tag, channels);
         const auto toChannels = [&](Ints values) HWY_ATTR {
-            return hn::TableLookupBytesOr0(hn::BitCast(tag, values), places);
+            return bytesAtPlaces(hn::BitCast(tag, values), places);
         };
         const auto bytes = hn::SaturatedAdd(hn::LoadU(tag, pixels), toChannels(change.added));
         hn::StoreU(hn::SaturatedSub(bytes, toChannels(change.taken)), tag, pixels);

@@ -10,6 +10,7 @@
 #include "filters/lens/LensSources.h"
 #include "platform/CallScope.h"
 #include "platform/Parallel.h"
+#include "platform/UnsetArray.h"
 #include "walks/RawWalk.h"
 #include "walks/StageForms.h"
 
@@ -104,7 +105,7 @@ void fetchPartly(const PackedRows& rows, const std::uint8_t* source, std::int64_
 void distortPartly(const Picture& picture, const RawWalk& walk, const Lens& lens) {
     const PackedRows rows{walk.step, picture.width, picture.size()};
     const ColumnDistances columns = columnDistances(lens, picture.width);
-    const auto copy = std::make_unique_for_overwrite<std::uint8_t[]>(picture.size());
+    const auto copy = platform::makeUnsetArray<std::uint8_t>(picture.size());
     std::memcpy(copy.get(), picture.first, picture.size());
     const std::size_t bands = lensBands(picture.width, picture.height);
     std::vector<std::vector<Place>> places(bands, std::vector<Place>(rows.width));

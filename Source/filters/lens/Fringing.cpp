@@ -13,6 +13,7 @@
 #include "filters/lens/LensSources.h"
 #include "platform/CallScope.h"
 #include "platform/Parallel.h"
+#include "platform/UnsetArray.h"
 #include "walks/StageForms.h"
 
 namespace keladjust {
@@ -151,7 +152,7 @@ std::unique_ptr<std::uint8_t[]> packedCopy(const Picture& picture) {
     const std::size_t pixelBytes = picture.bytesPerPixel;
     const std::size_t rowBytes = picture.width * pixelBytes;
     const std::size_t size = rowBytes * picture.height;
-    auto copy = std::make_unique_for_overwrite<std::uint8_t[]>(size + pixelBytes);
+    auto copy = platform::makeUnsetArray<std::uint8_t>(size + pixelBytes);
     std::memset(copy.get() + size, 0, pixelBytes);
     for (std::size_t y = 0; y < picture.height; ++y) {
         std::memcpy(copy.get() + y * rowBytes, picture.row(y), rowBytes);

@@ -10,7 +10,7 @@
 #include <cstring>
 
 #include "arithmetic/Angle.h"
-#include "walks/PixelVectors-inl.h"
+#include "walks/DoubleVectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
@@ -36,13 +36,13 @@ HWY_INLINE Doubles cosine(Doubles angle) {
                                       -1.0 / 5040.0,
                                       1.0 / 120.0,
                                       -1.0 / 6.0};
-    const Doubles y = hn::Sub(hn::Sub(angle, constant(quarterTurn)), constant(restOfQuarterTurn));
-    const Doubles square = hn::Mul(y, y);
+    const Doubles y = minus(minus(angle, constant(quarterTurn)), constant(restOfQuarterTurn));
+    const Doubles square = times(y, y);
     Doubles series = constant(1.0 / 51090942171709440000.0);
     for (const double reciprocal : reciprocals) {
-        series = hn::Add(hn::Mul(series, square), constant(reciprocal));
+        series = plus(times(series, square), constant(reciprocal));
     }
-    return hn::Neg(hn::Add(hn::Mul(hn::Mul(y, square), series), y));
+    return negated(plus(times(times(y, square), series), y));
 }
 
 HWY_INLINE Floats cosine(Floats angle) {

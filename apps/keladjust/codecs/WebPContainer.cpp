@@ -21,12 +21,25 @@ void set(WebPMux* mux, const char* name, std::span<const unsigned char> bytes) {
     check(WebPMuxSetChunk(mux, name, &data, 0));
 }
 
+using Mux = std::unique_ptr<WebPMux, decltype(&WebPMuxDelete)>;
+
+Mux open(std::span<const unsigned char> file) {
+    const WebPData picture{file.data(), file.size()};
+    return {WebPMuxCreate(&picture, 0), &WebPMuxDelete};
+}
+
 }  // namespace
 
+Bytes webpChunk(std::span<const unsigned char> file, const char* name) {
+    const Mux mux = open(file);
+    if (mux == nullptr) throw std::runtime_error("the WebP file is damaged");
+    WebPData chunk;
+    if (WebPMuxGetChunk(mux.get(), name, &chunk) != WEBP_MUX_OK) return {};
+    return Bytes(chunk.bytes, chunk.bytes + chunk.size);
+}
+
 Bytes withWebPChunks(const Bytes& encoded, const WebPChunks& chunks) {
-    const WebPData picture{encoded.data(), encoded.size()};
-    const std::unique_ptr<WebPMux, decltype(&WebPMuxDelete)> mux(WebPMuxCreate(&picture, 0),
-                                                                 &WebPMuxDelete);
+    const Mux mux = open(encoded);
     if (mux == nullptr) throw std::bad_alloc();
     set(mux.get(), "ICCP", chunks.profile);
     set(mux.get(), "EXIF", chunks.exif);

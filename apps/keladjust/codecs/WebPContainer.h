@@ -14,6 +14,11 @@ struct WebPChunks {
     std::span<const unsigned char> xmp;
 };
 
+/// A chunk of a WebP file by its four letters; nothing if there is none.
+///
+/// @throws std::runtime_error if the file is damaged
+Bytes webpChunk(std::span<const unsigned char> file, const char* name);
+
 /// `encoded`, a WebP file as the encoder makes it, with `chunks`.
 Bytes withWebPChunks(const Bytes& encoded, const WebPChunks& chunks);
 

@@ -29,11 +29,11 @@ constexpr const char* benchDescription =
     "some\n"
     "are given, get a line of their own: all of them at once, as a host runs them.";
 
-constexpr const char* benchExamples =
-    "Examples:\n"
-    "  keladjust bench photo.jpg\n"
-    "  keladjust bench photo.jpg --runs 9 --threads 1 -o chart.svg\n"
-    "  keladjust bench photo.jpg --preset warm.json --clarity 20";
+const std::vector<std::string> benchExamples = {
+    "keladjust bench photo.jpg",
+    "keladjust bench photo.jpg --runs 9 --threads 1 -o chart.svg",
+    "keladjust bench photo.jpg --preset warm.json --clarity 20",
+};
 
 struct BenchOptions {
     fs::path picture;
@@ -44,29 +44,40 @@ struct BenchOptions {
     PixelBound bound;
 };
 
-std::optional<BenchOptions> parseBenchOptions(const std::vector<std::string>& arguments) {
-    BenchOptions options;
-    CommandLine line(benchDescription);
-    CLI::App& app = line.app();
-    app.name("keladjust bench");
-    app.footer(benchExamples);
+/// The command line with what it says.
+struct BenchLine {
+    CommandLine line{"keladjust bench", benchDescription, benchExamples};
     std::string picture;
-    app.add_option("PICTURE", picture, "The picture to measure with")->required();
-    app.add_option_function<std::string>(
-           "-o,--output", [&](const std::string& text) { options.chart = pathFromText(text); },
-           "Draw the times as a bar chart, too: an SVG file")
-        ->type_name("FILE");
-    app.add_option("--runs", options.runs, "1..1000 runs of each stage, of which the median counts")
-        ->check(CLI::Range(1, 1000))
-        ->type_name("N");
-    app.add_option("--threads", options.threads, "1..1024 threads; usually one per core")
-        ->check(CLI::Range(1, 1024))
-        ->type_name("N");
-    line.addPixelBound(options.bound);
-    if (!line.parse(arguments)) return std::nullopt;
+    BenchOptions options;
 
-    options.picture = pathFromText(picture);
-    const Settings settings = line.settings();
+    BenchLine() {
+        CLI::App& app = line.app();
+        line.offer(app.add_option("PICTURE", picture, "The picture to measure with")->required(),
+                   {Offer::Kind::pictures});
+        line.offer(app.add_option_function<std::string>(
+                          "-o,--output",
+                          [this](const std::string& text) { options.chart = pathFromText(text); },
+                          "Draw the times as a bar chart, too: an SVG file")
+                       ->type_name("FILE"),
+                   {Offer::Kind::files});
+        app.add_option("--runs", options.runs,
+                       "1..1000 runs of each stage, of which the median counts")
+            ->check(CLI::Range(1, 1000))
+            ->type_name("N");
+        app.add_option("--threads", options.threads, "1..1024 threads; usually one per core")
+            ->check(CLI::Range(1, 1024))
+            ->type_name("N");
+        line.addPixelBound(options.bound);
+    }
+};
+
+std::optional<BenchOptions> parseBenchOptions(const std::vector<std::string>& arguments) {
+    BenchLine asked;
+    if (!asked.line.parse(arguments)) return std::nullopt;
+
+    BenchOptions options = asked.options;
+    options.picture = pathFromText(asked.picture);
+    const Settings settings = asked.line.settings();
     if (!settings.empty()) options.settings = settings.record();
     return options;
 }
@@ -139,6 +150,10 @@ int runBenchCommand(const std::vector<std::string>& arguments) {
     });
     if (options->chart) writeFile(*options->chart, barChart(title, bars));
     return exitAllFine;
+}
+
+CommandDescription describeBenchCommand() {
+    return BenchLine().line.describe();
 }
 
 }  // namespace keladjust::app

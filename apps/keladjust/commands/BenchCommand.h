@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "commands/CommandDescription.h"
+
 namespace keladjust::app {
 
 /// `keladjust bench`: prints what each stage takes on one picture, and draws it.
@@ -12,6 +14,8 @@ namespace keladjust::app {
 /// @return the program's exit code
 /// @throws UsageError, Failure
 int runBenchCommand(const std::vector<std::string>& arguments);
+
+CommandDescription describeBenchCommand();
 
 }  // namespace keladjust::app
 

@@ -13,26 +13,45 @@ namespace keladjust::app {
 
 namespace {
 
-std::string describe(const KeladjustSetting& setting) {
+std::string helpOf(const KeladjustSetting& setting) {
     return rangeText(setting) + "; " + setting.help;
+}
+
+std::string footerOf(const std::vector<std::string>& examples, const std::string& footer) {
+    std::string text = "Examples:";
+    for (const std::string& example : examples) text += "\n  " + example;
+    if (!footer.empty()) text += "\n" + footer;
+    return text;
+}
+
+/// What the help puts for an option's value, without what it says of the values that are allowed.
+std::string valueOf(const CLI::Option& option) {
+    const std::string all = option.get_type_name();
+    return all.substr(0, all.find(':'));
 }
 
 }  // namespace
 
-CommandLine::CommandLine(const std::string& description) : app_(description, "keladjust") {
-    app_.set_version_flag("--version", std::string("keladjust ") + keladjustVersion(),
-                          "Print the version");
+CommandLine::CommandLine(const std::string& name, const std::string& description,
+                         const std::vector<std::string>& examples, const std::string& footer)
+    : app_(description, name), examples_(examples) {
+    app_.footer(footerOf(examples, footer));
+    app_.set_version_flag(
+        "--version",
+        std::string("keladjust ") + keladjustVersion() + "\nLicence: " KELADJUST_PROGRAM_LICENCE,
+        "Print version and licence");
     app_.set_help_flag("-h,--help", "Print this help");
     app_.get_formatter()->column_width(40);
     app_.allow_windows_style_options(false);
     // Collected rather than refused by the parser, so that the nearest name can be suggested.
     app_.allow_extras();
-    app_.add_option("--preset", presets_,
-                    "Take settings from a preset; several stack, later ones win")
-        ->type_name("FILE")
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
-        ->group("Settings");
+    offer(app_.add_option("--preset", presets_,
+                          "Take settings from a preset; several stack, later ones win")
+              ->type_name("FILE")
+              ->expected(1)
+              ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+              ->group("Settings"),
+          {Offer::Kind::presets});
     for (const KeladjustSetting& setting : allSettings()) {
         app_.add_option_function<std::string>(
                 std::string("--") + setting.name,
@@ -40,7 +59,7 @@ CommandLine::CommandLine(const std::string& description) : app_(description, "ke
                     const std::string option = std::string("--") + setting.name;
                     explicit_.set(setting, settingValueFromText(setting, text, option));
                 },
-                describe(setting))
+                helpOf(setting))
             ->type_name("N")
             ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)
             ->group(setting.group);
@@ -84,6 +103,26 @@ std::vector<std::filesystem::path> CommandLine::presets() const {
     std::vector<std::filesystem::path> paths;
     for (const std::string& preset : presets_) paths.push_back(pathFromText(preset));
     return paths;
+}
+
+CommandDescription CommandLine::describe() const {
+    CommandDescription description{app_.get_name(), app_.get_description(), examples_, {}};
+    for (const CLI::Option* option : app_.get_options()) {
+        OptionDescription about;
+        for (const std::string& name : option->get_snames()) about.names.push_back("-" + name);
+        for (const std::string& name : option->get_lnames()) about.names.push_back("--" + name);
+        about.value = option->get_positional() ? option->get_name(true) : valueOf(*option);
+        about.help = option->get_description();
+        about.group = option->get_group();
+        about.repeats = option->get_multi_option_policy() == CLI::MultiOptionPolicy::TakeAll ||
+                        option->get_items_expected_max() > 1;
+        about.required = option->get_required();
+        if (const auto said = offers_.find(option); said != offers_.end()) {
+            about.offer = said->second;
+        }
+        description.options.push_back(std::move(about));
+    }
+    return description;
 }
 
 void CommandLine::refuseUnknown() const {

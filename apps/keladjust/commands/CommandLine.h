@@ -4,9 +4,11 @@
 #include <CLI/CLI.hpp>
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
+#include "commands/CommandDescription.h"
 #include "pictures/PixelBound.h"
 #include "settings/Settings.h"
 
@@ -15,9 +17,21 @@ namespace keladjust::app {
 /// What the commands have in common: --help, --version, --preset and one option per setting.
 class CommandLine {
 public:
-    explicit CommandLine(const std::string& description);
+    /// @param name     "keladjust", "keladjust lut"
+    /// @param examples whole command lines
+    /// @param footer   what else the help ends with; may be empty
+    CommandLine(const std::string& name, const std::string& description,
+                const std::vector<std::string>& examples, const std::string& footer = "");
+    CommandLine(const CommandLine&) = delete;  // its options point to it
+    CommandLine& operator=(const CommandLine&) = delete;
 
     CLI::App& app() { return app_; }
+
+    /// Says what shells offer for an option's value; nothing unless said.
+    void offer(const CLI::Option* option, Offer offer) { offers_[option] = std::move(offer); }
+
+    /// All that was added so far.
+    CommandDescription describe() const;
 
     /// Adds the option that bounds the pictures to be read.
     CLI::Option* addPixelBound(PixelBound& bound);
@@ -38,6 +52,8 @@ private:
     void refuseUnknown() const;
 
     CLI::App app_;
+    std::vector<std::string> examples_;
+    std::map<const CLI::Option*, Offer> offers_;
     std::vector<std::string> presets_;
     Settings explicit_;
 };

@@ -11,6 +11,18 @@ enum ExitCode : int {
     exitInterrupted = 130  ///< Ctrl-C; what was written before is whole
 };
 
+struct ExitMeaning {
+    ExitCode code;
+    const char* meaning;  ///< in a few words, for help and manual
+};
+
+inline constexpr ExitMeaning exitMeanings[] = {
+    {exitAllFine, "all fine"},
+    {exitSomeFailed, "something failed"},
+    {exitUsage, "wrong usage"},
+    {exitInterrupted, "interrupted"},
+};
+
 }  // namespace keladjust::app
 
 #endif

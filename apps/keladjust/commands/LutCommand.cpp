@@ -23,11 +23,40 @@ constexpr const char* lutDescription =
     "Writes settings as a 3D colour table in a cube file.\n"
     "Clarity, sharpening, the vignette and all after it have no part in a colour table.";
 
-constexpr const char* lutExamples =
-    "Examples:\n"
-    "  keladjust lut --preset warm.json -o warm.cube\n"
-    "  keladjust lut --exposure 20 --vibrance 30 --order red-fastest -o look.cube\n"
-    "  keladjust lut --preset warm.json --size 64 -o fine.cube";
+const std::vector<std::string> lutExamples = {
+    "keladjust lut --preset warm.json -o warm.cube",
+    "keladjust lut --exposure 20 --vibrance 30 --order red-fastest -o look.cube",
+    "keladjust lut --preset warm.json --size 64 -o fine.cube",
+};
+
+const std::string blueFastest = "blue-fastest";
+const std::string redFastest = "red-fastest";
+
+/// The command line with what it says.
+struct LutLine {
+    CommandLine line{"keladjust lut", lutDescription, lutExamples};
+    std::string output;
+    int size = 32;
+    std::string order = blueFastest;
+
+    LutLine() {
+        CLI::App& app = line.app();
+        line.offer(app.add_option("-o,--output", output, "The cube file to write")
+                       ->type_name("FILE")
+                       ->required(),
+                   {Offer::Kind::files});
+        app.add_option("--size", size, "2..256 colours along each axis; usually 32")
+            ->check(CLI::Range(2, 256))
+            ->type_name("N");
+        const std::vector<std::string> orders = {blueFastest, redFastest};
+        line.offer(app.add_option("--order", order,
+                                  "blue-fastest (usual here) or red-fastest (what most other "
+                                  "programs read)")
+                       ->check(CLI::IsMember(orders))
+                       ->type_name("NAME"),
+                   {Offer::Kind::words, orders});
+    }
+};
 
 void refuseToReplacePresets(const std::filesystem::path& output, const CommandLine& line) {
     std::error_code error;
@@ -52,31 +81,20 @@ std::string cube(const _AdjustParam& record, int size, CubeOrder order) {
 }  // namespace
 
 int runLutCommand(const std::vector<std::string>& arguments) {
-    CommandLine line(lutDescription);
-    CLI::App& app = line.app();
-    app.name("keladjust lut");
-    app.footer(lutExamples);
-    std::string output;
-    app.add_option("-o,--output", output, "The cube file to write")->type_name("FILE")->required();
-    int size = 32;
-    app.add_option("--size", size, "2..256 colours along each axis; usually 32")
-        ->check(CLI::Range(2, 256))
-        ->type_name("N");
-    const std::string blueFastest = "blue-fastest";
-    const std::string redFastest = "red-fastest";
-    std::string order = blueFastest;
-    app.add_option("--order", order,
-                   "blue-fastest (usual here) or red-fastest (what most other programs read)")
-        ->check(CLI::IsMember({blueFastest, redFastest}))
-        ->type_name("NAME");
-    if (!line.parse(arguments)) return exitAllFine;
+    LutLine asked;
+    if (!asked.line.parse(arguments)) return exitAllFine;
 
-    const std::filesystem::path path = pathFromText(output);
-    const _AdjustParam record = line.settings().record();
-    refuseToReplacePresets(path, line);
-    writeFile(path, cube(record, size,
-                         order == redFastest ? CubeOrder::redFastest : CubeOrder::blueFastest));
+    const std::filesystem::path path = pathFromText(asked.output);
+    const _AdjustParam record = asked.line.settings().record();
+    refuseToReplacePresets(path, asked.line);
+    writeFile(path,
+              cube(record, asked.size,
+                   asked.order == redFastest ? CubeOrder::redFastest : CubeOrder::blueFastest));
     return exitAllFine;
+}
+
+CommandDescription describeLutCommand() {
+    return LutLine().line.describe();
 }
 
 }  // namespace keladjust::app

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "commands/CommandDescription.h"
+
 namespace keladjust::app {
 
 /// `keladjust lut`: writes the settings as a colour table.
@@ -12,6 +14,8 @@ namespace keladjust::app {
 /// @return the program's exit code
 /// @throws UsageError, Failure
 int runLutCommand(const std::vector<std::string>& arguments);
+
+CommandDescription describeLutCommand();
 
 }  // namespace keladjust::app
 

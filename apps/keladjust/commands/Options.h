@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "codecs/Codec.h"
+#include "commands/CommandDescription.h"
 #include "pictures/Adjuster.h"
 #include "settings/Settings.h"
 
@@ -37,6 +38,9 @@ struct Options {
 /// @param arguments without the program's name
 /// @throws UsageError
 std::optional<Options> parseOptions(const std::vector<std::string>& arguments);
+
+/// The command line that parseOptions() reads.
+CommandDescription describeOptions();
 
 }  // namespace keladjust::app
 

@@ -1,10 +1,10 @@
 #include "text/CubeText.h"
 
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <string_view>
+
+#include "text/EightDecimals.h"
 
 namespace keladjust::app {
 
@@ -12,12 +12,7 @@ namespace {
 
 void append(std::string& text, float value, char end) {
     if (std::isnan(value)) value = std::fabs(value);  // never with a sign
-    // The largest float has 39 digits before the point.
-    std::array<char, 64> digits{};
-    const auto last = std::to_chars(digits.data(), digits.data() + digits.size(), value,
-                                    std::chars_format::fixed, 8)
-                          .ptr;
-    text.append(digits.data(), last);
+    appendEightDecimals(text, value);
     text += end;
 }
 

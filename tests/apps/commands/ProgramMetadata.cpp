@@ -3,6 +3,7 @@
 
 #include "codecs/Codec.h"
 #include "files/AtomicFile.h"
+#include "files/InputFile.h"
 #include "support/Pictures.h"
 #include "support/Program.h"
 #include "support/TemporaryFolder.h"
@@ -116,6 +117,19 @@ TEST_F(ProgramMetadata, ComparisonAndSheetKeepTheProfileOnly) {
         EXPECT_TRUE(image->iccProfileDefined()) << name;
         EXPECT_TRUE(image->exifData().empty()) << name;
     }
+}
+
+// Whoever passes the program on has to know under which terms.
+TEST(ProgramLicence, IsThatOfWhatIsLinked) {
+    const Bytes program = readFile(programPath());
+    const std::string_view bytes(reinterpret_cast<const char*>(program.data()), program.size());
+    // The shared library's name, or those of its types.
+    const bool linked = bytes.find("libexiv2.so") != std::string_view::npos ||
+                        bytes.find("N5Exiv2") != std::string_view::npos;
+    const std::string told = runProgram({"--version"}).output;
+    EXPECT_EQ(told.find("\nLicence: GPL-2.0-or-later as a whole") != std::string::npos, linked)
+        << told;
+    EXPECT_EQ(told.ends_with("\nLicence: MIT\n"), !linked) << told;
 }
 
 }  // namespace

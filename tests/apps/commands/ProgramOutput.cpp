@@ -123,8 +123,8 @@ TEST_F(ProgramOutput, HelpNamesEverySettingAndItsRange) {
     EXPECT_TRUE(says("-100..100, identity 0; 50 is a factor of 2^0.6"));
     EXPECT_NE(help.output.find("Examples:"), std::string::npos);
     EXPECT_EQ(runProgram({"lut", "--help"}).code, 0);
-    EXPECT_EQ(runProgram({"--version"}).output,
-              std::string("keladjust ") + keladjustVersion() + '\n');
+    EXPECT_TRUE(runProgram({"--version"})
+                    .output.starts_with(std::string("keladjust ") + keladjustVersion() + '\n'));
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ namespace {
 using namespace keladjust::app;
 using keladjust::test::TemporaryFolder;
 
-std::string refusal(const std::string& text) {
+std::string textRefusal(const std::string& text) {
     try {
         settingsFromText(text);
     } catch (const UsageError& error) {
@@ -58,25 +58,27 @@ TEST(SettingsText, TakesAFileOfThatNameForAPreset) {
 }
 
 TEST(SettingsText, SaysWhatIsWrong) {
-    EXPECT_EQ(refusal("exposre 20"), "unknown setting \"exposre\"; did you mean exposure?");
-    EXPECT_EQ(refusal("evening.json"), "\"evening.json\" is neither a preset file nor a setting");
-    EXPECT_EQ(refusal("exposure"),
+    EXPECT_EQ(textRefusal("exposre 20"), "unknown setting \"exposre\"; did you mean exposure?");
+    EXPECT_EQ(textRefusal("evening.json"),
+              "\"evening.json\" is neither a preset file nor a setting");
+    EXPECT_EQ(textRefusal("exposure"),
               "exposure needs a number, not \"\"; useful values are -100..100, identity 0");
-    EXPECT_EQ(refusal("tint 1 exposure twenty"),
+    EXPECT_EQ(textRefusal("tint 1 exposure twenty"),
               "exposure needs a number, not \"twenty\"; useful values are -100..100, identity 0");
-    EXPECT_EQ(refusal("exposure nan"),
+    EXPECT_EQ(textRefusal("exposure nan"),
               "exposure needs a finite number; useful values are -100..100, identity 0");
-    EXPECT_NE(refusal("temperature 9000.5").find("whole number"), std::string::npos);
+    EXPECT_NE(textRefusal("temperature 9000.5").find("whole number"), std::string::npos);
 }
 
 TEST(SettingsText, NamesThePresetThatIsWrong) {
     const TemporaryFolder folder;
     const auto preset = folder / "look.json";
     std::ofstream(preset) << R"({"tint": "blue"})";
-    EXPECT_EQ(refusal(preset.string()),
+    EXPECT_EQ(textRefusal(preset.string()),
               preset.string() + ": \"tint\" must be a number, not string");
-    EXPECT_EQ(refusal(folder.path().string()).find(folder.path().string() + ": this is a folder"),
-              0u);
+    EXPECT_EQ(
+        textRefusal(folder.path().string()).find(folder.path().string() + ": this is a folder"),
+        0u);
 }
 
 }  // namespace

@@ -1,5 +1,3 @@
-#include "codecs/Metadata.h"
-
 #include <exiv2/exiv2.hpp>
 
 #include <algorithm>
@@ -14,6 +12,7 @@
 #include <string_view>
 
 #include "codecs/Codec.h"
+#include "codecs/Metadata.h"
 #include "codecs/WebPContainer.h"
 #include "files/AtomicFile.h"
 #include "platform/AllocationWatch.h"

@@ -1,0 +1,1 @@
+"""What makes the package's generated files while its wheel is built."""

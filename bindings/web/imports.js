@@ -1,0 +1,2 @@
+// What the linker need not look for: the package's JavaScript brings it.
+mergeInto(LibraryManager.library, {progress: function() {}});

@@ -1,0 +1,3 @@
+import { adjustBoth } from "./app.js";
+
+window.results = adjustBoth({});

@@ -1,0 +1,11 @@
+# The hosts, strict about what the headers bring into them.
+enable_testing()
+add_executable(host_in_c ../host.c)
+set_target_properties(host_in_c PROPERTIES C_STANDARD 90 C_EXTENSIONS OFF)
+add_executable(host_in_cpp ../host.cpp)
+set_target_properties(host_in_cpp PROPERTIES CXX_STANDARD 17 CXX_EXTENSIONS OFF)
+foreach(host host_in_c host_in_cpp)
+    target_link_libraries(${host} PRIVATE keladjust::keladjust)
+    target_compile_options(${host} PRIVATE -Wall -Wextra -pedantic -Wconversion -Werror)
+    add_test(NAME ${host} COMMAND ${host})
+endforeach()
