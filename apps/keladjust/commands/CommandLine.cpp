@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iostream>
 
+#include "commands/Licence.h"
 #include "settings/PresetFile.h"
 #include "settings/SettingsText.h"
 #include "text/Failure.h"
@@ -38,7 +39,7 @@ CommandLine::CommandLine(const std::string& name, const std::string& description
     app_.footer(footerOf(examples, footer));
     app_.set_version_flag(
         "--version",
-        std::string("keladjust ") + keladjustVersion() + "\nLicence: " KELADJUST_PROGRAM_LICENCE,
+        std::string("keladjust ") + keladjustVersion() + "\nLicence: " + programLicence,
         "Print version and licence");
     app_.set_help_flag("-h,--help", "Print this help");
     app_.get_formatter()->column_width(40);
