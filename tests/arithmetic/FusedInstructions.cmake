@@ -19,7 +19,7 @@ foreach(object IN LISTS objects)
     execute_process(COMMAND ${OBJDUMP} -d --no-show-raw-insn ${object}
         OUTPUT_VARIABLE disassembly COMMAND_ERROR_IS_FATAL ANY)
     if(disassembly MATCHES "${fused}")
-        string(REGEX REPLACE "^.*[.]dir/(.*)[.](o|obj)$" "\\1" source ${object})
+        string(REGEX REPLACE "^.*[.]dir/([.]/)?(.*)[.](o|obj)$" "\\2" source ${object})
         list(APPEND found ${source})
     endif()
 endforeach()

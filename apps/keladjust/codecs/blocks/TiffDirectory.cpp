@@ -38,6 +38,12 @@ TypeSize sizeOf(std::uint16_t type) {
     return type < typeSizes.size() ? typeSizes[type] : TypeSize{0, 0};
 }
 
+// How many values an entry has; none of a type that is not known.
+std::uint32_t countOf(const TiffEntry& entry) {
+    const std::size_t size = sizeOf(entry.type).whole;
+    return size == 0 ? 0 : static_cast<std::uint32_t>(entry.value.size() / size);
+}
+
 bool pointsToDirectory(std::uint16_t tag) {
     return tag == tagExif || tag == tagGps || tag == tagInteroperability;
 }
@@ -170,8 +176,7 @@ std::uint32_t append(Bytes& bytes, TiffDirectory directory, ByteOrder order) {
             put32(bytes, record + 8, position, order);
         } else {
             put16(bytes, record + 2, entry.type, order);
-            const std::size_t count = entry.value.size() / sizeOf(entry.type).whole;
-            put32(bytes, record + 4, static_cast<std::uint32_t>(count), order);
+            put32(bytes, record + 4, countOf(entry), order);
             if (entry.value.size() <= 4) {
                 std::ranges::copy(entry.value,
                                   bytes.begin() + static_cast<std::ptrdiff_t>(record + 8));
