@@ -5,55 +5,29 @@
 #include <filesystem>
 #include <fstream>
 
+#include "frei0r/FilterInPrograms.h"
 #include "frei0r/Frames.h"
 #include "support/Program.h"
-#include "support/TemporaryFolder.h"
-#include "support/Variable.h"
 
 namespace {
 
 using namespace keladjust::test;
 
-class Ffmpeg : public testing::Test {
+class Ffmpeg : public FilterInPrograms {
 protected:
     /// @param filters of ten frames a second
     std::vector<Frame> filtered(const std::vector<Frame>& frames, FrameSize size,
                                 const std::string& filters) {
         writeFrames(folder_ / "in.raw", frames);
         const std::string sides = std::to_string(size.width) + 'x' + std::to_string(size.height);
-        const Outcome outcome = runProgram(KELADJUST_FFMPEG, {"-nostdin",
-                                                              "-y",
-                                                              "-v",
-                                                              "error",
-                                                              "-f",
-                                                              "rawvideo",
-                                                              "-pix_fmt",
-                                                              "bgra",
-                                                              "-s",
-                                                              sides,
-                                                              "-r",
-                                                              "10",
-                                                              "-i",
-                                                              (folder_ / "in.raw"),
-                                                              "-vf",
-                                                              filters,
-                                                              "-f",
-                                                              "rawvideo",
-                                                              "-pix_fmt",
-                                                              "bgra",
-                                                              (folder_ / "out.raw")});
-        EXPECT_EQ(outcome.code, 0) << outcome.errors;
-        messages_ = outcome.errors;
-        return readFrames(folder_ / "out.raw", size);
+        return framesBy(
+            KELADJUST_FFMPEG,
+            {"-nostdin", "-y",    "-v",  "error",    "-f",       "rawvideo", "-pix_fmt",
+             "bgra",     "-s",    sides, "-r",       "10",       "-i",       (folder_ / "in.raw"),
+             "-vf",      filters, "-f",  "rawvideo", "-pix_fmt", "bgra",     written()},
+            size);
     }
-
-    const TemporaryFolder folder_;
-    const Variable path_{"FREI0R_PATH",
-                         std::filesystem::path(KELADJUST_FREI0R_FILTER).parent_path().c_str()};
-    std::string messages_;
 };
-
-constexpr FrameSize usual = {320, 180};
 
 TEST_F(Ffmpeg, SetsSlidersByTheirPlace) {
     const auto frames = noiseFrames(usual, 3);

@@ -5,16 +5,15 @@
 #include <filesystem>
 #include <fstream>
 
+#include "frei0r/FilterInPrograms.h"
 #include "frei0r/Frames.h"
 #include "support/Program.h"
-#include "support/TemporaryFolder.h"
-#include "support/Variable.h"
 
 namespace {
 
 using namespace keladjust::test;
 
-class Melt : public testing::Test {
+class Melt : public FilterInPrograms {
 protected:
     /// @param filters the command line between what is read and what is written
     std::vector<Frame> filtered(const std::vector<Frame>& frames, FrameSize size,
@@ -37,24 +36,13 @@ protected:
                                               "avformat:" + (folder_ / "in.mkv").string()};
         arguments.insert(arguments.end(), filters.begin(), filters.end());
         for (const std::string& argument :
-             {std::string("-consumer"), "avformat:" + (folder_ / "out.raw").string(),
-              std::string("f=rawvideo"), std::string("vcodec=rawvideo"),
-              std::string("pix_fmt=bgra"), consumerOption}) {
+             {std::string("-consumer"), "avformat:" + written().string(), std::string("f=rawvideo"),
+              std::string("vcodec=rawvideo"), std::string("pix_fmt=bgra"), consumerOption}) {
             arguments.push_back(argument);
         }
-        const Outcome outcome = runProgram(KELADJUST_MELT, arguments);
-        EXPECT_EQ(outcome.code, 0) << outcome.errors;
-        messages_ = outcome.errors;
-        return readFrames(folder_ / "out.raw", size);
+        return framesBy(KELADJUST_MELT, arguments, size);
     }
-
-    const TemporaryFolder folder_;
-    const Variable path_{"FREI0R_PATH",
-                         std::filesystem::path(KELADJUST_FREI0R_FILTER).parent_path().c_str()};
-    std::string messages_;
 };
-
-constexpr FrameSize usual = {320, 180};
 
 TEST_F(Melt, SetsSlidersAndTextByName) {
     const auto frames = noiseFrames(usual, 3);

@@ -19,6 +19,16 @@ class Page {
     /** Addresses that were asked for. */
     requests = [];
 
+    /** Notes what the page complains of and asks for, from now on. */
+    watch() {
+        this.page.setDefaultTimeout(patience);
+        this.page.on("console", (message) => {
+            if (message.type() === "error") this.complaints.push(message.text());
+        });
+        this.page.on("pageerror", (error) => this.complaints.push(String(error)));
+        this.page.on("request", (request) => this.requests.push(request.url()));
+    }
+
     async open(url) {
         await this.page.goto(url);
         await this.waitFor(() => document.documentElement.dataset.ready !== undefined);
@@ -109,12 +119,7 @@ class Chromium extends Page {
         });
         started.context = await started.browser.newContext({ viewport: size, acceptDownloads: true });
         started.page = await started.context.newPage();
-        started.page.setDefaultTimeout(patience);
-        started.page.on("console", (message) => {
-            if (message.type() === "error") started.complaints.push(message.text());
-        });
-        started.page.on("pageerror", (error) => started.complaints.push(String(error)));
-        started.page.on("request", (request) => started.requests.push(request.url()));
+        started.watch();
         return started;
     }
 
@@ -160,12 +165,7 @@ class Firefox extends Page {
             },
         });
         started.page = await started.browser.newPage();
-        started.page.setDefaultTimeout(patience);
-        started.page.on("console", (message) => {
-            if (message.type() === "error") started.complaints.push(message.text());
-        });
-        started.page.on("pageerror", (error) => started.complaints.push(String(error)));
-        started.page.on("request", (request) => started.requests.push(request.url()));
+        started.watch();
         return started;
     }
 
