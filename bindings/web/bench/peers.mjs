@@ -9,29 +9,34 @@ import Vips from "wasm-vips";
 /** The 3 x 3 kernel that adds half of the Laplacian. */
 const kernel = [[0, -0.5, 0], [-0.5, 3, -0.5], [0, -0.5, 0]];
 
+/** The jobs of one package, which `run` makes of its changes, one after another. */
+function jobsOf(run, [lighten, contrast, saturate, sharpen]) {
+    return {
+        exposure: run(lighten),
+        contrast: run(contrast),
+        saturation: run(saturate),
+        sharpen: run(sharpen),
+        "all four": run(lighten, contrast, saturate, sharpen),
+    };
+}
+
 function jimp({ width, height }) {
-    const run = (change) => (pixels) => {
+    const run = (...changes) => (pixels) => {
         const image = Jimp.fromBitmap({ data: Buffer.from(pixels), width, height });
-        change(image);
+        for (const change of changes) change(image);
         return image.bitmap.data;
     };
     const lighten = (image) => image.brightness(1.25);
     const contrast = (image) => image.contrast(0.15);
     const saturate = (image) => image.color([{ apply: "saturate", params: [30] }]);
     const sharpen = (image) => image.convolute(kernel);
-    return {
-        exposure: run(lighten),
-        contrast: run(contrast),
-        saturation: run(saturate),
-        sharpen: run(sharpen),
-        "all four": run((image) => { lighten(image); contrast(image); saturate(image); sharpen(image); }),
-    };
+    return jobsOf(run, [lighten, contrast, saturate, sharpen]);
 }
 
 function photonNode({ width, height }) {
-    const run = (change) => (pixels) => {
+    const run = (...changes) => (pixels) => {
         const image = new photon.PhotonImage(new Uint8Array(pixels), width, height);
-        change(image);
+        for (const change of changes) change(image);
         const changed = image.get_raw_pixels();
         image.free();
         return changed;
@@ -40,13 +45,7 @@ function photonNode({ width, height }) {
     const contrast = (image) => photon.adjust_contrast(image, 15);
     const saturate = (image) => photon.saturate_hsl(image, 0.3);
     const sharpen = (image) => photon.sharpen(image);
-    return {
-        exposure: run(lighten),
-        contrast: run(contrast),
-        saturation: run(saturate),
-        sharpen: run(sharpen),
-        "all four": run((image) => { lighten(image); contrast(image); saturate(image); sharpen(image); }),
-    };
+    return jobsOf(run, [lighten, contrast, saturate, sharpen]);
 }
 
 async function wasmVips({ width, height }) {
@@ -61,29 +60,21 @@ async function wasmVips({ width, height }) {
     const contrast = (image) => image.linear([1.15, 1.15, 1.15, 1], [-19, -19, -19, 0], { uchar: true });
     const saturate = (image) => image.colourspace("lch").linear([1, 1.3, 1, 1], [0, 0, 0, 0]).colourspace("srgb");
     const sharpen = (image) => image.conv(vips.Image.newFromArray(kernel));
-    return {
-        exposure: run(lighten),
-        contrast: run(contrast),
-        saturation: run(saturate),
-        sharpen: run(sharpen),
-        "all four": run(lighten, contrast, saturate, sharpen),
-    };
+    return jobsOf(run, [lighten, contrast, saturate, sharpen]);
 }
 
 function sharpNative({ width, height }) {
     sharp.concurrency(1);
     sharp.cache(false);
-    const run = (change) => (pixels) =>
-        change(sharp(pixels, { raw: { width, height, channels: 4 } })).raw().toBuffer();
+    const run = (...changes) => (pixels) =>
+        changes.reduce((image, change) => change(image), sharp(pixels, { raw: { width, height, channels: 4 } }))
+            .raw().toBuffer();
     const lighten = (image) => image.linear([1.25, 1.25, 1.25, 1], [0, 0, 0, 0]);
     const contrast = (image) => image.linear([1.15, 1.15, 1.15, 1], [-19, -19, -19, 0]);
     const saturate = (image) => image.modulate({ saturation: 1.3 });
     const sharpen = (image) => image.convolve({ width: 3, height: 3, kernel: kernel.flat() });
     return {
-        exposure: run(lighten),
-        contrast: run(contrast),
-        saturation: run(saturate),
-        sharpen: run(sharpen),
+        ...jobsOf(run, [lighten, contrast, saturate, sharpen]),
         // One linear change for both, as it allows but one in a pipeline.
         "all four": run((image) => sharpen(saturate(
             image.linear([1.4375, 1.4375, 1.4375, 1], [-19, -19, -19, 0])))),
