@@ -1,6 +1,5 @@
-// Pixels as vectors, from the lanes of a PixelSpan or the bytes of a PackedSpan, and table colours
-// of a ColourRun. Included once for every instruction set, like the kernels that use it; hence the
-// guard that toggles.
+// Pixels as vectors, from the bytes of a PackedSpan, and table colours of a ColourRun. Included
+// once for every instruction set, like the kernels that use it; hence the guard that toggles.
 
 #if defined(KELADJUST_WALKS_PIXELVECTORS_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef KELADJUST_WALKS_PIXELVECTORS_INL_H
@@ -15,7 +14,6 @@
 #include <cstdint>
 
 #include "ImageFormat/PackedSpan.h"
-#include "ImageFormat/PixelSpan.h"
 #include "arithmetic/Reciprocal.h"
 #include "walks/ByteLookup-inl.h"
 #include "walks/ColourKernel.h"
@@ -148,15 +146,6 @@ HWY_INLINE Vector largestOf(const Channels<Vector>& c) {
 template <class Vector>
 HWY_INLINE Vector smallestOf(const Channels<Vector>& c) {
     return hn::Min(c.red, hn::Min(c.green, c.blue));
-}
-
-HWY_INLINE Channels<Ints> loadIntChannels(const PixelSpan& span, std::size_t i) {
-    return {loadInts(span.red + i), loadInts(span.green + i), loadInts(span.blue + i)};
-}
-HWY_INLINE void storeClamped(const Channels<Ints>& c, PixelSpan& span, std::size_t i) {
-    storeClamped(c.red, span.red + i);
-    storeClamped(c.green, span.green + i);
-    storeClamped(c.blue, span.blue + i);
 }
 
 #if HWY_TARGET == HWY_SCALAR
