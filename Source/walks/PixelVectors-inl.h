@@ -17,6 +17,7 @@
 #include "arithmetic/Reciprocal.h"
 #include "walks/ByteLookup-inl.h"
 #include "walks/ColourKernel.h"
+#include "walks/FloatVectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
@@ -70,33 +71,10 @@ HWY_INLINE Floats quotientBy(Floats values) {
 #endif
 }
 
-/// Truncated toward zero; for numbers that 32 bits hold. hn::ConvertTo() also mends what overflows,
-/// which takes as long again as everything else about a channel's store.
-HWY_INLINE Ints truncateInRange(Floats values) {
-#if HWY_TARGET == HWY_AVX2
-    return Ints{_mm256_cvttps_epi32(values.raw)};
-#elif HWY_TARGET == HWY_SSE2 || HWY_TARGET == HWY_SSSE3 || HWY_TARGET == HWY_SSE4
-    return Ints{_mm_cvttps_epi32(values.raw)};
-#else
-    return hn::ConvertTo(IntTag(), values);
-#endif
-}
-
 /// Truncated toward zero, saturating at the ends of 32 bits; NaN gives 0.
 HWY_INLINE Ints truncateToInts(Floats values) {
     const Floats numbers = hn::IfThenElseZero(hn::Eq(values, values), values);
     return hn::ConvertTo(IntTag(), numbers);
-}
-
-/// Clamped to 0..limit; NaN gives 0.
-HWY_INLINE Floats clampTo(float limit, Floats values) {
-    const Floats positive = hn::IfThenElseZero(hn::Gt(values, constant(0.0f)), values);
-    return hn::Min(positive, constant(limit));
-}
-
-/// Clamped to 0..255 and truncated; NaN gives 0.
-HWY_INLINE Ints clampToBytes(Floats values) {
-    return truncateInRange(clampTo(255.0f, values));
 }
 
 /// Pixels that go through the first half of a kernel before they go through the second. A long
