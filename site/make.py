@@ -65,7 +65,9 @@ def guides_of_docs():
 def address_of(path, page):
     """The address of a file of the tree as a page of the site has it, or None."""
     name = os.path.basename(path).removesuffix(".md")
-    if path.startswith("docs/") and path.endswith(".md"):
+    if path.startswith("docs/images/"):
+        target = path.removeprefix("docs/")
+    elif path.startswith("docs/") and path.endswith(".md"):
         target = "start.html" if name == "start" else f"guides/{name}.html"
     elif path == "include/keladjust/keladjust.h":
         target = "reference/index.html"
@@ -78,6 +80,9 @@ def address_of(path, page):
 
 def make_guides(site):
     guides, nav = guides_of_docs()
+    for name in os.listdir(TREE + "/docs/images"):
+        if not name.endswith(".md"):
+            site.file(f"{TREE}/docs/images/{name}", f"images/{name}")
     for name, guide in guides.items():
         path = "start.html" if name == "start" else f"guides/{name}.html"
         text, headings = guide.render(TREE, lambda file, page=path: address_of(file, page))
