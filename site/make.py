@@ -3,6 +3,7 @@
 PROGRAM is the command-line host, LIBRARY the shared library, CREDITS says whose the photographs are,
 FOLDER is what becomes the site. The live page, a folder, becomes its /app/."""
 
+import functools
 import math
 import os
 import shutil
@@ -80,12 +81,15 @@ def address_of(path, page):
 
 def make_guides(site):
     guides, nav = guides_of_docs()
-    for name in os.listdir(TREE + "/docs/images"):
-        if not name.endswith(".md"):
-            site.file(f"{TREE}/docs/images/{name}", f"images/{name}")
+
+    def address_from(page, file):
+        if file.startswith("docs/images/"):
+            site.file(f"{TREE}/{file}", file.removeprefix("docs/"))
+        return address_of(file, page)
+
     for name, guide in guides.items():
         path = "start.html" if name == "start" else f"guides/{name}.html"
-        text, headings = guide.render(TREE, lambda file, page=path: address_of(file, page))
+        text, headings = guide.render(TREE, functools.partial(address_from, path))
         site.page(path, "start.html" if name == "start" else "guide.html", title=guide.title,
                   text=text, headings=headings, nav=nav, here=guide)
     site.page("guides/index.html", "guides.html", title="Guides", nav=nav)
