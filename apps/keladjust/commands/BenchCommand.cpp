@@ -25,9 +25,11 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* benchDescription =
-    "Prints how long each stage takes on a picture, on the CPU of this machine. Settings, where "
-    "some\n"
-    "are given, get a line of their own: all of them at once, as a host runs them.";
+    "Prints how long each stage takes on a picture, on the CPU of this machine, beside a pass "
+    "that\n"
+    "does no more than read and write it. Settings, where some are given, get a line of their "
+    "own:\n"
+    "all of them at once, as a host runs them.";
 
 const std::vector<std::string> benchExamples = {
     "keladjust bench photo.jpg",
@@ -104,16 +106,15 @@ void expectToBeWritable(const fs::path& chart) {
     AtomicFile(chart).write({});
 }
 
+int threadsOf(const BenchOptions& options) {
+    if (options.threads > 0) return options.threads;
+    return static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
+}
+
 std::string headline(const BenchOptions& options, const Photo& photo, double megapixels) {
-    const std::string threads =
-        options.threads == 1
-            ? "1 thread"
-            : "up to " +
-                  std::to_string(
-                      options.threads > 0
-                          ? options.threads
-                          : static_cast<int>(std::max(1u, std::thread::hardware_concurrency()))) +
-                  " threads";
+    const std::string threads = options.threads == 1
+                                    ? "1 thread"
+                                    : "up to " + std::to_string(threadsOf(options)) + " threads";
     return textOf(options.picture.filename()) + ": " + std::to_string(photo.width()) + " x " +
            std::to_string(photo.height()) + ", " + numberText(megapixels, 1) + " megapixels, " +
            threads + ", median of " + std::to_string(options.runs);
@@ -143,11 +144,12 @@ int runBenchCommand(const std::vector<std::string>& arguments) {
     printLine("stage", "ms", "megapixels/s");
     std::vector<Bar> bars;
     if (options->threads > 0) setMaxThreads(options->threads);
-    timeStages(photo, options->settings, options->runs, [&](const StageTime& time) {
+    const auto tell = [&](const StageTime& time) {
         const std::string milliseconds = numberText(time.seconds * 1e3, 2);
         printLine(time.stage, milliseconds, numberText(megapixels / time.seconds, 1));
         bars.push_back({time.stage, time.seconds, milliseconds + " ms"});
-    });
+    };
+    timeStages(photo, options->settings, options->runs, threadsOf(*options), tell);
     if (options->chart) writeFile(*options->chart, barChart(title, bars));
     return exitAllFine;
 }

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include "pictures/PhotoImage.h"
@@ -16,7 +17,7 @@ namespace keladjust::app {
 
 namespace {
 
-using Work = std::function<void(CxImage*)>;
+using Work = std::function<void(Photo&)>;
 
 /// What has no place in the record.
 struct Filter {
@@ -30,11 +31,27 @@ constexpr Filter filters[] = {
     {"white-balance", [](CxImage* i) { whiteBalanceAdjustment(i, 50); }},
 };
 
-void adjust(CxImage* image, const _AdjustParam& record) {
+/// Reads and writes every byte once.
+void passOverMemory(Photo& photo, std::size_t threads) {
+    const std::size_t size = photo.stride() * photo.height();
+    unsigned char* const bytes = photo.row(0);
+    const auto invert = [=](std::size_t share) {
+        unsigned char* const end = bytes + size * (share + 1) / threads;
+        for (unsigned char* byte = bytes + size * share / threads; byte != end; ++byte) {
+            *byte = static_cast<unsigned char>(~*byte);
+        }
+    };
+    std::vector<std::jthread> others;
+    for (std::size_t share = 1; share < threads; ++share) others.emplace_back(invert, share);
+    invert(0);
+}
+
+void adjust(Photo& photo, const _AdjustParam& record) {
+    const PhotoImage image(photo);
     KeladjustRun run{};
     run.size = sizeof run;
     run.path = KELADJUST_CPU;
-    keladjustRun(image, &record, sizeof record, &run);
+    keladjustRun(image.get(), &record, sizeof record, &run);
 }
 
 /// A quarter of the way from where nothing changes to the end of the useful range.
@@ -67,7 +84,7 @@ bool hasEffect(const KeladjustSetting& setting) {
     Photo after = before;
     _AdjustParam record = usualRecord();
     move(record, setting);
-    adjust(PhotoImage(after).get(), record);
+    adjust(after, record);
     return !samePixels(before, after);
 }
 
@@ -101,9 +118,8 @@ double medianSeconds(const Photo& photo, int runs, const Work& work) {
     std::vector<double> times;
     for (int run = -1; run < runs; ++run) {
         Photo copy = photo;
-        const PhotoImage image(copy);
         const Stopwatch watch;
-        work(image.get());
+        work(copy);
         if (run >= 0) times.push_back(watch.seconds());
     }
     const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
@@ -114,22 +130,26 @@ double medianSeconds(const Photo& photo, int runs, const Work& work) {
 
 }  // namespace
 
-void timeStages(const Photo& photo, const std::optional<_AdjustParam>& given, int runs,
+void timeStages(const Photo& photo, const std::optional<_AdjustParam>& given, int runs, int threads,
                 const std::function<void(const StageTime&)>& tell) {
     const auto time = [&](const char* name, const Work& work) {
         tell({name, medianSeconds(photo, runs, work)});
     };
     const auto timeRecord = [&](const char* name, const _AdjustParam& record) {
-        time(name, [&](CxImage* image) { adjust(image, record); });
+        time(name, [&](Photo& picture) { adjust(picture, record); });
     };
 
+    time("memory pass",
+         [threads](Photo& picture) { passOverMemory(picture, static_cast<std::size_t>(threads)); });
     const std::vector<KeladjustSetting> settings = settingsWithEffect();
     for (const KeladjustSetting& setting : settings) {
         _AdjustParam record = usualRecord();
         move(record, setting);
         timeRecord(setting.name, record);
     }
-    for (const Filter& filter : filters) time(filter.name, filter.run);
+    for (const Filter& filter : filters) {
+        time(filter.name, [&](Photo& picture) { filter.run(PhotoImage(picture).get()); });
+    }
     timeRecord("colour ranges at once", togetherWith("red-hue", settings));
     timeRecord("global settings at once", togetherWith("exposure", settings));
     if (given) timeRecord("the settings given", *given);
