@@ -47,6 +47,13 @@ if(UNIX AND NOT APPLE)
     target_link_libraries(keladjust_engine_objects PUBLIC X11::X11)
 endif()
 keladjust_hidden(keladjust_engine_objects)
+# OGRE's exceptions say in its log which file they are from: by its name in this tree, not by the folder
+# that somebody has built in. Compiler caches name files from the build's folder.
+if(NOT MSVC)
+    file(RELATIVE_PATH from_build ${CMAKE_BINARY_DIR} ${PROJECT_SOURCE_DIR})
+    target_compile_options(keladjust_engine_objects PRIVATE
+        -ffile-prefix-map=${PROJECT_SOURCE_DIR}/= -ffile-prefix-map=${from_build}/=)
+endif()
 # The engine's headers take longer to compile than the code: a unity build joins all of it.
 set_target_properties(keladjust_engine_objects PROPERTIES UNITY_BUILD_BATCH_SIZE 0)
 

@@ -10,11 +10,12 @@ set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 
 # Nothing that is built needs a run-time library of MinGW beside it. Those among the libraries come
-# before MinGW's own.
-set(static_libraries "-static -L${CMAKE_CURRENT_LIST_DIR}/../build/windows-dependencies/lib")
-set(CMAKE_EXE_LINKER_FLAGS_INIT ${static_libraries})
-set(CMAKE_SHARED_LINKER_FLAGS_INIT ${static_libraries})
-set(CMAKE_MODULE_LINKER_FLAGS_INIT ${static_libraries})
+# before MinGW's own. What is built does not say when.
+set(linker_flags
+    "-static -Wl,--no-insert-timestamp -L${CMAKE_CURRENT_LIST_DIR}/../build/windows-dependencies/lib")
+set(CMAKE_EXE_LINKER_FLAGS_INIT ${linker_flags})
+set(CMAKE_SHARED_LINKER_FLAGS_INIT ${linker_flags})
+set(CMAKE_MODULE_LINKER_FLAGS_INIT ${linker_flags})
 
 if(NOT CMAKE_FIND_ROOT_PATH)
     set(CMAKE_FIND_ROOT_PATH

@@ -3,6 +3,7 @@
 PROGRAM is the command-line host, LIBRARY the shared library, CREDITS says whose the photographs are,
 FOLDER is what becomes the site. The live page, a folder, becomes its /app/."""
 
+import functools
 import math
 import os
 import shutil
@@ -65,7 +66,9 @@ def guides_of_docs():
 def address_of(path, page):
     """The address of a file of the tree as a page of the site has it, or None."""
     name = os.path.basename(path).removesuffix(".md")
-    if path.startswith("docs/") and path.endswith(".md"):
+    if path.startswith("docs/images/"):
+        target = path.removeprefix("docs/")
+    elif path.startswith("docs/") and path.endswith(".md"):
         target = "start.html" if name == "start" else f"guides/{name}.html"
     elif path == "include/keladjust/keladjust.h":
         target = "reference/index.html"
@@ -78,9 +81,15 @@ def address_of(path, page):
 
 def make_guides(site):
     guides, nav = guides_of_docs()
+
+    def address_from(page, file):
+        if file.startswith("docs/images/"):
+            site.file(f"{TREE}/{file}", file.removeprefix("docs/"))
+        return address_of(file, page)
+
     for name, guide in guides.items():
         path = "start.html" if name == "start" else f"guides/{name}.html"
-        text, headings = guide.render(TREE, lambda file, page=path: address_of(file, page))
+        text, headings = guide.render(TREE, functools.partial(address_from, path))
         site.page(path, "start.html" if name == "start" else "guide.html", title=guide.title,
                   text=text, headings=headings, nav=nav, here=guide)
     site.page("guides/index.html", "guides.html", title="Guides", nav=nav)

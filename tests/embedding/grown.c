@@ -16,18 +16,20 @@ static void paint(void) {
     for (i = 0; i < sizeof pixels; ++i) pixels[i] = (unsigned char)(i * 73 + i / 256 * 29);
 }
 
+static CxImage* picture(void) {
+    unsigned char* bits = pixels;
+    paint();
+    return createCxImage(&bits, 64, 48, 32, IMAGE_FORMAT_BGRA);
+}
+
+#ifndef PLANTED
+
 static void print(const char* what, const void* bytes, size_t count) {
     const unsigned char* byte = (const unsigned char*)bytes;
     unsigned long sum = 5381;
     size_t i;
     for (i = 0; i < count; ++i) sum = (sum * 33 + byte[i]) & 0xFFFFFFFFul;
     printf("%s %lu\n", what, sum);
-}
-
-static CxImage* picture(void) {
-    unsigned char* bits = pixels;
-    paint();
-    return createCxImage(&bits, 64, 48, 32, IMAGE_FORMAT_BGRA);
 }
 
 static void someSettings(_AdjustParam* record) {
@@ -43,8 +45,6 @@ static void someSettings(_AdjustParam* record) {
     record->clarity = 25;
     record->luminanceNoiseReduction = 10;
 }
-
-#ifndef PLANTED
 
 /* Leaves the stack, where records by value are passed, full of what is no setting. */
 static void litter(volatile unsigned char value) {
