@@ -86,7 +86,7 @@ def parser():
     add("--report", metavar="FILE", help=f"usually OUT/{FOLDER}/report.csv")
     add("--program", default="keladjust", metavar="PATH", help="of the program, on every worker")
     add("--in-flight", type=_at_least(1), metavar="N",
-        help="pictures that are handed out at a time; usually three a core")
+        help="pictures that are handed out at a time; usually 24 a core")
     add("-q", "--quiet", action="store_true", help="print errors only")
     for group, settings in itertools.groupby(sorted(SETTINGS, key=_place), lambda s: s.group):
         heading = line.add_argument_group(group)
