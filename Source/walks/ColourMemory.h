@@ -2,10 +2,12 @@
 #define KELADJUST_WALKS_COLOURMEMORY_H
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
+#include <memory>
 #include <span>
-#include <vector>
 
 #include "ImageFormat/PackedSpan.h"
 #include "walks/PixelKernel.h"
@@ -15,42 +17,60 @@ namespace keladjust {
 /// Runs kernels on a span whose layout is `layout`, one after another.
 void runInTurn(PixelLayout layout, std::span<const PixelKernel* const> kernels, PackedSpan& span);
 
-/// Remembers what a long row of kernels has made of a colour. Neighbours in a picture share their
-/// colours, so most pixels need no more than a look into a table that fits the second-level cache;
-/// the others go through the kernels together. One for each thread.
+/// What a long row of kernels has made of colours, kept for a call and shared by its threads. Even
+/// in photographs at their native grain seven of eight pixels have a colour that has been there
+/// before.
+///
+/// A colour has one place where it may be known. Places of 16 neighbouring colours, which mostly
+/// come together, make a cache line; which line is hashed. A word tells the changed colour in its
+/// low 24 bits and which of the colours of its place it was in the others, so that no thread ever
+/// sees half of what another one writes.
 class ColourMemory {
 public:
-    /// The kernels must not look at a pixel's place.
-    ColourMemory(PixelLayout layout, std::span<const PixelKernel* const> kernels);
+    using Word = std::atomic<std::uint32_t>;
+
+    /// @throws std::bad_alloc
+    explicit ColourMemory(std::size_t pixels);
 
     /// True if the kernels together take longer than the memory.
     static bool pays(std::span<const PixelKernel* const> kernels);
+
+    /// Binary logarithm of the number of places.
+    unsigned placeBits() const { return placeBits_; }
+    Word* words() { return words_.get(); }
+
+private:
+    struct Free {
+        void operator()(Word* words) const { std::free(words); }
+    };
+
+    unsigned placeBits_;
+    std::unique_ptr<Word[], Free> words_;
+};
+
+/// The kernels by way of a memory: pixels whose colours are known need no more than a look there,
+/// the others go through the kernels together. One for each thread.
+class RememberingKernels {
+public:
+    /// The kernels must not look at a pixel's place.
+    RememberingKernels(PixelLayout layout, std::span<const PixelKernel* const> kernels,
+                       ColourMemory& memory);
 
     /// What runInTurn() does.
     void run(PackedSpan& span);
 
 private:
-    struct Entry {
-        std::uint32_t colour = 0xFFFFFFFF;  ///< none: colours have 24 bits
-        std::uint32_t changed = 0;
-    };
-    static constexpr unsigned slotBits = 15;
-
-    static std::size_t slotOf(std::uint32_t colour) {
-        return colour * 0x9E3779B1u >> (32 - slotBits);
-    }
-    void recall(const PackedSpan& span);
-    void learn();
+    void learn(PackedSpan& span);
 
     PixelLayout layout_;
     std::span<const PixelKernel* const> kernels_;
-    std::vector<Entry> entries_;
+    ColourMemory& memory_;
     unsigned spansToPass_ = 0;  ///< for which not to ask
-    std::array<std::uint32_t, PackedSpan::capacity> colours_;
-    std::array<std::uint32_t, PackedSpan::capacity> changed_;
-    std::array<std::uint16_t, PackedSpan::capacity> unknown_;  ///< places of colours to learn
-    PackedPixels learningPixels_;
-    PackedSpan learning_;
+    std::size_t unknown_ = 0;   ///< pixels of the span whose colours are to be learned
+    // Vectors are stored whole.
+    std::array<std::uint32_t, PackedSpan::capacity + PackedSpan::block> colours_;
+    std::array<std::uint32_t, PackedSpan::capacity + PackedSpan::block> places_;
+    PackedPixels learning_;
 };
 
 }  // namespace keladjust

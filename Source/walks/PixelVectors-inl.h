@@ -1,6 +1,5 @@
-// Pixels as vectors, from the lanes of a PixelSpan or the bytes of a PackedSpan, and table colours
-// of a ColourRun. Included once for every instruction set, like the kernels that use it; hence the
-// guard that toggles.
+// Pixels as vectors, from the bytes of a PackedSpan, and table colours of a ColourRun. Included
+// once for every instruction set, like the kernels that use it; hence the guard that toggles.
 
 #if defined(KELADJUST_WALKS_PIXELVECTORS_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef KELADJUST_WALKS_PIXELVECTORS_INL_H
@@ -15,10 +14,10 @@
 #include <cstdint>
 
 #include "ImageFormat/PackedSpan.h"
-#include "ImageFormat/PixelSpan.h"
 #include "arithmetic/Reciprocal.h"
 #include "walks/ByteLookup-inl.h"
 #include "walks/ColourKernel.h"
+#include "walks/FloatVectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
@@ -72,33 +71,10 @@ HWY_INLINE Floats quotientBy(Floats values) {
 #endif
 }
 
-/// Truncated toward zero; for numbers that 32 bits hold. hn::ConvertTo() also mends what overflows,
-/// which takes as long again as everything else about a channel's store.
-HWY_INLINE Ints truncateInRange(Floats values) {
-#if HWY_TARGET == HWY_AVX2
-    return Ints{_mm256_cvttps_epi32(values.raw)};
-#elif HWY_TARGET == HWY_SSE2 || HWY_TARGET == HWY_SSSE3 || HWY_TARGET == HWY_SSE4
-    return Ints{_mm_cvttps_epi32(values.raw)};
-#else
-    return hn::ConvertTo(IntTag(), values);
-#endif
-}
-
 /// Truncated toward zero, saturating at the ends of 32 bits; NaN gives 0.
 HWY_INLINE Ints truncateToInts(Floats values) {
     const Floats numbers = hn::IfThenElseZero(hn::Eq(values, values), values);
     return hn::ConvertTo(IntTag(), numbers);
-}
-
-/// Clamped to 0..limit; NaN gives 0.
-HWY_INLINE Floats clampTo(float limit, Floats values) {
-    const Floats positive = hn::IfThenElseZero(hn::Gt(values, constant(0.0f)), values);
-    return hn::Min(positive, constant(limit));
-}
-
-/// Clamped to 0..255 and truncated; NaN gives 0.
-HWY_INLINE Ints clampToBytes(Floats values) {
-    return truncateInRange(clampTo(255.0f, values));
 }
 
 /// Pixels that go through the first half of a kernel before they go through the second. A long
@@ -148,15 +124,6 @@ HWY_INLINE Vector largestOf(const Channels<Vector>& c) {
 template <class Vector>
 HWY_INLINE Vector smallestOf(const Channels<Vector>& c) {
     return hn::Min(c.red, hn::Min(c.green, c.blue));
-}
-
-HWY_INLINE Channels<Ints> loadIntChannels(const PixelSpan& span, std::size_t i) {
-    return {loadInts(span.red + i), loadInts(span.green + i), loadInts(span.blue + i)};
-}
-HWY_INLINE void storeClamped(const Channels<Ints>& c, PixelSpan& span, std::size_t i) {
-    storeClamped(c.red, span.red + i);
-    storeClamped(c.green, span.green + i);
-    storeClamped(c.blue, span.blue + i);
 }
 
 #if HWY_TARGET == HWY_SCALAR

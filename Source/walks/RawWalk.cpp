@@ -41,4 +41,26 @@ void storeRun(const RawWalk& walk, std::size_t first, const PixelSpan& span) {
     }
 }
 
+void loadRun(const RawWalk& walk, std::size_t first, PackedSpan& span) {
+    const std::uint8_t* const pixels = walk.first + first * walk.step;
+    if (walk.step <= 4) {
+        packPixels(pixels, walk.step, false, span.count, span.pixels);
+        return;
+    }
+    PixelSpan lanes;
+    deinterleave(pixels, walk.step, span.count, lanes.blue, lanes.green, lanes.red);
+    interleave(lanes.blue, lanes.green, lanes.red, 4, span.count, span.pixels);
+}
+
+void storeRun(const RawWalk& walk, std::size_t first, const PackedSpan& span) {
+    std::uint8_t* const pixels = walk.first + first * walk.step;
+    if (walk.step <= 4) {
+        unpackPixels(span.pixels, walk.step, false, span.count, pixels);
+        return;
+    }
+    PixelSpan lanes;
+    deinterleave(span.pixels, 4, span.count, lanes.blue, lanes.green, lanes.red);
+    interleave(lanes.blue, lanes.green, lanes.red, walk.step, span.count, pixels);
+}
+
 }  // namespace keladjust

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "ImageFormat/PackedSpan.h"
 #include "ImageFormat/PixelSpan.h"
 #include "platform/Parallel.h"
 #include "walks/Picture.h"
@@ -35,12 +36,40 @@ void loadRun(const RawWalk& walk, std::size_t first, PixelSpan& span);
 /// Writes the channels back; what a pixel has beside them stays.
 void storeRun(const RawWalk& walk, std::size_t first, const PixelSpan& span);
 
+/// The same of a walk with three channels or more and a span of pixels in four bytes each.
+void loadRun(const RawWalk& walk, std::size_t first, PackedSpan& span);
+void storeRun(const RawWalk& walk, std::size_t first, const PackedSpan& span);
+
 /// Calls `body(begin, end)` for shares of the pixels, each on a thread of its own.
 template <class Body>
 void forEachShare(const RawWalk& walk, Body body) {
     platform::parallelBands(
         walk.count, platform::bandCount(walk.count, pixelsPerThread),
         [&](std::size_t, std::size_t begin, std::size_t end) { body(begin, end); });
+}
+
+/// Calls `body(span)` for run after run of the pixels of a walk with three channels or more, spread
+/// over threads, to change the pixels of `span`, which are the picture's own where they have four
+/// bytes.
+template <class Body>
+void changePackedRuns(const RawWalk& walk, Body body) {
+    forEachShare(walk, [&](std::size_t begin, std::size_t end) {
+        PackedPixels packed;
+        PackedSpan span;
+        for (std::size_t first = begin; first < end; first += span.count) {
+            span.count = std::min(PackedSpan::capacity, end - first);
+            if (walk.step == 4 && span.count >= PackedSpan::block) {
+                span.count -= span.count % PackedSpan::block;
+                span.pixels = walk.first + first * walk.step;
+                body(span);
+                continue;
+            }
+            span.pixels = packed.bytes;
+            loadRun(walk, first, span);
+            body(span);
+            storeRun(walk, first, span);
+        }
+    });
 }
 
 /// Calls `body(first, span)` for run after run of the pixels, spread over threads, to change the

@@ -15,6 +15,7 @@
 #include <cstring>
 
 #include "walks/ByteLookup-inl.h"
+#include "walks/FloatVectors-inl.h"
 
 // A single lane makes no pixel: there the kernels go byte by byte in plain terms.
 #if HWY_TARGET != HWY_SCALAR
@@ -155,31 +156,6 @@ HWY_INLINE Bytes joined(const Places<pixelsOfFour>& places, Bytes pixels) {
 
 HWY_INLINE Floats toFloats(SignedQuads values) {
     return hn::ConvertTo(FloatTag(), values);
-}
-
-/// Truncated; for numbers that 32 bits hold. hn::ConvertTo() also mends what overflows.
-HWY_INLINE SignedQuads truncated(Floats values) {
-#if HWY_ARCH_X86 && HWY_TARGET != HWY_EMU128
-#if HWY_TARGET <= HWY_AVX2
-    return SignedQuads{_mm256_cvttps_epi32(values.raw)};
-#else
-    return SignedQuads{_mm_cvttps_epi32(values.raw)};
-#endif
-#else
-    return hn::ConvertTo(SignedQuadTag(), values);
-#endif
-}
-
-/// Clamped to 0..255 and truncated; NaN gives 0.
-HWY_INLINE SignedQuads clampToBytes(Floats values) {
-    const Floats zero = hn::Zero(FloatTag());
-#if HWY_ARCH_X86 && HWY_TARGET != HWY_EMU128
-    // The processor's maximum is its second operand if the first is NaN.
-    const Floats positive = hn::Max(values, zero);
-#else
-    const Floats positive = hn::IfThenElseZero(hn::Gt(values, zero), values);
-#endif
-    return truncated(hn::Min(positive, hn::Set(FloatTag(), 255.0f)));
 }
 
 }  // namespace HWY_NAMESPACE

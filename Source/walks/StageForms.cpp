@@ -16,23 +16,37 @@ namespace keladjust {
 
 namespace {
 
-// Runs kernels on the rows of a band, one span after another.
-class SpanRunner {
+// The kernels of a call: those before the first that looks at a pixel's place may go by way of a
+// memory.
+class CallKernels {
 public:
-    SpanRunner(const Picture& picture, std::span<const PixelKernel* const> kernels,
-               std::size_t rows)
-        : picture_(picture), layout_(picture.layout), placed_(kernels) {
+    CallKernels(const Picture& picture, std::span<const PixelKernel* const> kernels)
+        : placed(kernels) {
         const auto looksAtPlace = [](const PixelKernel* kernel) { return kernel->looksAtPlace(); };
         const auto before = static_cast<std::size_t>(
             std::find_if(kernels.begin(), kernels.end(), looksAtPlace) - kernels.begin());
-        const std::span<const PixelKernel* const> anywhere = kernels.first(before);
-        if (rows * picture.width < pixelsPerThread || !ColourMemory::pays(anywhere)) return;
+        const std::size_t pixels = picture.width * picture.height;
+        if (pixels < pixelsPerThread || !ColourMemory::pays(kernels.first(before))) return;
         try {
-            memory_.emplace(layout_, anywhere);
-            placed_ = kernels.subspan(before);
+            memory.emplace(pixels);
+            remembered = kernels.first(before);
+            placed = kernels.subspan(before);
         } catch (const std::bad_alloc&) {
             // Every pixel goes through every kernel then.
         }
+    }
+
+    std::optional<ColourMemory> memory;
+    std::span<const PixelKernel* const> remembered;
+    std::span<const PixelKernel* const> placed;
+};
+
+// Runs kernels on the rows of a band, one span after another.
+class SpanRunner {
+public:
+    SpanRunner(const Picture& picture, CallKernels& kernels)
+        : picture_(picture), layout_(picture.layout), placed_(kernels.placed) {
+        if (kernels.memory) remembering_.emplace(layout_, kernels.remembered, *kernels.memory);
     }
 
     void run(std::size_t y) {
@@ -58,15 +72,15 @@ public:
 
 private:
     void change(PackedSpan& span) {
-        if (memory_) {
-            memory_->run(span);
+        if (remembering_) {
+            remembering_->run(span);
             if (!placed_.empty()) roundTrip(layout_, span);
         }
         runInTurn(layout_, placed_, span);
     }
 
     PackedPixels packed_;
-    std::optional<ColourMemory> memory_;  ///< of the kernels before the first of placed_
+    std::optional<RememberingKernels> remembering_;
     const Picture& picture_;
     PixelLayout layout_;
     std::span<const PixelKernel* const> placed_;
@@ -130,9 +144,10 @@ void runKernels(const Picture& picture, std::span<const PixelKernel* const> kern
         mapRows(picture, *table);
         return;
     }
+    CallKernels callKernels(picture, kernels);
     platform::parallelBands(picture.height, rowBands(picture),
                             [&](std::size_t, std::size_t begin, std::size_t end) {
-                                SpanRunner runner(picture, kernels, end - begin);
+                                SpanRunner runner(picture, callKernels);
                                 for (std::size_t y = begin; y < end; ++y) {
                                     if (platform::checkpoint(y - begin, end - begin)) return;
                                     runner.run(y);

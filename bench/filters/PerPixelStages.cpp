@@ -61,7 +61,8 @@ Stage catalogued(const char* name, float value, Bytes (*formula)(Bytes)) {
 
 // The formulas compute their constants anew for every pixel, as the plainest host code would.
 const Stage stages[] = {
-    catalogued("temperature", 9000, [](Bytes c) { return temperatureModel(9000, c); }),
+    {"temperature", keladjust::bench::Catalogued("temperature", 9000),
+     [](Bytes c) { return temperatureModel(9000, c); }, true},
     catalogued("tint", 40, [](Bytes c) { return tintModel(40, c); }),
     catalogued("exposure", 10, [](Bytes c) { return exposureModel(10, c); }),
     catalogued("brightness", 10,
@@ -87,13 +88,13 @@ const Stage stages[] = {
      }},
     {"colour range, one slider",
      [](CxImage* i) { return adjustSaturationFilter(i, orange.min, orange.max, 30); },
-     [](Bytes c) { return byteModel(orange, c); }},
+     [](Bytes c) { return byteModel(orange, c); }, true},
     {"colour range, three sliders",
      [](CxImage* i) {
          return doHSLAdjustFilter(i, orangeThree.min, orangeThree.max, orangeThree.hue,
                                   orangeThree.saturation, orangeThree.brightness);
      },
-     [](Bytes c) { return byteModel(orangeThree, c); }},
+     [](Bytes c) { return byteModel(orangeThree, c); }, true},
     {"eight colour ranges", changeEightBands, changeEightBandsModel, true},
 };
 

@@ -18,6 +18,8 @@ namespace {
 using keladjust::bench::addRows;
 using keladjust::bench::Catalogued;
 using keladjust::bench::elevenSettings;
+using keladjust::bench::everyPixelSetting;
+using keladjust::bench::lookSettings;
 using keladjust::bench::photographLike;
 using keladjust::bench::plainly;
 using keladjust::bench::previewSettings;
@@ -34,9 +36,12 @@ void elevenStageByStage(CxImage& image) {
     }
 }
 
-const bool added = addRows("library", {{"eleven settings", plainly(adjust<elevenSettings>), true},
-                                       {"preview", plainly(adjust<previewSettings>), true}}) &&
-                   addRows("stage by stage", {{"eleven settings", plainly(elevenStageByStage)}});
+const bool added =
+    addRows("library", {{"eleven settings", plainly(adjust<elevenSettings>), true},
+                        {"preview", plainly(adjust<previewSettings>), true},
+                        {"every per-pixel slider", plainly(adjust<everyPixelSetting>), true},
+                        {"look", plainly(adjust<lookSettings>), true}}) &&
+    addRows("stage by stage", {{"eleven settings", plainly(elevenStageByStage)}});
 
 void identity(benchmark::State& state) {
     _AdjustParam p{};

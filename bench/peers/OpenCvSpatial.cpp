@@ -9,14 +9,19 @@
 #include <vector>
 
 #include "peers/OpenCv.h"
+#include "peers/OpenCvDetail.h"
 #include "support/Rows.h"
 
 namespace {
 
 using keladjust::bench::addRows;
+using keladjust::bench::Clarity;
+using keladjust::bench::Dehaze;
+using keladjust::bench::edges;
 using keladjust::bench::onMat;
+using keladjust::bench::Sharpen;
+using keladjust::bench::TwoMeans;
 
-constexpr int edges = cv::BORDER_REPLICATE;
 constexpr float lens = 20;
 
 /// The kernel of a Stack Blur of radius 1.
@@ -30,69 +35,10 @@ struct LargeGaussian {
     cv::Mat out{};
 };
 
-/// The kernel of a Stack Blur of radius 50.
-struct TwoMeans {
-    void operator()(const cv::Mat& in) {
-        cv::blur(in, once, {51, 51}, {-1, -1}, edges);
-        cv::blur(once, out, {51, 51}, {-1, -1}, edges);
-    }
-    cv::Mat once{};
-    cv::Mat out{};
-};
-
-struct Clarity {
-    void operator()(const cv::Mat& in) {
-        blurred(in);
-        cv::addWeighted(in, 1.5, blurred.out, -0.5, 0, out);
-    }
-    TwoMeans blurred{};
-    cv::Mat out{};
-};
-
-struct Sharpen {
-    void operator()(const cv::Mat& in) {
-        constexpr float k = 80.0f / 255.0f;
-        const cv::Matx33f kernel(0, -k, 0, -k, 1 + 4 * k, -k, 0, -k, 0);
-        cv::filter2D(in, out, -1, kernel, {-1, -1}, 0, edges);
-    }
-    cv::Mat out{};
-};
-
 struct Mean15 {
     void operator()(const cv::Mat& in) {
         cv::blur(cv::Mat(in.rows, in.cols, CV_8UC1, in.data), out, {15, 15}, {-1, -1}, edges);
     }
-    cv::Mat out{};
-};
-
-struct Dehaze {
-    void operator()(const cv::Mat& in) {
-        cv::split(in, planes);
-        cv::min(planes[0], planes[1], minimum);
-        cv::min(minimum, planes[2], minimum);
-        cv::blur(minimum, mean, {15, 15}, {-1, -1}, edges);
-
-        double brightest = 0;
-        for (int c = 0; c < 3; ++c) brightest = std::max(brightest, largest(planes[c]));
-        const double light = (largest(mean) + brightest) / 2;
-        const double k = std::min(cv::mean(minimum)[0] * 0.8 / 255, 0.9);
-
-        mean.convertTo(veil, CV_8U, k);
-        cv::min(minimum, veil, veil);
-        cv::subtract(light, veil, kept);
-        for (int c = 0; c < 3; ++c) {
-            cv::subtract(planes[c], veil, planes[c]);
-            cv::divide(planes[c], kept, planes[c], light);
-        }
-        cv::merge(planes, 4, out);
-    }
-    static double largest(const cv::Mat& plane) {
-        double value = 0;
-        cv::minMaxLoc(plane, nullptr, &value);
-        return value;
-    }
-    cv::Mat planes[4]{};
-    cv::Mat minimum{}, mean{}, veil{}, kept{};
     cv::Mat out{};
 };
 

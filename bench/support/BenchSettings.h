@@ -33,6 +33,14 @@ inline _AdjustParam everyTableSetting() {
     return p;
 }
 
+/// A vignette, beside other settings.
+inline void addVignette(_AdjustParam& p) {
+    p.vignetteAmount = -40;
+    p.vignetteSize = 50;
+    p.vignetteFeather = 50;
+    p.vignetteHighlights = 50;
+}
+
 /// The eleven sliders, three colour ranges and the vignette: what a preview shows while somebody
 /// works on a picture.
 inline _AdjustParam previewSettings() {
@@ -40,10 +48,26 @@ inline _AdjustParam previewSettings() {
     p.range[KELADJUST_RANGE_RED] = {330, 30, 10, 20, -15};
     p.range[KELADJUST_RANGE_ORANGE] = {0, 60, -5, 15, 10};
     p.range[KELADJUST_RANGE_BLUE] = {210, 270, 5, 30, -20};
-    p.vignetteAmount = -40;
-    p.vignetteSize = 50;
-    p.vignetteFeather = 50;
-    p.vignetteHighlights = 50;
+    addVignette(p);
+    return p;
+}
+
+/// Every slider of a stage that looks at one pixel at a time, three for each colour range.
+inline _AdjustParam everyPixelSetting() {
+    _AdjustParam p = everyTableSetting();
+    addVignette(p);
+    return p;
+}
+
+/// A look that somebody may have saved: the eleven sliders, one colour range, clarity, sharpness,
+/// haze and the vignette.
+inline _AdjustParam lookSettings() {
+    _AdjustParam p = elevenSettings();
+    p.range[KELADJUST_RANGE_ORANGE] = {0, 60, -5, 15, 10};
+    addVignette(p);
+    p.clarity = 40;
+    p.sharpen = 60;
+    p.dehaze = 30;
     return p;
 }
 

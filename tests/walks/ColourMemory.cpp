@@ -23,6 +23,7 @@ using keladjust::PackedPixels;
 using keladjust::PackedSpan;
 using keladjust::PixelKernel;
 using keladjust::PixelLayout;
+using keladjust::RememberingKernels;
 using keladjust::SaturationKernel;
 using keladjust::TemperatureKernel;
 using keladjust::test::everyFormat;
@@ -54,7 +55,8 @@ void expectSame(const Pixels& a, const Pixels& b, std::size_t count) {
 
 TEST(ColourMemory, AnswersAsTheKernelsDo) {
     for (const PixelLayout layout : {PixelLayout::bgra32, PixelLayout::rgb16, PixelLayout::gray8}) {
-        ColourMemory memory(layout, kernels);
+        ColourMemory memory(1 << 16);
+        RememberingKernels remembering(layout, kernels, memory);
         std::mt19937 random(3);
         for (int i = 0; i < 60; ++i) {
             // Flat parts and noise in turn, spans of every length.
@@ -65,14 +67,15 @@ TEST(ColourMemory, AnswersAsTheKernelsDo) {
             Pixels expected = pixels;
             PackedSpan expectedSpan = expected.span(span.count);
             keladjust::runInTurn(layout, kernels, expectedSpan);
-            memory.run(span);
+            remembering.run(span);
             ASSERT_NO_FATAL_FAILURE(expectSame(pixels, expected, span.count)) << i;
         }
     }
 }
 
 TEST(ColourMemory, KnowsBlackAndWhiteFromNothing) {
-    ColourMemory memory(PixelLayout::bgra32, kernels);
+    ColourMemory memory(1 << 16);
+    RememberingKernels remembering(PixelLayout::bgra32, kernels, memory);
     for (const std::uint8_t level : {std::uint8_t{0}, std::uint8_t{255}}) {
         Pixels pixels;
         std::memset(pixels.memory.bytes, level, sizeof pixels.memory.bytes);
@@ -80,8 +83,35 @@ TEST(ColourMemory, KnowsBlackAndWhiteFromNothing) {
         PackedSpan span = pixels.span(3);
         PackedSpan expectedSpan = expected.span(3);
         keladjust::runInTurn(PixelLayout::bgra32, kernels, expectedSpan);
-        memory.run(span);
+        remembering.run(span);
         expectSame(pixels, expected, 3);
+    }
+}
+
+// In the smallest memory 128 colours share each place, in the largest one eight.
+TEST(ColourMemory, TakesNoColourForAnother) {
+    const SaturationKernel saturate(30);
+    const PixelKernel* const one[] = {&saturate};
+    for (const std::size_t pixels : {std::size_t{1}, std::size_t{1} << 26}) {
+        ColourMemory memory(pixels);
+        RememberingKernels remembering(PixelLayout::bgra32, one, memory);
+        // Each colour twice, so that no span is passed over; the second round finds what the first
+        // one left.
+        for (int round = 0; round < 2; ++round) {
+            for (std::uint32_t first = 0; first < 1 << 24; first += 4 * PackedSpan::capacity) {
+                Pixels given;
+                for (std::uint32_t i = 0; i < PackedSpan::capacity; ++i) {
+                    const std::uint32_t colour = first + i / 2;
+                    std::memcpy(given.memory.bytes + 4 * std::size_t{i}, &colour, sizeof colour);
+                }
+                Pixels expected = given;
+                PackedSpan span = given.span(PackedSpan::capacity);
+                PackedSpan expectedSpan = expected.span(PackedSpan::capacity);
+                saturate.run(expectedSpan);
+                remembering.run(span);
+                ASSERT_NO_FATAL_FAILURE(expectSame(given, expected, PackedSpan::capacity)) << first;
+            }
+        }
     }
 }
 

@@ -144,7 +144,7 @@ public:
 
     HWY_INLINE SignedQuads depth(const std::uint8_t* means, SignedQuads darkest) const {
         const SignedQuads mean = hn::PromoteTo(SignedQuadTag(), hn::LoadU(PixelTag(), means));
-        return hn::Min(darkest, truncated(hn::Mul(toFloats(mean), factor_)));
+        return hn::Min(darkest, truncateInRange(hn::Mul(toFloats(mean), factor_)));
     }
 
     HWY_INLINE Floats kept(SignedQuads depth) const {
@@ -153,7 +153,8 @@ public:
 
     // Of a channel from which the depth is taken off.
     HWY_INLINE static SignedQuads unveiled(SignedQuads channel, Floats kept) {
-        return hn::Min(truncated(hn::Div(toFloats(channel), kept)), hn::Set(SignedQuadTag(), 255));
+        return hn::Min(truncateInRange(hn::Div(toFloats(channel), kept)),
+                       hn::Set(SignedQuadTag(), 255));
     }
 
 private:

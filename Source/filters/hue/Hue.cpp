@@ -20,7 +20,7 @@ namespace keladjust {
 namespace HWY_NAMESPACE {
 namespace {
 
-void rotateHue(PixelSpan& span, const HueMatrix& matrix) {
+void rotateHue(PackedSpan& span, const HueMatrix& matrix) {
     const Floats m00 = constant(matrix.m00);
     const Floats diagonal = constant(matrix.diagonal);
     const Floats minus = constant(matrix.minus);
@@ -64,7 +64,7 @@ HueMatrix hueMatrix(float angle) {
 
 void rotateRawWalk(const RawWalk& walk, const HueMatrix& matrix) {
     if (walk.channels < 3) return;
-    changeRuns(walk, [&](std::size_t, PixelSpan& span) {
+    changePackedRuns(walk, [&](PackedSpan& span) {
         HWY_DYNAMIC_DISPATCH(rotateHue)(span, matrix);
     });
 }

@@ -156,7 +156,7 @@ bool isModest(const VignetteShade& look) {
 }
 
 HWY_INLINE void storeSmall(const Channels<Floats>& c, PackedSpan& span, std::size_t i) {
-    storeClamped(mapChannels(c, truncateInRange), span, i);
+    storeClamped(mapChannels(c, truncateInRange<Floats>), span, i);
 }
 
 HWY_INLINE Channels<Floats> scaled(const Channels<Floats>& c, float factor) {

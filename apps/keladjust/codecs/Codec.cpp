@@ -12,20 +12,22 @@ bool Codec::hasExtension(std::string_view extension) const {
     return std::ranges::find(extensions(), extension) != extensions().end();
 }
 
-Photo Codec::decode(std::span<const unsigned char> file, const PixelBound& bound) const {
+Photo Codec::decode(std::span<const unsigned char> file, const PixelBound& bound,
+                    DecodeWatcher* watcher) const {
     const platform::AllocationWatch watch;
     try {
-        return read(file, bound);
+        return read(file, bound, watcher);
     } catch (const Failure&) {
         watch.throwIfOneFailed();
         throw;
     }
 }
 
-Bytes Codec::encode(const Photo& photo, const EncodeOptions& options) const {
+Bytes Codec::encode(const Photo& photo, const EncodeOptions& options,
+                    const RowsNeeded& rowsNeeded) const {
     const platform::AllocationWatch watch;
     try {
-        return write(photo, options);
+        return write(photo, options, rowsNeeded);
     } catch (const Failure&) {
         watch.throwIfOneFailed();
         throw;

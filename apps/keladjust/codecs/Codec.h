@@ -1,7 +1,9 @@
 #ifndef KELADJUST_APP_CODECS_CODEC_H
 #define KELADJUST_APP_CODECS_CODEC_H
 
+#include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <span>
 #include <string_view>
 
@@ -15,6 +17,28 @@ struct EncodeOptions {
     int quality = 92;       ///< 1..100, of lossy formats
     bool lossless = false;  ///< where the format has a choice
 };
+
+/// Who follows a picture while it comes out of its file, from its first row to its last.
+class DecodeWatcher {
+public:
+    virtual ~DecodeWatcher() = default;
+
+    /// There are no rows yet. The picture stays where it is until end().
+    ///
+    /// @throws std::bad_alloc
+    virtual void begin(Photo& photo) = 0;
+
+    /// So many rows are as they will be.
+    virtual void reach(std::uint32_t rows) noexcept = 0;
+
+    /// The picture is no longer there when this returns. Called after each begin(), with all rows
+    /// reached unless the file proves damaged.
+    virtual void end() noexcept = 0;
+};
+
+/// Called before rows are read, with how many have to be as they are to be written. What it throws
+/// ends the encoding.
+using RowsNeeded = std::function<void(std::uint32_t rows)>;
 
 /// A picture file format, from memory to memory. Metadata is none of its business.
 class Codec {
@@ -32,23 +56,30 @@ public:
 
     virtual bool keepsAlpha() const = 0;
 
+    /// @param watcher         may be null; not every picture can be followed, and of others nothing
+    ///                        is told
     /// @throws Failure        for a damaged, truncated or unsupported file, or a picture beyond
     ///                        `bound`, for which no memory is taken
     /// @throws std::bad_alloc
-    Photo decode(std::span<const unsigned char> file, const PixelBound& bound = {}) const;
+    Photo decode(std::span<const unsigned char> file, const PixelBound& bound = {},
+                 DecodeWatcher* watcher = nullptr) const;
 
     /// @throws Failure        if the format cannot hold the picture
     /// @throws std::bad_alloc
-    Bytes encode(const Photo& photo, const EncodeOptions& options) const;
+    Bytes encode(
+        const Photo& photo, const EncodeOptions& options,
+        const RowsNeeded& rowsNeeded = [](std::uint32_t) {}) const;
 
     bool hasExtension(std::string_view extension) const;
 
 private:
     /// May take a lack of memory for a damaged file, as the libraries do.
-    virtual Photo read(std::span<const unsigned char> file, const PixelBound& bound) const = 0;
+    virtual Photo read(std::span<const unsigned char> file, const PixelBound& bound,
+                       DecodeWatcher* watcher) const = 0;
 
     /// May take a lack of memory for any other reason.
-    virtual Bytes write(const Photo& photo, const EncodeOptions& options) const = 0;
+    virtual Bytes write(const Photo& photo, const EncodeOptions& options,
+                        const RowsNeeded& rowsNeeded) const = 0;
 };
 
 /// How many bytes from the start of a file recognises() looks at.

@@ -47,6 +47,9 @@ void onMessage(j_common_ptr codec, int level) {
     }
 }
 
+/// Whoever follows a picture is told of so many rows at a time.
+constexpr std::uint32_t rowsTold = 16;
+
 /// A scan of a few bytes goes over the whole picture. No encoder makes as many.
 constexpr int mostScans = 500;
 
@@ -95,14 +98,18 @@ public:
         return true;
     }
 
-    bool readRows(Photo& photo) {
+    bool readRows(Photo& photo, DecodeWatcher* watcher) {
         if (setjmp(errors_.jump)) return false;
         jpeg_start_decompress(&jpeg_);
         while (jpeg_.output_scanline < jpeg_.output_height && !errors_.damaged) {
             JSAMPROW row = photo.row(jpeg_.output_scanline);
             jpeg_read_scanlines(&jpeg_, &row, 1);
+            if (watcher != nullptr && jpeg_.output_scanline % rowsTold == 0 && !errors_.damaged) {
+                watcher->reach(jpeg_.output_scanline);
+            }
         }
         if (!errors_.damaged) jpeg_finish_decompress(&jpeg_);
+        if (watcher != nullptr && !errors_.damaged) watcher->reach(photo.height());
         return !errors_.damaged;
     }
 
@@ -192,7 +199,7 @@ public:
     Compressor(const Compressor&) = delete;
     Compressor& operator=(const Compressor&) = delete;
 
-    bool write(const Photo& photo, int quality) {
+    bool write(const Photo& photo, int quality, const RowsNeeded& rowsNeeded) {
         if (setjmp(errors_.jump)) return false;
         jpeg_create_compress(&jpeg_);
         jpeg_.dest = &destination_;
@@ -210,6 +217,9 @@ public:
         }
         jpeg_start_compress(&jpeg_, TRUE);
         while (jpeg_.next_scanline < jpeg_.image_height) {
+            if (jpeg_.next_scanline % rowsTold == 0) {
+                rowsNeeded(std::min(jpeg_.next_scanline + rowsTold, photo.height()));
+            }
             // libjpeg's interface predates const; it does not write to its input.
             JSAMPROW row = const_cast<JSAMPROW>(photo.row(jpeg_.next_scanline));
             jpeg_write_scanlines(&jpeg_, &row, 1);
@@ -227,6 +237,24 @@ private:
     Destination destination_;
 };
 
+/// A picture while somebody follows it, or nobody.
+class Followed {
+public:
+    Followed(DecodeWatcher* watcher, Photo& photo) : watcher_(watcher) {
+        if (watcher_ != nullptr) watcher_->begin(photo);
+    }
+    ~Followed() {
+        if (watcher_ != nullptr) watcher_->end();
+    }
+    Followed(const Followed&) = delete;
+    Followed& operator=(const Followed&) = delete;
+
+    DecodeWatcher* watcher() const { return watcher_; }
+
+private:
+    DecodeWatcher* watcher_;
+};
+
 class Jpeg final : public Codec {
 public:
     std::string_view name() const override { return "JPEG"; }
@@ -242,7 +270,8 @@ public:
 
     bool keepsAlpha() const override { return false; }
 
-    Photo read(std::span<const unsigned char> file, const PixelBound& bound) const override {
+    Photo read(std::span<const unsigned char> file, const PixelBound& bound,
+               DecodeWatcher* watcher) const override {
         Decompressor jpeg;
         const auto fail = [&] {
             return Failure("damaged or truncated JPEG (" + jpeg.message() +
@@ -252,7 +281,9 @@ public:
         bound.check(file.size(), jpeg.width(), jpeg.height());
         Photo photo(jpeg.width(), jpeg.height(),
                     jpeg.isGrey() ? ChannelLayout::grey : ChannelLayout::bgra);
-        if (!jpeg.readRows(photo)) throw fail();
+        // Inks become colours only when all rows are there.
+        const Followed followed(jpeg.isCmyk() ? nullptr : watcher, photo);
+        if (!jpeg.readRows(photo, followed.watcher())) throw fail();
         if (jpeg.isCmyk()) {
             convertFromCmyk(photo, jpeg.inksAreInverted());
             photo.notices.emplace_back("CMYK converted to RGB without colour management");
@@ -260,13 +291,14 @@ public:
         return photo;
     }
 
-    Bytes write(const Photo& photo, const EncodeOptions& options) const override {
+    Bytes write(const Photo& photo, const EncodeOptions& options,
+                const RowsNeeded& rowsNeeded) const override {
         if (std::max(photo.width(), photo.height()) > JPEG_MAX_DIMENSION) {
             throw Failure("JPEG holds at most " + std::to_string(JPEG_MAX_DIMENSION) +
                           " pixels a side; choose --format png or tiff");
         }
         Compressor jpeg;
-        if (!jpeg.write(photo, options.quality)) {
+        if (!jpeg.write(photo, options.quality, rowsNeeded)) {
             throw Failure("cannot encode as JPEG: " + jpeg.message());
         }
         const auto result = jpeg.result();

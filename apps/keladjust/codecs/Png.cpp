@@ -183,7 +183,8 @@ public:
 
     bool keepsAlpha() const override { return true; }
 
-    Photo read(std::span<const unsigned char> file, const PixelBound& bound) const override {
+    Photo read(std::span<const unsigned char> file, const PixelBound& bound,
+               DecodeWatcher*) const override {
         Reader png(file);
         const auto fail = [&] {
             return Failure("damaged or truncated PNG (" + png.message() +
@@ -202,7 +203,9 @@ public:
         return photo;
     }
 
-    Bytes write(const Photo& photo, const EncodeOptions&) const override {
+    Bytes write(const Photo& photo, const EncodeOptions&,
+                const RowsNeeded& rowsNeeded) const override {
+        rowsNeeded(photo.height());
         Writer png;
         if (!png.write(photo)) throw Failure("cannot encode as PNG: " + png.message());
         return png.takeResult();

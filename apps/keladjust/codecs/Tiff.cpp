@@ -335,7 +335,8 @@ public:
 
     bool keepsAlpha() const override { return true; }
 
-    Photo read(std::span<const unsigned char> bytes, const PixelBound& bound) const override {
+    Photo read(std::span<const unsigned char> bytes, const PixelBound& bound,
+               DecodeWatcher*) const override {
         MemoryFile file;
         file.input = bytes;
         const std::uint64_t largestAllocation = bound.workingBytes(bytes.size());
@@ -366,7 +367,9 @@ public:
         return photo;
     }
 
-    Bytes write(const Photo& photo, const EncodeOptions&) const override {
+    Bytes write(const Photo& photo, const EncodeOptions&,
+                const RowsNeeded& rowsNeeded) const override {
+        rowsNeeded(photo.height());
         MemoryFile file;
         file.writing = true;
         Tiff tiff = open(file, "w", 0);

@@ -71,7 +71,8 @@ public:
 
     bool keepsAlpha() const override { return true; }
 
-    Photo read(std::span<const unsigned char> file, const PixelBound& bound) const override {
+    Photo read(std::span<const unsigned char> file, const PixelBound& bound,
+               DecodeWatcher*) const override {
         const auto fail = [] {
             return Failure(
                 "damaged or truncated WebP; copy the file again from where it came from");
@@ -94,7 +95,9 @@ public:
         return photo;
     }
 
-    Bytes write(const Photo& photo, const EncodeOptions& options) const override {
+    Bytes write(const Photo& photo, const EncodeOptions& options,
+                const RowsNeeded& rowsNeeded) const override {
+        rowsNeeded(photo.height());
         if (std::max(photo.width(), photo.height()) > WEBP_MAX_DIMENSION) {
             throw Failure("WebP holds at most " + std::to_string(WEBP_MAX_DIMENSION) +
                           " pixels a side; choose --format jpeg, png or tiff");

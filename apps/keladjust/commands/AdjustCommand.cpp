@@ -33,7 +33,7 @@ void createFolder(const std::filesystem::path& folder) {
 
 bool isIdentity(const _AdjustParam& record) {
     return std::ranges::all_of(allSettings(), [&](const KeladjustSetting& setting) {
-        return valueIn(record, setting) == static_cast<double>(setting.identity);
+        return isAtIdentity(record, setting);
     });
 }
 

@@ -1,9 +1,11 @@
 #include "commands/Job.h"
 
 #include <new>
+#include <optional>
 
 #include "codecs/Metadata.h"
 #include "codecs/PictureFile.h"
+#include "commands/OverlappedEncoding.h"
 #include "files/AtomicFile.h"
 #include "pictures/Comparison.h"
 #include "pictures/ContactSheet.h"
@@ -35,8 +37,17 @@ public:
         const Codec& reader = file.codec;
         const Codec& writer = plan_.codec != nullptr ? *plan_.codec : reader;
         // The picture first: metadata is not read of what is refused.
-        Photo stored = reader.decode(file.bytes, settings_.bound);
-        Metadata metadata(file.bytes);
+        std::optional<Metadata> read;
+        OverlappedEncoding overlapped(writer, settings_.encoding, adjuster_, settings_.record,
+                                      [&](const Photo&) {
+                                          read.emplace(file.bytes);
+                                          return read->orientation() == 1;
+                                      });
+        const bool isOnlyOutput = !plan_.comparison && !plan_.sheet;
+        Photo stored =
+            reader.decode(file.bytes, settings_.bound, isOnlyOutput ? &overlapped : nullptr);
+        if (!read) read.emplace(file.bytes);
+        Metadata& metadata = *read;
         Photo photo = upright(std::move(stored), metadata.orientation());
         metadata.describe(photo);
         append(report_.notices, photo.notices);
@@ -48,6 +59,11 @@ public:
         report_.details = std::string(reader.name()) + ", " + std::to_string(photo.width()) +
                           " x " + std::to_string(photo.height());
 
+        if (overlapped.isDone()) {
+            report_.details += ", " + described({});
+            write(overlapped.takeResult(), metadata, plan_.output);
+            return;
+        }
         const std::optional<Photo> before =
             plan_.comparison || plan_.sheet ? std::optional(photo) : std::nullopt;
         report_.details += ", " + described(adjuster_.adjust(photo, settings_.record));
@@ -64,7 +80,10 @@ public:
 private:
     void write(const Photo& photo, const Codec& codec, const Metadata& metadata,
                const std::filesystem::path& target) {
-        Bytes encoded = codec.encode(photo, settings_.encoding);
+        write(codec.encode(photo, settings_.encoding), metadata, target);
+    }
+
+    void write(Bytes encoded, const Metadata& metadata, const std::filesystem::path& target) {
         writeFile(target, metadata.addTo(std::move(encoded), report_.notices));
         report_.written.push_back(target);
     }

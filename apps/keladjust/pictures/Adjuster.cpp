@@ -1,9 +1,12 @@
 #include "pictures/Adjuster.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <string_view>
 
 #include "pictures/PhotoImage.h"
 #include "platform/AllocationWatch.h"
+#include "settings/Record.h"
 #include "text/Failure.h"
 
 namespace keladjust::app {
@@ -12,6 +15,12 @@ namespace {
 
 std::int32_t asksToStop(void* stop, float) {
     return (*static_cast<bool (**)()>(stop))() ? 1 : 0;
+}
+
+// The others look at neighbours or at where a pixel is.
+bool looksAtOnePixel(const KeladjustSetting& setting) {
+    const std::string_view group = setting.group;
+    return group == "Basic" || group == "Colour ranges";
 }
 
 }  // namespace
@@ -41,24 +50,46 @@ void Adjuster::refuse(const std::string& obstacle) {
     throw Failure("the GPU cannot be used (" + obstacle + "); use --auto or --cpu");
 }
 
-Adjustment Adjuster::adjust(Photo& photo, const _AdjustParam& record) {
-    const std::lock_guard lock(oneAtATime_);
-    const PhotoImage image(photo);
+KeladjustRun Adjuster::runOn(KeladjustPath path, int threads) {
     KeladjustRun run{};
     run.size = sizeof run;
-    run.maxThreads = threads_;
-    if (use_ == GpuUse::always) {
-        run.path = KELADJUST_GPU;
-    } else if (engine_ == nullptr) {
-        run.path = KELADJUST_CPU;
-    } else {
-        run.path = KELADJUST_AUTO;
-        run.hardwareOnly = 1;
-    }
+    run.path = path;
+    run.maxThreads = threads;
     if (stop_ != nullptr) {
         run.progress = asksToStop;
         run.user = &stop_;
     }
+    return run;
+}
+
+bool Adjuster::takesRows(const Photo& photo, const _AdjustParam& record) const {
+    return use_ == GpuUse::never && photo.layout() == ChannelLayout::bgra &&
+           std::ranges::all_of(allSettings(), [&](const KeladjustSetting& setting) {
+               return looksAtOnePixel(setting) || isAtIdentity(record, setting);
+           });
+}
+
+void Adjuster::adjustRows(Photo& photo, std::uint32_t firstRow, std::uint32_t rows,
+                          const _AdjustParam& record) {
+    const PhotoImage image(photo, firstRow, rows);
+    KeladjustRun run = runOn(KELADJUST_CPU, 1);
+    const platform::AllocationWatch watch;
+    const KeladjustResult result = keladjustRun(image.get(), &record, sizeof record, &run);
+    if (result == KELADJUST_CANCELLED) throw Cancelled();
+    watch.throwIfOneFailed();
+    if (result == KELADJUST_REFUSED) {
+        throw Failure(std::string("the library refuses the picture: ") + run.reason);
+    }
+}
+
+Adjustment Adjuster::adjust(Photo& photo, const _AdjustParam& record) {
+    const std::lock_guard lock(oneAtATime_);
+    const PhotoImage image(photo);
+    KeladjustRun run = runOn(use_ == GpuUse::always ? KELADJUST_GPU
+                             : engine_ == nullptr   ? KELADJUST_CPU
+                                                    : KELADJUST_AUTO,
+                             threads_);
+    run.hardwareOnly = run.path == KELADJUST_AUTO ? 1 : 0;
     const platform::AllocationWatch watch;
     const KeladjustResult result = keladjustRun(image.get(), &record, sizeof record, &run);
     if (result == KELADJUST_CANCELLED) throw Cancelled();

@@ -3,6 +3,7 @@
 
 #include <keladjust/keladjust.h>
 
+#include <cstdint>
 #include <exception>
 #include <memory>
 #include <mutex>
@@ -42,11 +43,22 @@ public:
     /// @throws Failure if the engine does not come up and has to
     explicit Adjuster(GpuUse use, int threads = 0, bool (*stop)() = nullptr);
 
+    /// Whether a picture becomes the same some rows at a time: nothing of the record looks beyond a
+    /// pixel, and no engine may be used.
+    bool takesRows(const Photo& photo, const _AdjustParam& record) const;
+
+    /// Some rows of a picture that takesRows(), from any thread, on that thread.
+    ///
+    /// @throws Cancelled if it was to stop
+    void adjustRows(Photo& photo, std::uint32_t firstRow, std::uint32_t rows,
+                    const _AdjustParam& record);
+
     /// @throws Failure   if the picture has to be rendered and cannot be; it is as it was then
     /// @throws Cancelled if it was to stop; the picture is of no use then
     Adjustment adjust(Photo& photo, const _AdjustParam& record);
 
 private:
+    KeladjustRun runOn(KeladjustPath path, int threads);
     void startEngine();
     std::string obstacle() const;
     [[noreturn]] static void refuse(const std::string& obstacle);

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "files/Bytes.h"
+#include "files/ZeroBytes.h"
 
 namespace keladjust::app {
 
@@ -44,7 +44,7 @@ private:
     std::uint32_t width_;
     std::uint32_t height_;
     ChannelLayout layout_;
-    Bytes pixels_;
+    ZeroBytes pixels_;
     std::size_t stride_;
 };
 

@@ -3,6 +3,7 @@
 
 #include <keladjust/keladjust.h>
 
+#include <cstdint>
 #include <memory>
 
 #include "pictures/Photo.h"
@@ -14,6 +15,10 @@ class PhotoImage {
 public:
     /// @throws std::bad_alloc
     explicit PhotoImage(Photo& photo);
+    /// Of some of its rows.
+    ///
+    /// @throws std::bad_alloc
+    PhotoImage(Photo& photo, std::uint32_t firstRow, std::uint32_t rows);
     PhotoImage(const PhotoImage&) = delete;
     PhotoImage& operator=(const PhotoImage&) = delete;
 

@@ -60,6 +60,10 @@ double valueIn(const _AdjustParam& record, const KeladjustSetting& setting) {
                                   : slotValue<float>(record, setting);
 }
 
+bool isAtIdentity(const _AdjustParam& record, const KeladjustSetting& setting) {
+    return valueIn(record, setting) == static_cast<double>(setting.identity);
+}
+
 void setValue(_AdjustParam& record, const KeladjustSetting& setting, double value) {
     if (setting.isInteger != 0) {
         setSlot<std::int32_t>(record, setting, value);

@@ -21,6 +21,8 @@ std::vector<std::string> settingNames();
 
 /// What a record holds for a setting.
 double valueIn(const _AdjustParam& record, const KeladjustSetting& setting);
+/// Whether that leaves pictures alone.
+bool isAtIdentity(const _AdjustParam& record, const KeladjustSetting& setting);
 void setValue(_AdjustParam& record, const KeladjustSetting& setting, double value);
 
 /// Stops with a Failure that begins with `what` unless the record can hold `value`.
