@@ -167,6 +167,11 @@ async def run(options, progress):
     from ._crew import Crew, NobodyFit, NoCluster
     from ._run import Interrupted, Run
 
+    # What Dask says of workers that come and go helps nobody here. It gives its loggers levels when it is
+    # imported, as workers of one's own do, too, from what they inherit.
+    for name in ("distributed", "distributed.client"):
+        logging.getLogger(name).setLevel(logging.CRITICAL)
+    os.environ.setdefault("DASK_LOGGING__DISTRIBUTED", "critical")
     arguments = program_arguments(options)
     orders = Orders(secrets.token_hex(8), __version__, options.program, arguments, options.timeout)
     output = OutputFolder(options.output, options.format and EXTENSIONS[options.format])
@@ -215,8 +220,6 @@ async def run(options, progress):
 def main(arguments=None):
     try:
         options = parse(sys.argv[1:] if arguments is None else arguments)
-        # What Dask says of workers that come and go helps nobody here.
-        logging.getLogger("distributed").setLevel(logging.CRITICAL)
         return asyncio.run(run(options, Progress(options.quiet)))
     except (UsageError, PresetError) as error:
         print(f"keladjust-farm: {error}\nTry keladjust-farm --help.", file=sys.stderr)
