@@ -61,7 +61,6 @@ class Wheel(bdist_wheel):
     def get_tag(self):
         return "py3", "none", "win_amd64" if DLL else platform_tag.linux(LIBRARY)
 
-
     def egg2dist(self, egginfo_path, distinfo_path):
         super().egg2dist(egginfo_path, distinfo_path)
         shutil.copy(ROOT / "LICENSE", distinfo_path)  # which setuptools looks for beside setup.py only

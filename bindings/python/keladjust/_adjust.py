@@ -2,6 +2,7 @@
 
 import ctypes
 import errno
+import inspect
 
 from . import _description, _interface
 from ._interrupt import Raised, interrupts_kept
@@ -38,10 +39,10 @@ def raise_if_memory_was_short():
 
 def _named_settings(values):
     """Refuses what is neither a setting nor a parameter."""
-    others = ("array", "settings", "preset", "order", "path", "threads", "progress")
     for name in values:
         if name.replace("-", "_") not in _description.BY_KEY:
-            known = [*others, *_description.BY_KEY]
+            *parameters, _values = inspect.signature(adjust).parameters
+            known = [*parameters, *_description.BY_KEY]
             raise TypeError(f'adjust() has neither a parameter nor a setting "{name}"'
                             + suggestion(name, known))
     return values

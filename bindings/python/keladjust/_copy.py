@@ -9,7 +9,7 @@ import ctypes
 def copied_in(layout):
     """A copy of the array's pixels; a fourth channel that it lacks is opaque."""
     fill = b"\xff" if layout.in_quads else b"\0"
-    copy = bytearray(fill) * (layout.height * _row(layout))
+    copy = bytearray(fill) * (layout.height * layout.copied_row)
     _move(layout, copy, into_copy=True)
     return copy
 
@@ -17,10 +17,6 @@ def copied_in(layout):
 def copied_out(copy, layout):
     """Puts a copy's pixels back where they came from."""
     _move(layout, copy, into_copy=False)
-
-
-def _row(layout):
-    return (layout.width * layout.copied_pixel + 3) // 4 * 4
 
 
 def _has_equal_rows(layout):
@@ -37,7 +33,7 @@ def _move(layout, copy, into_copy):
     pixels = numpy.asarray(memoryview(layout.array))
     pixels = pixels if pixels.ndim == 3 else pixels[..., None]
     copied = numpy.ndarray((layout.height, layout.width, layout.copied_pixel), numpy.uint8, copy,
-                           strides=(_row(layout), layout.copied_pixel, 1))
+                           strides=(layout.copied_row, layout.copied_pixel, 1))
     if _has_equal_rows(layout):
         _assign(copied, pixels, into_copy)
         return
@@ -55,7 +51,7 @@ def move_without_numpy(layout, copy, into_copy):
     start = ctypes.addressof(ctypes.c_char.from_buffer(copy))
     equal_rows = _has_equal_rows(layout)
     for y in range(layout.height):
-        there, here = layout.address + y * layout.row, start + y * _row(layout)
+        there, here = layout.address + y * layout.row, start + y * layout.copied_row
         if equal_rows:
             ctypes.memmove(*((here, there) if into_copy else (there, here)), layout.row_bytes)
             continue

@@ -11,8 +11,8 @@ from ._names import suggestion
 
 
 class Setting(NamedTuple):
-    """One slot of the record. `name` is what presets and the command line call it; in Python it is
-    written with underscores."""
+    """One slot of the record, as the C interface's structure has it, field by field. `name` is what
+    presets and the command line call it; in Python it is written with underscores."""
 
     name: str
     label: str
@@ -26,11 +26,11 @@ class Setting(NamedTuple):
     usual: float
 
     @property
-    def key(self):
+    def key(self) -> str:
         return self.name.replace("-", "_")
 
     @property
-    def range(self):
+    def range(self) -> str:
         """What messages and help say of its values."""
         lowest, highest, identity = (f"{value:g}" for value in
                                      (self.lowest, self.highest, self.identity))
@@ -41,9 +41,9 @@ def _read():
     count = ctypes.c_int()
     address = library.keladjustSettings(ctypes.addressof(count))
     rows = (KeladjustSetting * count.value).from_address(address)
-    return tuple(Setting(row.name.decode(), row.label.decode(), row.group.decode(), row.help.decode(),
-                         row.slot, bool(row.isInteger), row.identity, row.lowest, row.highest,
-                         row.usual) for row in rows)
+    fields = [(name, bytes.decode if kind is str else kind) for (name, _), kind in
+              zip(KeladjustSetting._fields_, Setting.__annotations__.values())]
+    return tuple(Setting(*(python(getattr(row, name)) for name, python in fields)) for row in rows)
 
 
 SETTINGS = _read()

@@ -47,8 +47,7 @@ class Layout:
         self.in_quads = self.channels == 3 and (self.as_in_program or self.row_bytes % 4 != 0)
 
     def check(self):
-        copied_row = (self.width * self.copied_pixel + 3) // 4 * 4
-        if self.width > LARGEST_WIDTH or copied_row * self.height > LARGEST_SIZE:
+        if self.width > LARGEST_WIDTH or self.copied_row * self.height > LARGEST_SIZE:
             raise ValueError(f"array is too large: {self.height} x {self.width} pixels, "
                              "which must fit in 4 GiB")
         if (self.height > 1 and self.row == 0) or (self.width > 1 and self.pixel == 0):
@@ -63,6 +62,11 @@ class Layout:
         stages that work along the raw buffer change padding like pixels. The command-line program
         has every colour picture in four, and its results are the measure."""
         return 4 if self.in_quads else self.channels
+
+    @property
+    def copied_row(self):
+        """Bytes of a row in a copy, padded to a multiple of four."""
+        return (self.width * self.copied_pixel + 3) // 4 * 4
 
     @property
     def copied_order(self):

@@ -1,6 +1,8 @@
 """Writes the type stubs: every setting and every stage, as the library and its header have them."""
 
+import ast
 import ctypes
+import pathlib
 
 from . import header as headers
 from . import interface
@@ -31,21 +33,7 @@ Presets = Union[Preset, List[Preset], Tuple[Preset, ...]]
 class PresetError(ValueError): ...
 class Refused(RuntimeError): ...
 
-class Setting(NamedTuple):
-    name: str
-    label: str
-    group: str
-    help: str
-    slot: int
-    is_integer: bool
-    identity: float
-    lowest: float
-    highest: float
-    usual: float
-    @property
-    def key(self) -> str: ...
-    @property
-    def range(self) -> str: ...
+{setting}
 
 SETTINGS: Tuple[Setting, ...]
 '''
@@ -115,6 +103,17 @@ def described(header, library):
     return list((names["KeladjustSetting"] * count.value).from_address(address))
 
 
+def _setting():
+    """The class Setting as the package has it, without what its properties do."""
+    path = pathlib.Path(__file__).parent.parent / "keladjust/_description.py"
+    setting = next(node for node in ast.parse(path.read_text()).body
+                   if isinstance(node, ast.ClassDef) and node.name == "Setting")
+    for member in setting.body:
+        if isinstance(member, ast.FunctionDef):
+            member.body = [ast.Expr(ast.Constant(...))]
+    return ast.unparse(setting)
+
+
 def _values(settings):
     lines = []
     for row in settings:
@@ -139,5 +138,6 @@ def texts(header, library):
     """The stubs by their files' names."""
     values = _values(described(header, library))
     flat = values.replace("        ", "    ")
-    return {"__init__.pyi": PREAMBLE + SETTINGS.format(values=values) + FUNCTIONS.format(values=flat),
-            "stages.pyi": _stages(header)}
+    package = (PREAMBLE.format(setting=_setting()) + SETTINGS.format(values=values)
+               + FUNCTIONS.format(values=flat))
+    return {"__init__.pyi": package, "stages.pyi": _stages(header)}

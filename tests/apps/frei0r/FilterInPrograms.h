@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "frei0r/Frames.h"
+#include "support/Program.h"
 #include "support/TemporaryFolder.h"
 #include "support/Variable.h"
 
@@ -21,6 +22,8 @@ protected:
     /// What the program writes to written(). It must succeed; what it says is kept.
     std::vector<Frame> framesBy(const char* program, const std::vector<std::string>& arguments,
                                 FrameSize size);
+    /// The same once it has run.
+    std::vector<Frame> framesAfter(const Outcome& outcome, FrameSize size);
     std::filesystem::path written() const { return folder_ / "out.raw"; }
 
     const TemporaryFolder folder_;

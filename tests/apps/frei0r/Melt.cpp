@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include "frei0r/FilterInPrograms.h"
 #include "frei0r/Frames.h"
@@ -40,7 +41,27 @@ protected:
               std::string("vcodec=rawvideo"), std::string("pix_fmt=bgra"), consumerOption}) {
             arguments.push_back(argument);
         }
-        return framesBy(KELADJUST_MELT, arguments, size);
+        return framesAfter(runMelt(std::move(arguments)), size);
+    }
+
+private:
+    /// melt 7.12 marks its writer as running when it has started the writer's thread already. On a
+    /// busy machine the thread may find before that that it is not to run: the file stays empty,
+    /// with any filter or none, and if the thread has ended by then, melt waits for it without end.
+    /// That comes to one run in ten at worst, and is no answer: it is asked again.
+    Outcome runMelt(std::vector<std::string> arguments) const {
+        constexpr int turns = 6;
+        constexpr const char* patience = "90";  // seconds
+        constexpr int outOfPatience = 124;
+        arguments.insert(arguments.begin(), {patience, KELADJUST_MELT});
+        Outcome outcome;
+        for (int turn = 0; turn < turns; ++turn) {
+            std::ofstream(written(), std::ios::trunc);
+            outcome = runProgram(KELADJUST_TIMEOUT, arguments);
+            const bool neverRan = std::filesystem::is_empty(written());
+            if (outcome.code != outOfPatience && !(outcome.code == 0 && neverRan)) break;
+        }
+        return outcome;
     }
 };
 

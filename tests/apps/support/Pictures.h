@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <string>
 
+#include "files/Bytes.h"
 #include "pictures/Photo.h"
 
 namespace keladjust::test {

@@ -86,7 +86,7 @@ def parser():
     add("--report", metavar="FILE", help=f"usually OUT/{FOLDER}/report.csv")
     add("--program", default="keladjust", metavar="PATH", help="of the program, on every worker")
     add("--in-flight", type=_at_least(1), metavar="N",
-        help="pictures that are handed out at a time; usually three a core")
+        help="pictures that are handed out at a time; usually 24 a core")
     add("-q", "--quiet", action="store_true", help="print errors only")
     for group, settings in itertools.groupby(sorted(SETTINGS, key=_place), lambda s: s.group):
         heading = line.add_argument_group(group)
@@ -167,6 +167,11 @@ async def run(options, progress):
     from ._crew import Crew, NobodyFit, NoCluster
     from ._run import Interrupted, Run
 
+    # What Dask says of workers that come and go helps nobody here. It gives its loggers levels when it is
+    # imported, as workers of one's own do, too, from what they inherit.
+    for name in ("distributed", "distributed.client"):
+        logging.getLogger(name).setLevel(logging.CRITICAL)
+    os.environ.setdefault("DASK_LOGGING__DISTRIBUTED", "critical")
     arguments = program_arguments(options)
     orders = Orders(secrets.token_hex(8), __version__, options.program, arguments, options.timeout)
     output = OutputFolder(options.output, options.format and EXTENSIONS[options.format])
@@ -215,8 +220,6 @@ async def run(options, progress):
 def main(arguments=None):
     try:
         options = parse(sys.argv[1:] if arguments is None else arguments)
-        # What Dask says of workers that come and go helps nobody here.
-        logging.getLogger("distributed").setLevel(logging.CRITICAL)
         return asyncio.run(run(options, Progress(options.quiet)))
     except (UsageError, PresetError) as error:
         print(f"keladjust-farm: {error}\nTry keladjust-farm --help.", file=sys.stderr)

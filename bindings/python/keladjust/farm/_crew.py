@@ -11,6 +11,7 @@ import dask
 import distributed
 
 from . import _task
+from ._handfuls import Handfuls
 from ._manifest import FOLDER
 
 OWN_CLUSTER = {
@@ -37,6 +38,19 @@ class NobodyFit(Exception):
     """No worker there is can have pictures; the text says why."""
 
 
+class _Lost(Exception):
+    """Pictures that nobody works on any more, through no fault of theirs."""
+
+
+class _Died(Exception):
+    """Workers died of these pictures, or of one of them."""
+
+    def __init__(self, pictures, outcome):
+        super().__init__()
+        self.pictures = pictures
+        self.outcome = outcome
+
+
 class Crew:
     """What hands pictures to workers: Dask's client, through the loss of schedulers and workers."""
 
@@ -54,6 +68,7 @@ class Crew:
         self._welcome = set()  # addresses of workers that have been asked who they are
         self._refused = {}  # address to why it gets no pictures
         self._strikes = {}  # address to times in a row that it was at fault
+        self._handfuls = Handfuls(self._adjusted, self.threads)
 
     async def __aenter__(self):
         if self._address is None:
@@ -67,6 +82,7 @@ class Crew:
         return self
 
     async def __aexit__(self, *_):
+        await self._handfuls.cancel()
         for side in (self._client, self._cluster):
             if side is not None:
                 with contextlib.suppress(OSError, asyncio.TimeoutError):
@@ -157,41 +173,47 @@ class Crew:
         out again. A worker that dies again and again while it has this picture is a "died".
 
         unfit: addresses of workers that are at fault for this picture"""
+        picture = (source, target)
+        alone = bool(unfit)
         while True:
-            fit = self._fit(unfit)
-            client = self._client
             try:
-                future = client.submit(_task.adjust, self._orders, source, target, pure=False,
-                                       workers=fit, key=f"keladjust-{secrets.token_hex(8)}")
-            except OSError:
-                future = None
-            if future is not None:
-                outcome = await self._result(future, fit)
-                if outcome is not None:
-                    return outcome
-            await self._restore()
+                if alone:
+                    return (await self._adjusted([picture], unfit))[0]
+                return await self._handfuls.outcome(picture)
+            except _Lost:
+                await self._restore()
+            except _Died as death:
+                if death.pictures == [picture]:
+                    return death.outcome
+                alone = True  # which of the handful it was shows when each goes by itself
 
-    async def _result(self, future, fit):
-        """The outcome, or None if the picture was lost."""
+    async def _adjusted(self, pictures, unfit=frozenset()):
+        """The outcomes of a handful; those not begun are missing at its end. Raises _Lost and _Died."""
+        fit = self._fit(unfit)
+        try:
+            future = self._client.submit(_task.adjust, self._orders, pictures, pure=False, workers=fit,
+                                         key=f"keladjust-{secrets.token_hex(8)}")
+        except OSError:
+            raise _Lost from None
         waiting = asyncio.ensure_future(future.result())
+        waiting.add_done_callback(_forget)
         try:
             while not waiting.done():
                 await asyncio.wait({waiting}, timeout=LOOK)
                 if not waiting.done() and fit and not set(fit) & set(self.workers()):
-                    return None  # it would wait for those who never come back
+                    raise _Lost  # it would wait for those who never come back
         finally:
             waiting.cancel()
             future.release()
-        if waiting.cancelled():
-            return None
-        error = waiting.exception()
+        error = asyncio.CancelledError() if waiting.cancelled() else waiting.exception()
         if error is None:
             return waiting.result()
         if isinstance(error, distributed.KilledWorker):
-            return _task.Outcome("died", "its worker died each time", worker=error.last_worker.address)
-        if isinstance(error, (OSError, concurrent.futures.CancelledError)):
-            return None
-        return _task.Outcome("died", f"{type(error).__name__}: {error}")
+            raise _Died(pictures, _task.Outcome("died", "its worker died each time",
+                                                worker=error.last_worker.address))
+        if isinstance(error, (OSError, asyncio.CancelledError, concurrent.futures.CancelledError)):
+            raise _Lost
+        raise _Died(pictures, _task.Outcome("died", f"{type(error).__name__}: {error}"))
 
     async def _restore(self):
         """Comes back when there is a scheduler to talk to."""
@@ -233,6 +255,12 @@ class Crew:
             with contextlib.suppress(OSError, asyncio.TimeoutError):
                 await asyncio.wait_for(self._client.run(_task.stop, self._orders.run,
                                                         on_error="ignore"), _task.PATIENCE + 5)
+
+
+def _forget(task):
+    """Nobody may be left to ask a task that fails while the run is stopped, which asyncio would tell."""
+    if not task.cancelled():
+        task.exception()
 
 
 @contextlib.contextmanager

@@ -7,10 +7,13 @@ import os
 import time
 
 from . import _manifest, _sources
+from ._handfuls import AHEAD, HANDFUL
 from ._output import Misplaced
 
 # Pictures that are looked up at a time.
 BATCH = 256
+# Pictures that are handed out at a time for each core: enough for handfuls to be full.
+IN_FLIGHT = (AHEAD + 1) * HANDFUL
 # Seconds until a file that another machine has written is here: NFS remembers for sixty that a name was
 # not there.
 SEEN_WITHIN = 75
@@ -75,7 +78,7 @@ class Run:
         return batch
 
     def _most_in_flight(self):
-        return self._options.in_flight or max(16, 3 * self._crew.threads())
+        return self._options.in_flight or IN_FLIGHT * max(1, self._crew.threads())
 
     async def _room(self, most):
         """Waits until fewer than `most` pictures are handed out."""

@@ -12,6 +12,8 @@ from typing import NamedTuple
 
 from .. import __version__
 
+# A worker gives back what it has not begun of a handful after so many seconds.
+TURN = 1
 # How long a program that is asked to stop may take until it is killed.
 PATIENCE = 5
 
@@ -37,10 +39,20 @@ class Outcome(NamedTuple):
     size: int = 0  # of the output
 
 
-def adjust(orders, source, target):
-    started = time.monotonic()
-    result, reason, size = _adjust(orders, source, target)
-    return Outcome(result, reason, time.monotonic() - started, _worker(), size)
+def adjust(orders, pictures):
+    """Adjusts a handful of pictures, each a source and a target: the Outcome of each that was begun.
+    None is begun any more after a second, after one that may have been the worker's fault, or when the
+    run is stopped."""
+    end = time.monotonic() + TURN
+    outcomes = []
+    for source, target in pictures:
+        started = time.monotonic()
+        result, reason, size = _adjust(orders, source, target)
+        ended = time.monotonic()
+        outcomes.append(Outcome(result, reason, ended - started, _worker(), size))
+        if result not in ("done", "failed") or ended > end or _running.is_stopped(orders.run):
+            break
+    return outcomes
 
 
 def identify(orders, token):
@@ -103,6 +115,7 @@ class _Running:
     def __init__(self):
         self._lock = threading.Lock()
         self._programs = {}
+        self._stopped = set()
 
     def run(self, orders, command):
         """The exit status and what was said; the status is None if it took too long."""
@@ -124,10 +137,14 @@ class _Running:
 
     def stop(self, run):
         with self._lock:
+            self._stopped.add(run)
             programs = list(self._programs.get(run, ()))
         for program in programs:
             _stop(program)
         return len(programs)
+
+    def is_stopped(self, run):
+        return run in self._stopped
 
 
 def _stop(program):

@@ -45,4 +45,3 @@ def cluster(tmp_path):
     yield make
     for one in made:
         one.close()
-

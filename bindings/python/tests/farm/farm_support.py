@@ -72,7 +72,6 @@ def results_of(folder):
     return {name: row["result"] for name, row in report_of(folder).items()}
 
 
-
 class Farm:
     """A run of keladjust-farm, going on."""
 
@@ -98,7 +97,6 @@ class Farm:
         with contextlib.suppress(ProcessLookupError):
             os.killpg(self.process.pid, signal.SIGKILL)
         self.process.wait()
-
 
 
 class Cluster:
