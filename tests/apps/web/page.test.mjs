@@ -337,10 +337,12 @@ for (const browser of browserNames) {
                     // As the browser ends a worker for want of memory: from without.
                     const { prototype } = Worker;
                     const { postMessage } = prototype;
-                    prototype.postMessage = function post(...given) {
-                        prototype.postMessage = postMessage;
-                        this.dispatchEvent(new ErrorEvent("error", { message: "out of memory" }));
-                        return postMessage.apply(this, given);
+                    prototype.postMessage = function post(message, ...rest) {
+                        if (message.name === "adjust") {
+                            prototype.postMessage = postMessage;
+                            this.dispatchEvent(new ErrorEvent("error", { message: "out of memory" }));
+                        }
+                        return postMessage.call(this, message, ...rest);
                     };
                 });
                 await page.drag(slider("exposure"), 20, 0, 1);
