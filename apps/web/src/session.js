@@ -49,10 +49,8 @@ export class Session extends EventTarget {
         this.#previewer = new Previewer(
             whole,
             (frame) => {
-                stage.showPreview(frame.width, frame.height, frame.parts);
                 showHistogram(frame.counts);
-                this.#previewer.reuse(frame);
-                this.dispatchEvent(new Event("frame"));
+                return stage.showPreview(frame);
             },
             (error) => onFailure(error),
         );
@@ -60,10 +58,6 @@ export class Session extends EventTarget {
             clearTimeout(this.#viewTimer);
             this.#viewTimer = setTimeout(() => void this.#fitPreview().catch(onFailure), rest);
         });
-    }
-
-    get previewer() {
-        return this.#previewer;
     }
 
     /** @param {EditedRecord} record */

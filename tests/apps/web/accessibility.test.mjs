@@ -76,6 +76,17 @@ describe("The page for those who do not see it", () => {
         }
     });
 
+    test("a slider that is scrolled to scrolls its panel, never the window", async () => {
+        await openGroups(page);
+        const scrolled = await page.evaluate(() =>
+            [...document.querySelectorAll(".row input[type=range]")].map((slider) => {
+                slider.scrollIntoView({ block: "start" });
+                return { panel: document.querySelector("#groups").scrollTop, window: document.scrollingElement.scrollTop };
+            }));
+        assert.ok(scrolled.some(({ panel }) => panel > 0));
+        assert.deepEqual(scrolled.filter((place) => place.window !== 0), []);
+    });
+
     test("nothing lies outside a narrow window", async () => {
         await page.resize({ width: 360, height: 740 });
         const outside = await page.evaluate(() =>

@@ -7,6 +7,7 @@ import { describe, test } from "node:test";
 import { deflateSync } from "node:zlib";
 
 import { levelText } from "../../../apps/web/src/engine/cube.js";
+import { interpolate, latticeOf } from "../../../apps/web/src/engine/lattice.js";
 import { paletteOf, spread } from "../../../apps/web/src/engine/palette.js";
 import { crc32 } from "../../../apps/web/src/photo/crc32.js";
 import { orientationOf, uprightExif } from "../../../apps/web/src/photo/exif.js";
@@ -204,12 +205,47 @@ describe("Cube files", () => {
 
 describe("A palette", () => {
     test("gives back the picture it was made of, and counts its pixels", () => {
-        const words = Uint32Array.from({ length: 5000 }, (_, i) => Math.imul(i % 700, 0x01030507) >>> 0);
+        const words = Uint32Array.from({ length: 5003 }, (_, i) => Math.imul(i % 700, 0x01030507) >>> 0);
         const palette = paletteOf(words);
         assert.equal(palette.colours.length, 700);
         assert.equal(palette.weights.reduce((sum, weight) => sum + weight), words.length);
         const again = new Uint32Array(words.length);
         spread(palette, palette.colours, again);
         assert.deepEqual(again, words);
+    });
+});
+
+describe("A lattice", () => {
+    // Every grey, and colours all over the cube, each with another alpha.
+    const colours = Uint32Array.from({ length: 20000 }, (_, i) =>
+        i < 256 ? i * 0x01010101 : Math.imul(i, 0x9e3779b1));
+    const lattice = latticeOf(colours);
+    const told = (change) => {
+        const result = colours.slice();
+        interpolate(lattice, lattice.nodes.map(change), result);
+        return result;
+    };
+
+    test("gives back the colours that it was made of", () => {
+        assert.deepEqual(told((word) => word), colours);
+    });
+
+    test("tells what is linear from the corners, and keeps alpha", () => {
+        const inverted = (word) => (word ^ 0xffffff) >>> 0;
+        assert.deepEqual(told(inverted), colours.map(inverted));
+        const turned = (word) =>
+            ((word & 0xff000000) | ((word & 0xffff) << 8) | ((word >>> 16) & 255)) >>> 0;
+        assert.deepEqual(told(turned), colours.map(turned));
+    });
+
+    test("keeps greys grey where corners that are grey stay so", () => {
+        const curve = (word) => {
+            const [red, green, blue] = [16, 8, 0].map((shift) => ((word >>> shift) & 255) ** 2 >> 8);
+            const grey = red === green && green === blue;
+            return grey ? (0xff000000 | (red * 0x10101)) >>> 0 : 0xff00ff00;
+        };
+        for (const word of told(curve).subarray(0, 256)) {
+            assert.equal(word & 0xffffff, (word & 255) * 0x10101);
+        }
     });
 });

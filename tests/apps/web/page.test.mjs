@@ -3,7 +3,7 @@
 import assert from "node:assert/strict";
 import { readFileSync, readdirSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
-import { after, before, beforeEach, describe, test } from "node:test";
+import { after, afterEach, before, beforeEach, describe, test } from "node:test";
 
 import { orientationOf, uprightExif } from "../../../apps/web/src/photo/exif.js";
 import { readJpegHeader, withJpegMetadata } from "../../../apps/web/src/photo/jpeg.js";
@@ -14,7 +14,7 @@ import { adobeRgb, exifWith } from "./support/metadata.mjs";
 import { adjusted, cubeFile, freshName, photograph, readPreset, small } from "./support/native.mjs";
 import { readPng } from "./support/png.mjs";
 import { root } from "./support/root.mjs";
-import { digest, digestOnScreen, settingsOnScreen } from "./support/screen.mjs";
+import { digest, digestOnScreen, pixelsOnScreen, settingsOnScreen, until } from "./support/screen.mjs";
 
 const [width, height] = [150, 94];
 const slider = (name) => `.row[data-name="${name}"] input[type=range]`;
@@ -87,6 +87,38 @@ for (const browser of browserNames) {
             await page.press("Control", "Shift", "z");
             assert.deepEqual(await settingsOnScreen(page), { exposure, vibrance });
             assert.equal(await onScreen(), both);
+        });
+
+        describe("While a slider moves", () => {
+            // Without the exact picture that follows it a preview stays.
+            beforeEach(() => page.evaluate(() => {
+                const { postMessage } = Worker.prototype;
+                Worker.prototype.postMessage = function post(message, ...rest) {
+                    if (message.name !== "full") postMessage.call(this, message, ...rest);
+                };
+            }));
+            afterEach(async () => assert.ok(await page.isBusy()));
+
+            test("few colours are shown as they will be", async () => {
+                await page.drag(slider("exposure"), 20);
+                await page.drag(slider("orange-saturation"), 20);
+                const wanted = await native(await settingsOnScreen(page));
+                await until(async () => assert.equal(await digestOnScreen(page, width, height), wanted));
+            });
+
+            test("of many colours each is at most a level off, where a curve is all there is to them", async () => {
+                const [wide, high] = [420, 260];
+                const many = await small("nature/Dune.jpg", wide, high);
+                await page.openPreview(many);
+                await page.drag(slider("exposure"), 20);
+                const { rgba } = await adjusted(many, await settingsOnScreen(page));
+                await until(async () => {
+                    const shown = await pixelsOnScreen(page, wide, high);
+                    // Between corners that are four levels apart the curve is a line but for rounding.
+                    const farthest = shown.reduce((most, level, i) => Math.max(most, Math.abs(level - rgba[i])), 0);
+                    assert.equal(farthest, 1);
+                });
+            });
         });
 
         test("a typed value counts, beyond the useful range, too", async () => {
@@ -305,10 +337,12 @@ for (const browser of browserNames) {
                     // As the browser ends a worker for want of memory: from without.
                     const { prototype } = Worker;
                     const { postMessage } = prototype;
-                    prototype.postMessage = function post(...given) {
-                        prototype.postMessage = postMessage;
-                        this.dispatchEvent(new ErrorEvent("error", { message: "out of memory" }));
-                        return postMessage.apply(this, given);
+                    prototype.postMessage = function post(message, ...rest) {
+                        if (message.name === "adjust") {
+                            prototype.postMessage = postMessage;
+                            this.dispatchEvent(new ErrorEvent("error", { message: "out of memory" }));
+                        }
+                        return postMessage.call(this, message, ...rest);
                     };
                 });
                 await page.drag(slider("exposure"), 20, 0, 1);

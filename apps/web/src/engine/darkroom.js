@@ -142,13 +142,31 @@ export class Darkroom {
  * @param {File} file
  * @returns {Promise<{width: number, height: number} | null>}
  */
-export async function sizeOf(file) {
+export function sizeOf(file) {
+    return askOnce("size", { blob: file, name: file.name });
+}
+
+/**
+ * A colour table of this many colours along each edge, as a cube file.
+ * @param {Values} values
+ * @param {number} size
+ * @returns {Promise<Blob>}
+ */
+export function tableOf(values, size) {
+    return askOnce("table", { values, size });
+}
+
+/**
+ * Asks a worker that has no photograph, so that nothing waits for the answer but who asked.
+ * @param {string} name
+ * @param {unknown} argument
+ * @returns {Promise<any>}
+ */
+async function askOnce(name, argument) {
     const worker = new Remote(script);
     try {
-        return await worker.ask("size", { blob: file, name: file.name });
+        return await worker.ask(name, argument);
     } finally {
         worker.cancel();
     }
 }
-
-export { Cancelled };

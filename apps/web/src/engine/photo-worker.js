@@ -1,11 +1,11 @@
-// One photograph in full: decodes it, adjusts it, makes previews, thumbnails, files and colour tables
-// of it. A worker lives as long as its photograph, so that nothing of one is left when the next comes.
+// One photograph in full: decodes it, adjusts it, makes previews, thumbnails and files of it. A worker lives as long as its photograph, so that nothing of one is left when the next comes.
 
 import { decode, sizeOf } from "../photo/decode.js";
 import { encode } from "../photo/encode.js";
 import { swapRedAndBlue } from "../photo/pixels.js";
 import { convert } from "../photo/profile.js";
 import { forLibrary, histogramLength, toCanvas } from "./adjusted.js";
+import { cubeFile } from "./cube.js";
 import { adjust, library } from "./library.js";
 import { scaled } from "./scaled.js";
 import { serve } from "./worker.js";
@@ -84,5 +84,10 @@ serve({
         adjust(await library(), pixels, values);
         if (pixels.channels === 4) swapRedAndBlue(pixels.data);
         return { result: await encode(pixels, photograph, kind, quality) };
+    },
+
+    /** @param {{values: Values, size: number}} what */
+    async table({ values, size }) {
+        return { result: cubeFile((await library()).lut(values, size), size) };
     },
 });

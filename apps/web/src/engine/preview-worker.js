@@ -1,8 +1,8 @@
-// A band of the preview, adjusted again for every movement of a slider.
+// The photograph at the size of the screen, adjusted again for every movement of a slider.
 
 import { convert } from "../photo/profile.js";
 import { histogramLength, toCanvas } from "./adjusted.js";
-import { cubeFile } from "./cube.js";
+import { interpolate, latticeOf } from "./lattice.js";
 import { adjust, library } from "./library.js";
 import { paletteOf, spread } from "./palette.js";
 import { serve } from "./worker.js";
@@ -12,52 +12,55 @@ import { serve } from "./worker.js";
 /** @typedef {import("../model/record.js").Values} Values */
 
 /** @type {Pixels} */
-let band;
-/** @type {number} */
-let first;
+let preview;
 /** @type {Space} */
 let space;
 /** @type {import("./palette.js").Palette} */
 let palette;
+/** @type {import("./lattice.js").Lattice | null} */
+let lattice;
+
+// So many colours are adjusted in a few milliseconds; of more, the corners of their cells are.
+const mostExactColours = 24000;
 
 /**
- * The band's colours, adjusted, as a picture of one row.
+ * The preview's colours, adjusted, as a picture of one row.
  * @param {Values} values
  * @returns {Promise<Pixels>}
  */
 async function adjustedColours(values) {
-    const { channels, hasAlpha } = band;
+    const { channels, hasAlpha } = preview;
     const { colours } = palette;
+    const words = (lattice?.nodes ?? colours).slice();
     // Grey pixels are spread over words to be counted, and are bytes again for the library.
-    const data = channels === 1 ? Uint8Array.from(colours) : new Uint8Array(colours.slice().buffer);
-    const pixels = { data, width: colours.length, height: 1, channels, hasAlpha };
+    const data = channels === 1 ? Uint8Array.from(words) : new Uint8Array(words.buffer);
+    const pixels = { data, width: words.length, height: 1, channels, hasAlpha };
     adjust(await library(), pixels, values);
-    return pixels;
+    if (!lattice) return pixels;
+    const between = colours.slice();
+    interpolate(lattice, words, between);
+    return { ...pixels, data: new Uint8Array(between.buffer), width: between.length };
 }
 
 serve({
-    /**
-     * @param {object} preview
-     * @param {Pixels} preview.pixels the band's
-     * @param {number} preview.first  its row of the preview
-     * @param {Space} preview.space
-     */
-    load(preview) {
-        ({ pixels: band, first, space } = preview);
+    /** @param {{pixels: Pixels, space: Space}} what */
+    load(what) {
+        ({ pixels: preview, space } = what);
         palette = paletteOf(
-            band.channels === 1 ? Uint32Array.from(band.data) : new Uint32Array(band.data.buffer),
+            preview.channels === 1 ? Uint32Array.from(preview.data) : new Uint32Array(preview.data.buffer),
         );
+        lattice = palette.colours.length > mostExactColours ? latticeOf(palette.colours) : null;
         return { result: null };
     },
 
     /**
      * @param {object} what
      * @param {Values} what.points what looks at colours alone
-     * @param {Values} what.whole  what looks at the whole picture, which the band then is
+     * @param {Values} what.whole  what looks at the whole picture
      * @param {ArrayBuffer} [what.spare] memory of an earlier answer
      */
     async adjust({ points, whole, spare }) {
-        const { width, height, channels, hasAlpha } = band;
+        const { width, height, channels, hasAlpha } = preview;
         const length = 4 * width * height;
         const buffer = spare?.byteLength === length ? spare : new ArrayBuffer(length);
         const target = new Uint32Array(buffer);
@@ -77,11 +80,6 @@ serve({
             toCanvas(picture, target, counts);
             if (space.conversion) convert(space.conversion, new Uint8ClampedArray(buffer));
         }
-        return { result: { rgba: new Uint8ClampedArray(buffer), first, counts }, transfer: [buffer] };
-    },
-
-    /** @param {{values: Values, size: number}} what */
-    async table({ values, size }) {
-        return { result: cubeFile((await library()).lut(values, size), size) };
+        return { result: { width, height, rgba: new Uint8ClampedArray(buffer), counts }, transfer: [buffer] };
     },
 });

@@ -51,12 +51,12 @@ export function littleEndian32(value) {
 }
 
 /**
+ * As PNG has it.
  * @param {Uint8Array[]} parts
- * @param {"deflate"} format zlib's, as PNG has it
  */
-export function compress(parts, format = "deflate") {
+export function compress(parts) {
     return collect(new Blob(/** @type {BlobPart[]} */ (parts)).stream()
-        .pipeThrough(new CompressionStream(format)));
+        .pipeThrough(new CompressionStream("deflate")));
 }
 
 /**

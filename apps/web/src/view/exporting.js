@@ -1,5 +1,6 @@
 // The dialog from which photographs and colour tables are saved.
 
+import { tableOf } from "../engine/darkroom.js";
 import { find } from "./element.js";
 import { tell, tellError } from "./messages.js";
 import { save, stemOf } from "./saving.js";
@@ -69,7 +70,7 @@ export function startExporting(session, record) {
         if (!size.checkValidity() || !Number.isInteger(size.valueAsNumber)) {
             throw new Error("A colour table has 2 to 256 colours along each edge");
         }
-        const blob = await session.previewer.table(record.changed, size.valueAsNumber);
+        const blob = await tableOf(record.changed, size.valueAsNumber);
         const name = `${stemOf(session.photograph?.name ?? "colours")}.cube`;
         save(blob, name);
         return name;

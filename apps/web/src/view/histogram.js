@@ -34,7 +34,7 @@ export function showHistogram(counts) {
             context.lineTo(((level + 0.5) / 256) * width, y);
         });
         context.lineTo(width, height);
-        context.globalAlpha = 0.72;
+        context.globalAlpha = 0.58;
         context.fillStyle = colour;
         context.fill();
     }

@@ -10,6 +10,9 @@ const large = 32e6;
 /** What a large photograph is reduced to. */
 const reduced = 16e6;
 
+// Four each: as opened, a copy that is adjusted, the library's, before and after on the screen.
+const bytesPerPixel = 20;
+
 /**
  * @param {object} handlers
  * @param {(file: File, most: number) => Promise<void>} handlers.openPhotograph
@@ -83,7 +86,7 @@ async function agreed(name, { width, height }) {
     const dialog = find("large", HTMLDialogElement);
     find("large-text", HTMLElement).textContent =
         `${name} has ${width} × ${height} pixels, ${Math.round(pixels / 1e6)} megapixels. In full it takes ` +
-        `about ${((pixels * 20) / 2 ** 30).toFixed(1)} GiB of memory here, and the exact picture takes seconds. ` +
+        `about ${((pixels * bytesPerPixel) / 2 ** 30).toFixed(1)} GiB of memory here, and the exact picture takes seconds. ` +
         `It can be made smaller first, to ${Math.round(width * share)} × ${Math.round(height * share)} pixels; ` +
         "what you export is then of that size.";
     dialog.returnValue = "";

@@ -5,7 +5,8 @@ import { Layer } from "./layer.js";
 import { Viewport } from "./viewport.js";
 
 /** @typedef {import("../photo/profile.js").CanvasSpace} CanvasSpace */
-/** @typedef {{rgba: Uint8ClampedArray<ArrayBuffer>, first: number}} Part */
+/** @typedef {import("./layer.js").Picture} Picture */
+/** @typedef {import("../engine/previewer.js").Frame} Frame */
 
 /**
  * Which layer shows what the settings make: nothing yet, a frame of the preview, or every pixel.
@@ -19,6 +20,8 @@ export class Stage extends EventTarget {
     #before = new Layer();
     #preview = new Layer();
     #exact = new Layer();
+    /** Whose pixels the preview shows. @type {Frame | null} */
+    #frame = null;
     /** @type {Shown} */
     #shown = "nothing";
     /** @type {CanvasSpace} */
@@ -52,6 +55,7 @@ export class Stage extends EventTarget {
      */
     begin(width, height, space, name) {
         for (const layer of [this.#before, this.#preview, this.#exact]) layer.clear();
+        this.#frame = null;
         this.#setShown("nothing");
         if (space !== this.#space) this.#renew(space);
         this.#canvas.hidden = false;
@@ -71,26 +75,28 @@ export class Stage extends EventTarget {
         this.#canvas = fresh;
     }
 
-    /** @param {{rgba: Uint8ClampedArray<ArrayBuffer>, width: number, height: number}} picture */
-    showBefore({ rgba, width, height }) {
-        this.#before.show(width, height, [{ rgba, first: 0 }], this.#space);
+    /** @param {Picture} picture */
+    showBefore(picture) {
+        this.#before.show(picture, this.#space);
         this.draw();
     }
 
     /**
-     * @param {number} width
-     * @param {number} height
-     * @param {Part[]} parts
+     * @param {Frame} frame
+     * @returns {Frame | null} the one before, which is not needed any more
      */
-    showPreview(width, height, parts) {
-        this.#preview.show(width, height, parts, this.#space);
+    showPreview(frame) {
+        const before = this.#frame;
+        this.#frame = frame;
+        this.#preview.show(frame, this.#space);
         this.#setShown("preview");
         this.draw();
+        return before;
     }
 
-    /** @param {{rgba: Uint8ClampedArray<ArrayBuffer>, width: number, height: number}} picture */
-    showExact({ rgba, width, height }) {
-        this.#exact.show(width, height, [{ rgba, first: 0 }], this.#space);
+    /** @param {Picture} picture */
+    showExact(picture) {
+        this.#exact.show(picture, this.#space);
         this.#setShown("exact");
         this.draw();
     }
@@ -104,10 +110,6 @@ export class Stage extends EventTarget {
     #setShown(shown) {
         this.#shown = shown;
         this.#element.setAttribute("aria-busy", String(shown !== "exact"));
-    }
-
-    get hasBefore() {
-        return this.#before.source !== null;
     }
 
     /** @param {boolean} only */
@@ -149,20 +151,9 @@ export class Stage extends EventTarget {
         const context = canvas.getContext("2d", { colorSpace: this.#space });
         if (!context || this.#shown === "nothing") return;
         const after = this.#shown === "exact" ? this.#exact : this.#preview;
-        const before = this.#before.source ? this.#before : after;
-        context.clearRect(0, 0, width, height);
-        if (this.#onlyBefore) {
-            before.draw(context, this.viewport);
-            return;
-        }
-        after.draw(context, this.viewport);
-        if (this.#divided === null) return;
-        context.save();
-        context.beginPath();
-        context.rect(0, 0, Math.round(width * this.#divided), height);
-        context.clip();
-        context.clearRect(0, 0, width, height);
-        before.draw(context, this.viewport);
-        context.restore();
+        const before = this.#before.isEmpty ? after : this.#before;
+        (this.#onlyBefore ? before : after).draw(context, this.viewport);
+        if (this.#divided === null || this.#onlyBefore) return;
+        before.draw(context, this.viewport, Math.round(width * this.#divided));
     }
 }

@@ -18,6 +18,15 @@ export class Viewport {
         return Math.min(this.width / this.pictureWidth, this.height / this.pictureHeight, 1);
     }
 
+    /** How many pixels of the canvas the picture takes. */
+    get shownWidth() {
+        return Math.max(1, Math.round(this.scale * this.pictureWidth));
+    }
+
+    get shownHeight() {
+        return Math.max(1, Math.round(this.scale * this.pictureHeight));
+    }
+
     /**
      * @param {number} width of the canvas
      * @param {number} height
@@ -68,17 +77,14 @@ export class Viewport {
     }
 
     get isMovable() {
-        return (
-            this.scale * this.pictureWidth > this.width + 1 ||
-            this.scale * this.pictureHeight > this.height + 1
-        );
+        return this.shownWidth > this.width || this.shownHeight > this.height;
     }
 
     /** Keeps the picture in sight, on whole pixels where it is shown pixel by pixel. */
     #settle() {
         if (this.fits) this.scale = this.fitScale;
-        this.left = settled(this.left, this.scale * this.pictureWidth, this.width);
-        this.top = settled(this.top, this.scale * this.pictureHeight, this.height);
+        this.left = settled(this.left, this.shownWidth, this.width);
+        this.top = settled(this.top, this.shownHeight, this.height);
     }
 }
 

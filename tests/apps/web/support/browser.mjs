@@ -72,6 +72,11 @@ class Page {
         for (const key of keys.slice(0, -1).reverse()) await this.page.keyboard.up(key);
     }
 
+    /** Whether the exact picture is still to come. */
+    isBusy() {
+        return this.evaluate(() => document.querySelector("#stage").getAttribute("aria-busy") === "true");
+    }
+
     /** Until every pixel on the screen is the exact picture's. */
     async rest() {
         await this.waitFor(() =>
@@ -83,11 +88,16 @@ class Page {
     }
 
     async openPhotograph(file) {
+        await this.openPreview(file);
+        await this.rest();
+    }
+
+    /** As far as its name is shown, which is when sliders move its preview. */
+    async openPreview(file) {
         await this.chooseFile("#picture-file", file);
         const name = file.split("/").at(-1);
         await this.waitFor(
             (wanted) => document.querySelector("#file-name").textContent.startsWith(wanted), name);
-        await this.rest();
     }
 
     /** The texts of the messages that are shown. */

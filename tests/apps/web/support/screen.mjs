@@ -8,21 +8,45 @@ export function digest(bytes) {
 }
 
 /**
- * The digest of the pixels on the screen of a photograph that is shown in full at 100 %: red, green,
- * blue, alpha of each.
+ * The pixels on the screen of a photograph that is shown in full at 100 %: red, green, blue, alpha of
+ * each.
  * @param {import("./browser.mjs").Page} page
  * @param {number} width of the photograph
  * @param {number} height
  */
-export function digestOnScreen(page, width, height) {
-    return page.evaluate(async ([w, h]) => {
+export async function pixelsOnScreen(page, width, height) {
+    const text = await page.evaluate(([w, h]) => {
         const canvas = document.querySelector("#picture");
         const left = Math.round((canvas.width - w) / 2);
         const top = Math.round((canvas.height - h) / 2);
         const { data } = canvas.getContext("2d").getImageData(left, top, w, h);
-        const hash = new Uint8Array(await crypto.subtle.digest("SHA-256", data));
-        return [...hash].map((byte) => byte.toString(16).padStart(2, "0")).join("");
+        let bytes = "";
+        for (let i = 0; i < data.length; i += 4096) {
+            bytes += String.fromCharCode(...data.subarray(i, i + 4096));
+        }
+        return btoa(bytes);
     }, [width, height]);
+    return new Uint8Array(Buffer.from(text, "base64"));
+}
+
+/** The digest of those pixels. */
+export async function digestOnScreen(page, width, height) {
+    return digest(await pixelsOnScreen(page, width, height));
+}
+
+/**
+ * Tries until nothing is thrown, or for so long that what was thrown last is the answer.
+ * @param {() => Promise<void>} check
+ */
+export async function until(check) {
+    for (const end = Date.now() + 20000; ; ) {
+        try {
+            return await check();
+        } catch (error) {
+            if (Date.now() > end) throw error;
+        }
+        await new Promise((wait) => setTimeout(wait, 100));
+    }
 }
 
 /**
