@@ -15,6 +15,8 @@
 #include <cstring>
 
 #include "walks/ByteLookup-inl.h"
+#include "walks/HeldVector-inl.h"
+#include "walks/WordProducts-inl.h"
 
 // A single lane makes no pixel: there the kernels go byte by byte in plain terms.
 #if HWY_TARGET != HWY_SCALAR
@@ -77,7 +79,8 @@ struct WordPair {
 };
 HWY_INLINE WordPair toWords(Bytes v) {
     const Words words = hn::BitCast(WordTag(), v);
-    return {hn::And(words, hn::Set(WordTag(), std::uint16_t{255})), hn::ShiftRight<8>(words)};
+    const Words lower = held(hn::Set(WordTag(), std::uint16_t{255}));
+    return {hn::And(words, lower), hn::ShiftRight<8>(words)};
 }
 /// Words of 0..255.
 HWY_INLINE Bytes toBytes(const WordPair& words) {
@@ -86,13 +89,13 @@ HWY_INLINE Bytes toBytes(const WordPair& words) {
 
 /// Words of 0..255 as ByteScale scales them.
 HWY_INLINE Words scaled(Words in, Words whole, Words fraction) {
-    const Words out = hn::Add(hn::Mul(in, whole), hn::MulHigh(in, fraction));
-    return hn::Min(out, hn::Set(WordTag(), std::uint16_t{255}));
+    const Words out = hn::Add(hn::Mul(in, whole), upperProductOfBytes(in, fraction));
+    return hn::Min(out, held(hn::Set(WordTag(), std::uint16_t{255})));
 }
 
 /// Four bytes in every group of four.
 HWY_INLINE Bytes everyFour(std::uint32_t bytes) {
-    return hn::BitCast(RowTag(), hn::Set(QuadTag(), bytes));
+    return hn::BitCast(RowTag(), held(hn::Set(QuadTag(), bytes)));
 }
 
 /// The fourth byte of every pixel of four, in all of its places.
@@ -114,7 +117,7 @@ struct Places {
 template <bool pixelsOfFour>
 HWY_INLINE Places<pixelsOfFour> placesOf(Bytes bytes) {
     const SignedQuadTag tag;
-    const SignedQuads byte = hn::Set(tag, 255);
+    const SignedQuads byte = held(hn::Set(tag, 255));
     const Quads quads = hn::BitCast(QuadTag(), bytes);
     const SignedQuads first = hn::And(hn::BitCast(tag, quads), byte);
     const SignedQuads second = hn::And(hn::BitCast(tag, hn::ShiftRight<8>(quads)), byte);
@@ -170,16 +173,32 @@ HWY_INLINE SignedQuads truncated(Floats values) {
 #endif
 }
 
+/// The smaller one of 255 and of each number, truncated; of numbers that are not negative.
+HWY_INLINE SignedQuads limitedToBytes(Floats values) {
+    const Floats limited = hn::Min(values, held(hn::Set(FloatTag(), 255.0f)));
+#if HWY_TARGET == HWY_WASM
+    // The sum has the whole number in its lowest bits, in half the steps that V8 takes for a
+    // conversion, which saturates.
+    const Floats sum = hn::Add(hn::Trunc(limited), held(hn::Set(FloatTag(), 8388608.0f)));
+    return hn::And(hn::BitCast(SignedQuadTag(), sum), held(hn::Set(SignedQuadTag(), 255)));
+#else
+    return truncated(limited);
+#endif
+}
+
 /// Clamped to 0..255 and truncated; NaN gives 0.
 HWY_INLINE SignedQuads clampToBytes(Floats values) {
-    const Floats zero = hn::Zero(FloatTag());
-#if HWY_ARCH_X86 && HWY_TARGET != HWY_EMU128
-    // The processor's maximum is its second operand if the first is NaN.
-    const Floats positive = hn::Max(values, zero);
+#if HWY_TARGET == HWY_NEON && HWY_ARCH_ARM_A64
+    // The conversion to unsigned numbers saturates at 0, and NaN gives 0: two steps for four.
+    const uint32x4_t saturated = vcvtq_u32_f32(values.raw);
+    return SignedQuads(vreinterpretq_s32_u32(vminq_u32(saturated, vdupq_n_u32(255))));
+#elif (HWY_ARCH_X86 && HWY_TARGET != HWY_EMU128) || HWY_TARGET == HWY_WASM
+    // The maximum is the second number if the first is none.
+    return limitedToBytes(hn::Max(values, held(hn::Zero(FloatTag()))));
 #else
-    const Floats positive = hn::IfThenElseZero(hn::Gt(values, zero), values);
+    const Floats zero = hn::Zero(FloatTag());
+    return limitedToBytes(hn::IfThenElseZero(hn::Gt(values, zero), values));
 #endif
-    return truncated(hn::Min(positive, hn::Set(FloatTag(), 255.0f)));
 }
 
 }  // namespace HWY_NAMESPACE
