@@ -1,5 +1,6 @@
 #include "host/Pipeline.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <memory>
@@ -129,6 +130,11 @@ void runSpatialStages(CxImage& image, const _AdjustParam& parameters) {
         const platform::ProgressPart part = efforts.next(stage.effort);
         stage.run(&image, parameters);
     }
+}
+
+bool leavesPicturesAlone(const _AdjustParam& parameters) noexcept {
+    return std::none_of(stages.begin(), stages.end(),
+                        [&](const Stage& stage) { return stage.isActive(parameters); });
 }
 
 bool rowsStandAlone(CxImage& image, const _AdjustParam& parameters) noexcept {

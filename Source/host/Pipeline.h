@@ -9,6 +9,9 @@ namespace keladjust {
 /// stages share one pass over the picture; the result is that of the stages called one by one.
 CxImage* runCpuPipeline(CxImage* image, const _AdjustParam& parameters) noexcept;
 
+/// True if no stage runs.
+bool leavesPicturesAlone(const _AdjustParam& parameters) noexcept;
+
 /// True if a picture's rows can as well go through the pipeline a few at a time: every stage
 /// changes each pixel by itself, wherever it is, and none is the faster for what it remembers of
 /// others. The stages then need no memory that grows with the picture. False also if memory is

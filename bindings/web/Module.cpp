@@ -49,6 +49,12 @@ __attribute__((export_name("adjustPicture"))) std::int32_t adjustPicture(
     return result == KELADJUST_REFUSED || errno == ENOMEM ? outOfMemory : done;
 }
 
+/// True if the settings do nothing to any picture.
+__attribute__((export_name("leavesPicturesAlone"))) std::int32_t leavesPicturesAlone(
+    const _AdjustParam* record) {
+    return keladjust::leavesPicturesAlone(*record) ? 1 : 0;
+}
+
 /// True if a picture of this shape can as well be adjusted a few rows at a time.
 __attribute__((export_name("rowsStandAlone"))) std::int32_t rowsStandAlone(
     std::uint8_t* row, std::uint32_t width, std::uint32_t bitsPerPixel, _ImagePixelFormat format,

@@ -191,6 +191,15 @@ TEST(Pipeline, TakesAnyRecordOnAnyPicture) {
     }
 }
 
+TEST(Pipeline, LeavesPicturesAloneIfNoSettingDoesAnythingByItself) {
+    _AdjustParam record = identity;
+    EXPECT_TRUE(keladjust::leavesPicturesAlone(record));
+    record.vignetteRoundness = 30;
+    EXPECT_TRUE(keladjust::leavesPicturesAlone(record));
+    record.vignetteAmount = -30;
+    EXPECT_FALSE(keladjust::leavesPicturesAlone(record));
+}
+
 // What rowsStandAlone() says of a picture.
 bool standAlone(const _AdjustParam& record, PixelFormat format = {32, IMAGE_FORMAT_BGRA}) {
     HostPicture picture(40, 3, format.bpp, format.format);

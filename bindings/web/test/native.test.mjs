@@ -40,6 +40,7 @@ for (const [name, settings] of Object.entries(records)) {
 // Of a quarter of a mebibyte and more the library gets a few rows at a time, where that serves.
 for (const [name, settings] of Object.entries({
     "nothing": {},
+    "nothing that shows": { "vignette-roundness": 30 },
     "exposure": { exposure: 20 },
     "tones": { exposure: -15, contrast: 30, vibrance: 30, saturation: -20 },
     "tones and a vignette": { exposure: 15, "vignette-amount": -60 },

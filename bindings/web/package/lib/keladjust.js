@@ -69,6 +69,7 @@ export class Keladjust {
         if (bytesOf(shape) === 0) return picture;
         const watched = progress !== undefined || signal !== undefined;
         const watch = watched ? new Watch(progress, signal) : null;
+        if (watch === null && this.#instance.leavesPicturesAlone(record)) return picture;
         const band = bandOf(shape);
         // Not while somebody may stop it in the middle.
         if (watch === null && band.height < shape.height && this.#rowsStandAlone(band, record)) {
