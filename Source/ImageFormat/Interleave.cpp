@@ -8,6 +8,8 @@
 
 #include <hwy/highway.h>
 
+#include "arithmetic/HeldVector-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
@@ -110,10 +112,11 @@ std::size_t swapVectors(const std::uint8_t*, std::size_t, std::uint8_t*) {
 // how many that are.
 std::size_t swapVectors(const std::uint8_t* from, std::size_t count, std::uint8_t* to) {
     const hn::Repartition<std::uint32_t, ByteTag> tag;
+    const auto staying = held(hn::Set(tag, 0xFF00FF00));
     std::size_t i = 0;
     for (; i + hn::Lanes(tag) <= count; i += hn::Lanes(tag)) {
         const auto pixels = hn::BitCast(tag, hn::LoadU(ByteTag(), from + 4 * i));
-        const auto stay = hn::And(pixels, hn::Set(tag, 0xFF00FF00));
+        const auto stay = hn::And(pixels, staying);
         const auto first = hn::ShiftRight<24>(hn::ShiftLeft<8>(pixels));
         const auto third = hn::ShiftRight<8>(hn::ShiftLeft<24>(pixels));
         const auto swapped = hn::Or(stay, hn::Or(first, third));

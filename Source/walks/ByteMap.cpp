@@ -10,7 +10,7 @@
 
 #include <cstring>
 
-#include "walks/HeldVector-inl.h"
+#include "arithmetic/HeldVector-inl.h"
 #include "walks/WordProducts-inl.h"
 
 HWY_BEFORE_NAMESPACE();

@@ -16,10 +16,10 @@
 
 #include "ImageFormat/PackedSpan.h"
 #include "ImageFormat/PixelSpan.h"
+#include "arithmetic/HeldVector-inl.h"
 #include "arithmetic/Reciprocal.h"
 #include "walks/ByteLookup-inl.h"
 #include "walks/ColourKernel.h"
-#include "walks/HeldVector-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {

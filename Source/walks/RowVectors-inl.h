@@ -14,8 +14,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "arithmetic/HeldVector-inl.h"
 #include "walks/ByteLookup-inl.h"
-#include "walks/HeldVector-inl.h"
 #include "walks/WordProducts-inl.h"
 
 // A single lane makes no pixel: there the kernels go byte by byte in plain terms.

@@ -12,7 +12,7 @@
 
 #include <cstdint>
 
-#include "walks/HeldVector-inl.h"
+#include "arithmetic/HeldVector-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {

@@ -1,11 +1,11 @@
 // Constants that are kept in registers. Included once for every instruction set, like the kernels
 // that use it; hence the guard that toggles.
 
-#if defined(KELADJUST_WALKS_HELDVECTOR_INL_H) == defined(HWY_TARGET_TOGGLE)
-#ifdef KELADJUST_WALKS_HELDVECTOR_INL_H
-#undef KELADJUST_WALKS_HELDVECTOR_INL_H
+#if defined(KELADJUST_ARITHMETIC_HELDVECTOR_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef KELADJUST_ARITHMETIC_HELDVECTOR_INL_H
+#undef KELADJUST_ARITHMETIC_HELDVECTOR_INL_H
 #else
-#define KELADJUST_WALKS_HELDVECTOR_INL_H
+#define KELADJUST_ARITHMETIC_HELDVECTOR_INL_H
 #endif
 
 #include <hwy/highway.h>
