@@ -8,14 +8,19 @@ namespace {
 
 constexpr std::uint32_t colourBits = 0xFFFFFF;
 
-std::uint32_t loadPixel(const PackedSpan& span, std::size_t i) {
+std::uint32_t loadPixel(const std::uint8_t* pixels, std::size_t i) {
     std::uint32_t pixel;
-    std::memcpy(&pixel, span.pixels + 4 * i, sizeof pixel);
+    std::memcpy(&pixel, pixels + 4 * i, sizeof pixel);
     return pixel;
 }
 
-void storePixel(std::uint32_t pixel, PackedSpan& span, std::size_t i) {
-    std::memcpy(span.pixels + 4 * i, &pixel, sizeof pixel);
+void storePixel(std::uint32_t pixel, std::uint8_t* pixels, std::size_t i) {
+    std::memcpy(pixels + 4 * i, &pixel, sizeof pixel);
+}
+
+/// The pixel with another colour, whose other bits are 0.
+std::uint32_t withColour(std::uint32_t pixel, std::uint32_t colour) {
+    return (pixel & ~colourBits) | colour;
 }
 
 }  // namespace
@@ -49,36 +54,36 @@ void ColourMemory::run(PackedSpan& span) {
     // Where most colours are new, as in noise, it is not worth asking for each span.
     constexpr unsigned pause = 3;
     if (2 * learning_.count > span.count) spansToPass_ = pause;
-    if (learning_.count > 0) learn();
-    for (std::size_t i = 0; i < span.count; ++i) {
-        storePixel((loadPixel(span, i) & ~colourBits) | changed_[i], span, i);
-    }
+    if (learning_.count > 0) learn(span);
 }
 
-// Without branches, which nothing could predict.
-void ColourMemory::recall(const PackedSpan& span) {
+// Without branches, which nothing could predict: for the time being an unknown colour becomes
+// whatever its entry holds.
+void ColourMemory::recall(PackedSpan& span) {
+    const Entry* const entries = entries_.data();
+    std::uint8_t* const pixels = span.pixels;
+    const std::size_t count = span.count;
     std::size_t unknown = 0;
-    for (std::size_t i = 0; i < span.count; ++i) {
-        const std::uint32_t colour = loadPixel(span, i) & colourBits;
-        const Entry entry = entries_[slotOf(colour)];
-        colours_[i] = colour;
-        changed_[i] = entry.changed;
-        unknown_[unknown] = static_cast<std::uint16_t>(i);
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint32_t pixel = loadPixel(pixels, i);
+        const std::uint32_t colour = pixel & colourBits;
+        const Entry entry = entries[slotOf(colour)];
+        storePixel(withColour(pixel, entry.changed), pixels, i);
+        colours_[unknown] = colour;
+        places_[unknown] = static_cast<std::uint16_t>(i);
         unknown += entry.colour != colour ? 1 : 0;
     }
     learning_.count = unknown;
 }
 
-void ColourMemory::learn() {
-    for (std::size_t i = 0; i < learning_.count; ++i) {
-        storePixel(colours_[unknown_[i]], learning_, i);
-    }
+void ColourMemory::learn(PackedSpan& span) {
+    for (std::size_t i = 0; i < learning_.count; ++i) storePixel(colours_[i], learning_.pixels, i);
     runInTurn(layout_, kernels_, learning_);
     for (std::size_t i = 0; i < learning_.count; ++i) {
-        const std::uint32_t colour = colours_[unknown_[i]];
-        const std::uint32_t changed = loadPixel(learning_, i);
-        changed_[unknown_[i]] = changed;
-        entries_[slotOf(colour)] = {colour, changed};
+        const std::uint32_t changed = loadPixel(learning_.pixels, i);
+        const std::size_t place = places_[i];
+        storePixel(withColour(loadPixel(span.pixels, place), changed), span.pixels, place);
+        entries_[slotOf(colours_[i])] = {colours_[i], changed};
     }
 }
 

@@ -39,16 +39,16 @@ private:
     static std::size_t slotOf(std::uint32_t colour) {
         return colour * 0x9E3779B1u >> (32 - slotBits);
     }
-    void recall(const PackedSpan& span);
-    void learn();
+    void recall(PackedSpan& span);
+    void learn(PackedSpan& span);
 
     PixelLayout layout_;
     std::span<const PixelKernel* const> kernels_;
     std::vector<Entry> entries_;
     unsigned spansToPass_ = 0;  ///< for which not to ask
+    // The colours to learn and their places in the span.
     std::array<std::uint32_t, PackedSpan::capacity> colours_;
-    std::array<std::uint32_t, PackedSpan::capacity> changed_;
-    std::array<std::uint16_t, PackedSpan::capacity> unknown_;  ///< places of colours to learn
+    std::array<std::uint16_t, PackedSpan::capacity> places_;
     PackedPixels learningPixels_;
     PackedSpan learning_;
 };
