@@ -149,7 +149,7 @@ test("short memory in the worker is an OutOfMemoryError, and the next request ru
     const limited = await createWorkerClient({ maximumMemory: 8 * 2 ** 20 });
     try {
         const data = new Uint8Array(2000 * 2000 * 4);
-        await assert.rejects(limited.adjust({ data, width: 2000, height: 2000 }, { exposure: 9 }),
+        await assert.rejects(limited.adjust({ data, width: 2000, height: 2000 }, { clarity: 9 }),
             (error) => error instanceof OutOfMemoryError);
         assert.deepEqual(await limited.adjust(small(), { exposure: 9 }), library.adjust(small(), { exposure: 9 }));
     } finally {
