@@ -1,14 +1,17 @@
 #include "host/Pipeline.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <memory>
 #include <new>
+#include <optional>
 #include <utility>
 
 #include "ImageFormat/PixelSpan.h"
 #include "filters/Stages.h"
 #include "platform/CallScope.h"
+#include "walks/ColourMemory.h"
 #include "walks/RawWalk.h"
 #include "walks/StageForms.h"
 
@@ -127,6 +130,32 @@ void runSpatialStages(CxImage& image, const _AdjustParam& parameters) {
         const platform::ProgressPart part = efforts.next(stage.effort);
         stage.run(&image, parameters);
     }
+}
+
+bool leavesPicturesAlone(const _AdjustParam& parameters) noexcept {
+    return std::none_of(stages.begin(), stages.end(),
+                        [&](const Stage& stage) { return stage.isActive(parameters); });
+}
+
+bool rowsStandAlone(CxImage& image, const _AdjustParam& parameters) noexcept {
+    const std::optional<Picture> picture = pictureOf(&image);
+    if (!picture) return true;
+    std::array<KernelPointer, stages.size()> made;
+    std::array<const PixelKernel*, stages.size()> kernels;
+    std::size_t count = 0;
+    try {
+        for (const Stage& stage : stages) {
+            if (!stage.isActive(parameters)) continue;
+            if (!canShareAPass(stage, *picture)) return false;
+            made[count] = stage.forms.pixels(*picture, stage.slots(parameters));
+            kernels[count] = made[count].get();
+            if (kernels[count]->looksAtPlace()) return false;
+            ++count;
+        }
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    return !ColourMemory::pays({kernels.data(), count});
 }
 
 CxImage* runCpuPipeline(CxImage* image, const _AdjustParam& parameters) noexcept {

@@ -10,6 +10,9 @@
 
 #include <cstring>
 
+#include "arithmetic/HeldVector-inl.h"
+#include "walks/WordProducts-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
@@ -95,10 +98,11 @@ public:
     }
 
     HWY_INLINE Bytes map(Bytes values) const {
+        const v128_t sixteen = held(hn::Set(ByteTag(), std::uint8_t{16})).raw;
         v128_t indices = values.raw;
         v128_t mapped = wasm_i8x16_swizzle(rows_[0], indices);
         for (int i = 1; i < 16; ++i) {
-            indices = wasm_i8x16_sub(indices, wasm_i8x16_splat(16));
+            indices = wasm_i8x16_sub(indices, sixteen);
             mapped = wasm_v128_or(mapped, wasm_i8x16_swizzle(rows_[i], indices));
         }
         return Bytes{mapped};
@@ -184,14 +188,16 @@ public:
     RampVectors(const ByteRamp& ramp, bool keepsFourth)
         : low_(bytesOf(ramp.low, keepsFourth)),
           base_(bytesOf(ramp.base, keepsFourth)),
-          even_{hn::Set(WordTag(), ramp.slope.whole), hn::Set(WordTag(), ramp.slope.fraction)},
+          even_{held(hn::Set(WordTag(), ramp.slope.whole)),
+                held(hn::Set(WordTag(), ramp.slope.fraction))},
           odd_{wordsOf(ramp.slope.whole, 1, keepsFourth),
                wordsOf(ramp.slope.fraction, 0, keepsFourth)} {}
 
     HWY_INLINE Bytes map(Bytes values) const {
         const ByteTag tag;
         const Words ways = hn::BitCast(WordTag(), hn::SaturatedSub(values, low_));
-        const Words even = product(hn::And(ways, hn::Set(WordTag(), 255)), even_);
+        const Words lower = held(hn::Set(WordTag(), std::uint16_t{255}));
+        const Words even = product(hn::And(ways, lower), even_);
         const Words odd = product(hn::ShiftRight<8>(ways), odd_);
         const Words risen = hn::Or(even, hn::ShiftLeft<8>(odd));
         return hn::SaturatedAdd(hn::BitCast(tag, risen), base_);
@@ -209,16 +215,17 @@ private:
 
     // Neither the product nor the sum leaves 16 bits.
     static HWY_INLINE Words product(Words ways, const Slope& slope) {
-        const Words sum = hn::Add(hn::Mul(ways, slope.whole), hn::MulHigh(ways, slope.fraction));
-        return hn::Min(sum, hn::Set(WordTag(), 255));
+        const Words fraction = upperProductOfBytes(ways, slope.fraction);
+        const Words sum = hn::Add(hn::Mul(ways, slope.whole), fraction);
+        return hn::Min(sum, held(hn::Set(WordTag(), std::uint16_t{255})));
     }
     static HWY_INLINE Bytes bytesOf(std::uint8_t value, bool keepsFourth) {
         const std::uint32_t pixel = value * (keepsFourth ? 0x010101u : 0x01010101u);
-        return hn::BitCast(ByteTag(), hn::Set(PixelTag(), pixel));
+        return hn::BitCast(ByteTag(), held(hn::Set(PixelTag(), pixel)));
     }
     static HWY_INLINE Words wordsOf(std::uint16_t value, std::uint16_t fourth, bool keepsFourth) {
         const std::uint32_t upper = keepsFourth ? fourth : value;
-        return hn::BitCast(WordTag(), hn::Set(PixelTag(), value | upper << 16));
+        return hn::BitCast(WordTag(), held(hn::Set(PixelTag(), value | upper << 16)));
     }
 
     Bytes low_;

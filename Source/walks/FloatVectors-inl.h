@@ -10,6 +10,8 @@
 
 #include <hwy/highway.h>
 
+#include "arithmetic/HeldVector-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
@@ -41,20 +43,47 @@ HWY_INLINE IntsOf<Values> truncateInRange(Values values) {
 template <class Values>
 HWY_INLINE Values clampTo(float limit, Values values) {
     const hn::DFromV<Values> tag;
-    const Values zero = hn::Zero(tag);
-#if HWY_ARCH_X86 && HWY_TARGET != HWY_EMU128 && HWY_TARGET != HWY_SCALAR
-    // The processor's maximum is its second operand if the first is NaN.
+    const Values zero = held(hn::Zero(tag));
+#if (HWY_ARCH_X86 && HWY_TARGET != HWY_EMU128 && HWY_TARGET != HWY_SCALAR) || HWY_TARGET == HWY_WASM
+    // The maximum is the second number if the first is none.
     const Values positive = hn::Max(values, zero);
 #else
     const Values positive = hn::IfThenElseZero(hn::Gt(values, zero), values);
 #endif
-    return hn::Min(positive, hn::Set(tag, limit));
+    return hn::Min(positive, held(hn::Set(tag, limit)));
+}
+
+/// Truncated; of numbers in 0..255.
+template <class Values>
+HWY_INLINE IntsOf<Values> truncateBytes(Values values) {
+#if HWY_TARGET == HWY_WASM
+    // The sum has the whole number in its lowest bits, in half the steps that V8 takes for a
+    // conversion, which saturates.
+    const hn::DFromV<Values> tag;
+    const hn::RebindToSigned<decltype(tag)> ints;
+    const Values sum = hn::Add(hn::Trunc(values), held(hn::Set(tag, 8388608.0f)));
+    return hn::And(hn::BitCast(ints, sum), held(hn::Set(ints, 255)));
+#else
+    return truncateInRange(values);
+#endif
+}
+
+/// The smaller one of 255 and of each number, truncated; of numbers that are not negative.
+template <class Values>
+HWY_INLINE IntsOf<Values> limitedToBytes(Values values) {
+    return truncateBytes(hn::Min(values, held(hn::Set(hn::DFromV<Values>(), 255.0f))));
 }
 
 /// Clamped to 0..255 and truncated; NaN gives 0.
 template <class Values>
 HWY_INLINE IntsOf<Values> clampToBytes(Values values) {
-    return truncateInRange(clampTo(255.0f, values));
+#if HWY_TARGET == HWY_NEON && HWY_ARCH_ARM_A64
+    // The conversion to unsigned numbers saturates at 0, and NaN gives 0: two steps for four.
+    const uint32x4_t saturated = vcvtq_u32_f32(values.raw);
+    return IntsOf<Values>(vreinterpretq_s32_u32(vminq_u32(saturated, vdupq_n_u32(255))));
+#else
+    return truncateBytes(clampTo(255.0f, values));
+#endif
 }
 
 }  // namespace HWY_NAMESPACE

@@ -14,6 +14,7 @@
 #include <cstdint>
 
 #include "ImageFormat/PackedSpan.h"
+#include "arithmetic/HeldVector-inl.h"
 #include "arithmetic/Reciprocal.h"
 #include "walks/ByteLookup-inl.h"
 #include "walks/ColourKernel.h"
@@ -35,10 +36,10 @@ using Ints = hn::Vec<IntTag>;
 using FloatMask = hn::Mask<FloatTag>;
 
 HWY_INLINE Floats constant(float value) {
-    return hn::Set(FloatTag(), value);
+    return held(hn::Set(FloatTag(), value));
 }
 HWY_INLINE Ints constant(std::int32_t value) {
-    return hn::Set(IntTag(), value);
+    return held(hn::Set(IntTag(), value));
 }
 
 HWY_INLINE Ints loadInts(const std::uint8_t* lane) {
@@ -144,16 +145,24 @@ HWY_INLINE void storeClamped(const Channels<Ints>& c, PackedSpan& span, std::siz
 // The bytes of as many pixels as a vector has floats.
 using PackedTag = hn::Repartition<std::uint8_t, FloatTag>;
 using Packed = hn::Vec<PackedTag>;
+using UnsignedTag = hn::RebindToUnsigned<IntTag>;
 
 /// One byte of each pixel as a whole number.
 template <std::uint8_t byte>
 HWY_INLINE Ints byteOfPixels(Packed pixels) {
+#if HWY_TARGET == HWY_WASM
+    // A look-up is two steps on x86, and its places are a third.
+    const auto from = hn::ShiftRight<8 * byte>(hn::BitCast(UnsignedTag(), pixels));
+    const Ints whole = hn::BitCast(IntTag(), from);
+    return byte == 3 ? whole : hn::And(whole, constant(std::int32_t{255}));
+#else
     constexpr std::uint8_t none = noByte;
     HWY_ALIGN static constexpr std::uint8_t places[] = {
         byte,     none, none, none, byte + 4,  none, none, none,
         byte + 8, none, none, none, byte + 12, none, none, none};
     const auto table = hn::LoadDup128(PackedTag(), places);
     return hn::BitCast(IntTag(), bytesAtPlaces(pixels, table));
+#endif
 }
 
 using HalfTag = hn::Repartition<std::int16_t, FloatTag>;
@@ -167,6 +176,8 @@ HWY_INLINE Packed clampToPacked(Halves first, Halves second) {
     return Packed{_mm256_packus_epi16(first.raw, second.raw)};
 #elif HWY_TARGET == HWY_SSSE3 || HWY_TARGET == HWY_SSE4
     return Packed{_mm_packus_epi16(first.raw, second.raw)};
+#elif HWY_TARGET == HWY_WASM
+    return Packed{wasm_u8x16_narrow_i16x8(first.raw, second.raw)};
 #else
     const hn::Half<PackedTag> half;
     return hn::Combine(PackedTag(), hn::DemoteTo(half, second), hn::DemoteTo(half, first));

@@ -14,8 +14,10 @@
 #include <cstdint>
 #include <cstring>
 
+#include "arithmetic/HeldVector-inl.h"
 #include "walks/ByteLookup-inl.h"
 #include "walks/FloatVectors-inl.h"
+#include "walks/WordProducts-inl.h"
 
 // A single lane makes no pixel: there the kernels go byte by byte in plain terms.
 #if HWY_TARGET != HWY_SCALAR
@@ -78,7 +80,8 @@ struct WordPair {
 };
 HWY_INLINE WordPair toWords(Bytes v) {
     const Words words = hn::BitCast(WordTag(), v);
-    return {hn::And(words, hn::Set(WordTag(), std::uint16_t{255})), hn::ShiftRight<8>(words)};
+    const Words lower = held(hn::Set(WordTag(), std::uint16_t{255}));
+    return {hn::And(words, lower), hn::ShiftRight<8>(words)};
 }
 /// Words of 0..255.
 HWY_INLINE Bytes toBytes(const WordPair& words) {
@@ -87,13 +90,13 @@ HWY_INLINE Bytes toBytes(const WordPair& words) {
 
 /// Words of 0..255 as ByteScale scales them.
 HWY_INLINE Words scaled(Words in, Words whole, Words fraction) {
-    const Words out = hn::Add(hn::Mul(in, whole), hn::MulHigh(in, fraction));
-    return hn::Min(out, hn::Set(WordTag(), std::uint16_t{255}));
+    const Words out = hn::Add(hn::Mul(in, whole), upperProductOfBytes(in, fraction));
+    return hn::Min(out, held(hn::Set(WordTag(), std::uint16_t{255})));
 }
 
 /// Four bytes in every group of four.
 HWY_INLINE Bytes everyFour(std::uint32_t bytes) {
-    return hn::BitCast(RowTag(), hn::Set(QuadTag(), bytes));
+    return hn::BitCast(RowTag(), held(hn::Set(QuadTag(), bytes)));
 }
 
 /// The fourth byte of every pixel of four, in all of its places.
@@ -115,7 +118,7 @@ struct Places {
 template <bool pixelsOfFour>
 HWY_INLINE Places<pixelsOfFour> placesOf(Bytes bytes) {
     const SignedQuadTag tag;
-    const SignedQuads byte = hn::Set(tag, 255);
+    const SignedQuads byte = held(hn::Set(tag, 255));
     const Quads quads = hn::BitCast(QuadTag(), bytes);
     const SignedQuads first = hn::And(hn::BitCast(tag, quads), byte);
     const SignedQuads second = hn::And(hn::BitCast(tag, hn::ShiftRight<8>(quads)), byte);

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "host/Pipeline.h"
 #include "text/CubeText.h"
 #include "text/NearestName.h"
 
@@ -46,6 +47,20 @@ __attribute__((export_name("adjustPicture"))) std::int32_t adjustPicture(
     if (result == KELADJUST_CANCELLED) return cancelled;
     // Nothing but memory can be missing: picture, record and path are what the library asks for.
     return result == KELADJUST_REFUSED || errno == ENOMEM ? outOfMemory : done;
+}
+
+/// True if the settings do nothing to any picture.
+__attribute__((export_name("leavesPicturesAlone"))) std::int32_t leavesPicturesAlone(
+    const _AdjustParam* record) {
+    return keladjust::leavesPicturesAlone(*record) ? 1 : 0;
+}
+
+/// True if a picture of this shape can as well be adjusted a few rows at a time.
+__attribute__((export_name("rowsStandAlone"))) std::int32_t rowsStandAlone(
+    std::uint8_t* row, std::uint32_t width, std::uint32_t bitsPerPixel, _ImagePixelFormat format,
+    const _AdjustParam* record) {
+    CxImage image(&row, width, 1, bitsPerPixel, format);
+    return keladjust::rowsStandAlone(image, *record) ? 1 : 0;
 }
 
 /// The setting's name that a wrong one is nearest to, or null.

@@ -1,3 +1,5 @@
+#include "host/Pipeline.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -187,6 +189,55 @@ TEST(Pipeline, TakesAnyRecordOnAnyPicture) {
         expectAsOneByOne(randomRecord(generator), width, height, {bpp, format});
         if (HasFailure()) FAIL() << "record " << i;
     }
+}
+
+TEST(Pipeline, LeavesPicturesAloneIfNoSettingDoesAnythingByItself) {
+    _AdjustParam record = identity;
+    EXPECT_TRUE(keladjust::leavesPicturesAlone(record));
+    record.vignetteRoundness = 30;
+    EXPECT_TRUE(keladjust::leavesPicturesAlone(record));
+    record.vignetteAmount = -30;
+    EXPECT_FALSE(keladjust::leavesPicturesAlone(record));
+}
+
+// What rowsStandAlone() says of a picture.
+bool standAlone(const _AdjustParam& record, PixelFormat format = {32, IMAGE_FORMAT_BGRA}) {
+    HostPicture picture(40, 3, format.bpp, format.format);
+    return keladjust::rowsStandAlone(*picture.image(), record);
+}
+
+TEST(Pipeline, RowsOfTonesStandAlone) {
+    _AdjustParam record = identity;
+    EXPECT_TRUE(standAlone(record));
+    record.exposure = 15;
+    record.saturation = 20;
+    EXPECT_TRUE(standAlone(record));
+}
+
+TEST(Pipeline, RowsDoNotStandAloneWhereAStageSeesItsNeighbours) {
+    _AdjustParam record = identity;
+    record.exposure = 15;
+    record.clarity = 10;
+    EXPECT_FALSE(standAlone(record));
+}
+
+TEST(Pipeline, RowsDoNotStandAloneWhereAStageLooksAtAPixelsPlace) {
+    _AdjustParam record = identity;
+    record.vignetteAmount = -30;
+    EXPECT_FALSE(standAlone(record));
+}
+
+TEST(Pipeline, RowsDoNotStandAloneWhereColoursAreRemembered) {
+    EXPECT_FALSE(standAlone(everySetting()));
+}
+
+TEST(Pipeline, RowsDoNotStandAloneWhereAStageGoesAlongTheirPadding) {
+    _AdjustParam record = identity;
+    record.brightness = 15;
+    const PixelFormat rgb{24, IMAGE_FORMAT_RGB};
+    HostPicture padded(41, 3, rgb.bpp, rgb.format);
+    EXPECT_FALSE(keladjust::rowsStandAlone(*padded.image(), record));
+    EXPECT_TRUE(standAlone(record, rgb));
 }
 
 TEST(Pipeline, AtIdentityReturnsThePictureAsItIs) {

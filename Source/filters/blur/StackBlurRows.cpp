@@ -148,20 +148,22 @@ struct Sums {
     // A flat line of 255 has the largest sum there is, and its product with the multiplier comes
     // out just below 2^32 and, shifted, as 255: nothing overflows. Colour of premultiplied pixels
     // never exceeds alpha.
-    HWY_INLINE Places<pixelsOfFour> blurred(StackBlurScale scale, Bytes middle) const {
-        const Quads multiplier = hn::Set(QuadTag(), scale.multiplier);
+    HWY_INLINE Places<pixelsOfFour> blurred(Quads multiplier, Bytes middle) const {
         const SignedQuads alpha =
             hn::BitCast(SignedQuadTag(), hn::ShiftRight<24>(hn::BitCast(QuadTag(), middle)));
         Places<pixelsOfFour> places = sums;
         for (std::size_t c = 0; c < places.count; ++c) {
             const Quads product = hn::Mul(hn::BitCast(QuadTag(), sums.at[c]), multiplier);
-            places.at[c] = hn::BitCast(SignedQuadTag(),
-                                       hn::ShiftRightSame(product, static_cast<int>(scale.shift)));
+            places.at[c] = hn::BitCast(SignedQuadTag(), hn::ShiftRight<stackBlurShift>(product));
             if constexpr (pixelsOfFour) places.at[c] = hn::Min(places.at[c], alpha);
         }
         return places;
     }
 };
+
+HWY_INLINE Quads multiplierOf(std::size_t radius) {
+    return held(hn::Set(QuadTag(), stackBlurMultiplier(static_cast<unsigned>(radius))));
+}
 
 // (sharp - blurred) * factor + sharp.
 template <bool pixelsOfFour>
@@ -208,7 +210,7 @@ constexpr std::size_t largestNarrowRadius = 127;
 // earlier.
 template <bool pixelsOfFour, bool wide>
 void blurTileOf(std::uint8_t* first, std::size_t width, std::size_t radius) {
-    const StackBlurScale scale = stackBlurScale(static_cast<unsigned>(radius));
+    const Quads multiplier = multiplierOf(radius);
     const std::size_t reach = (radius + 1) * tileBytes;
     const SignedQuads weights =
         hn::Set(SignedQuadTag(), static_cast<std::int32_t>((radius + 1) * (radius + 1)));
@@ -225,7 +227,7 @@ void blurTileOf(std::uint8_t* first, std::size_t width, std::size_t radius) {
         for (std::size_t i = 0; i < width; ++i, sample += tileBytes) {
             const Bytes middle = load(sample, Whole{});
             const Bytes outgoing = load(sample - reach, Whole{});
-            store(joined(sums.blurred(scale, middle), middle), sample - reach, Whole{});
+            store(joined(sums.blurred(multiplier, middle), middle), sample - reach, Whole{});
             sums.advance(load(sample + reach, Whole{}), middle, outgoing);
         }
     }
@@ -258,8 +260,8 @@ void blurColumns(std::span<const BlurStep> steps, std::size_t bytes, std::size_t
                  float factor, std::uint8_t* state) {
     using Column = Sums<pixelsOfFour, wide>;
     static_assert(sizeof(Column) <= blurStateFactor * sizeof(Bytes));
-    const StackBlurScale scale = stackBlurScale(static_cast<unsigned>(radius));
-    const Floats factors = hn::Set(FloatTag(), factor);
+    const Quads multiplier = multiplierOf(radius);
+    const Floats factors = held(hn::Set(FloatTag(), factor));
     const std::size_t vector = hn::Lanes(RowTag());
     forEachVector(bytes, [&](std::size_t i, auto extent) HWY_ATTR {
         prefetch(steps, i);
@@ -268,7 +270,7 @@ void blurColumns(std::span<const BlurStep> steps, std::size_t bytes, std::size_t
         for (const BlurStep& step : steps) {
             const Bytes middle = load(step.middle + i, extent);
             if (step.target != nullptr) {
-                const auto blurred = sums.blurred(scale, middle);
+                const auto blurred = sums.blurred(multiplier, middle);
                 const auto pushed = [&]() HWY_ATTR {
                     const Bytes sharp = load(step.target + i, extent);
                     return joined(pushedAway(sharp, blurred, factors), middle);

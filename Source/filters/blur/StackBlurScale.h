@@ -23,6 +23,27 @@ constexpr StackBlurScale stackBlurScale(unsigned radius) {
     return {static_cast<std::uint32_t>(multiplier(shift)), shift};
 }
 
+/// The shift of the largest radius, to which every other scale can be moved up: vectors shift by a
+/// constant in fewer steps than by a number.
+constexpr unsigned stackBlurShift = stackBlurScale(254).shift;
+
+constexpr std::uint32_t stackBlurMultiplier(unsigned radius) {
+    const StackBlurScale scale = stackBlurScale(radius);
+    return scale.multiplier << (stackBlurShift - scale.shift);
+}
+
+/// True if the product with the largest sum that a radius has fits 32 bits.
+constexpr bool stackBlurProductFits(unsigned radius) {
+    const std::uint64_t largestSum = std::uint64_t{255} * (radius + 1) * (radius + 1);
+    return largestSum * stackBlurMultiplier(radius) < std::uint64_t{1} << 32;
+}
+static_assert([] {
+    for (unsigned radius = 0; radius < 255; ++radius) {
+        if (!stackBlurProductFits(radius)) return false;
+    }
+    return true;
+}());
+
 }  // namespace keladjust
 
 #endif

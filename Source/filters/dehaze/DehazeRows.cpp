@@ -140,21 +140,21 @@ Darkness darkestChannels(const std::uint8_t* pixels, std::size_t count, std::siz
 class VeilOnPixels {
 public:
     explicit VeilOnPixels(Veil veil)
-        : factor_(hn::Set(FloatTag(), veil.factor)), light_(hn::Set(FloatTag(), veil.light)) {}
+        : factor_(held(hn::Set(FloatTag(), veil.factor))),
+          light_(held(hn::Set(FloatTag(), veil.light))) {}
 
     HWY_INLINE SignedQuads depth(const std::uint8_t* means, SignedQuads darkest) const {
         const SignedQuads mean = hn::PromoteTo(SignedQuadTag(), hn::LoadU(PixelTag(), means));
-        return hn::Min(darkest, truncateInRange(hn::Mul(toFloats(mean), factor_)));
+        return hn::Min(darkest, limitedToBytes(hn::Mul(toFloats(mean), factor_)));
     }
 
     HWY_INLINE Floats kept(SignedQuads depth) const {
-        return hn::Sub(hn::Set(FloatTag(), 1.0f), hn::Div(toFloats(depth), light_));
+        return hn::Sub(held(hn::Set(FloatTag(), 1.0f)), hn::Div(toFloats(depth), light_));
     }
 
     // Of a channel from which the depth is taken off.
     HWY_INLINE static SignedQuads unveiled(SignedQuads channel, Floats kept) {
-        return hn::Min(truncateInRange(hn::Div(toFloats(channel), kept)),
-                       hn::Set(SignedQuadTag(), 255));
+        return limitedToBytes(hn::Div(toFloats(channel), kept));
     }
 
 private:

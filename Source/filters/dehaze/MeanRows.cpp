@@ -8,6 +8,8 @@
 
 #include <hwy/highway.h>
 
+#include "walks/WordProducts-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
@@ -100,11 +102,11 @@ void meansInside(const std::uint16_t* sums, std::size_t count, std::uint32_t row
         hn::StoreU(sumOf(sums + x, 1, 3), tag, triples + x);
     }
     const Division division = divisionBy(rows * meanSide);
-    const auto multiplier = hn::Set(tag, division.multiplier);
+    const auto multiplier = held(hn::Set(tag, division.multiplier));
     const hn::RebindToSigned<SumTag> signedTag;
     std::size_t x = forEachVector(count, [&](std::size_t i) HWY_ATTR {
         const auto quotient =
-            hn::ShiftRightSame(hn::MulHigh(sumOf(triples + i, 3, 5), multiplier), division.shift);
+            hn::ShiftRightSame(upperProduct(sumOf(triples + i, 3, 5), multiplier), division.shift);
         hn::StoreU(hn::DemoteTo(ByteTag(), hn::BitCast(signedTag, quotient)), ByteTag(), means + i);
     });
     for (; x < count; ++x) {

@@ -17,10 +17,11 @@ import { peers, work } from "./peers.mjs";
 
 const rounds = Number(process.argv[2] ?? 9);
 const parts = process.argv[3] === undefined ? ["native", "peers"] : [process.argv[3]];
-const runsOfRound = 3;
 const size = { width: 1920, height: 1080 };
 /** Of the same picture, since some packages take seconds a megapixel. */
 const part = { width: 1920, height: 270 };
+/** Milliseconds for which each runs before it counts. */
+const warmUp = 100;
 const megapixels = (size.width * size.height) / 1e6;
 const photograph = "/usr/share/backgrounds/mate/nature/FreshFlower.jpg";
 const native = fileURLToPath(new URL("../../../build/release/bin/native_adjuster", import.meta.url));
@@ -43,6 +44,7 @@ async function timed(body) {
 const library = await load();
 const folder = mkdtempSync(join(tmpdir(), "keladjust-bench-"));
 const raw = `${folder}/photograph`;
+const copy = new Uint8ClampedArray(4 * size.width * size.height);
 let pixels;
 try {
     execFileSync("ffmpeg", ["-nostdin", "-v", "error", "-i", photograph,
@@ -60,25 +62,35 @@ try {
 // wasm-vips has threads that would keep the program from its end.
 process.exit();
 
+/** Runs until all is compiled as well as it will be. */
+async function warm(run) {
+    for (let spent = 0; spent < warmUp;) spent += await run();
+}
+
+/** Always of one array, or what throws arrays away would take its part of the time. */
 function adjustCopy(settings) {
-    const data = pixels.slice();
-    return timed(() => library.adjust({ data, ...size }, settings));
+    copy.set(pixels);
+    return timed(() => library.adjust({ data: copy, ...size }, settings));
 }
 
 async function besideNative() {
     const alone = Object.fromEntries(library.settings
         .filter(({ usual, highest, group }) => usual === 0 && highest > 0 && group !== "Colour ranges")
         .map(({ name, highest }) => [name, { [name]: name === "sharpen" ? 120 : Math.min(30, highest) }]));
-    const measured = { ...alone, ...records };
+    const measured = Object.fromEntries(Object.entries({ ...alone, ...records }).filter(([, settings]) => {
+        copy.set(pixels);
+        library.adjust({ data: copy, ...size }, settings);
+        return copy.some((byte, at) => byte !== pixels[at]);
+    }));
     const times = Object.fromEntries(Object.keys(measured).map((name) => [name, { here: [], native: [] }]));
-    for (const settings of Object.values(measured)) await adjustCopy(settings);  // compiled as well as it will be
+    for (const settings of Object.values(measured)) await warm(() => adjustCopy(settings));
     for (let round = 0; round < rounds; ++round) {
         for (const [name, settings] of Object.entries(measured)) {
             const words = Object.entries(settings).map(([setting, value]) => `${setting}=${value}`);
             const lines = execFileSync(native,
-                ["time", "rgba", size.width, size.height, raw, runsOfRound, ...words].map(String), { encoding: "utf8" });
-            times[name].native.push(...lines.trim().split("\n").map(Number));
-            for (let run = 0; run < runsOfRound; ++run) times[name].here.push(await adjustCopy(settings));
+                ["time", "rgba", size.width, size.height, raw, 1, ...words].map(String), { encoding: "utf8" });
+            times[name].native.push(Number(lines));
+            times[name].here.push(await adjustCopy(settings));
         }
     }
     console.log("");
@@ -92,18 +104,23 @@ async function besideNative() {
 
 async function besidePeers() {
     const top = pixels.subarray(0, 4 * part.width * part.height);
+    const data = new Uint8ClampedArray(top.length);  // adjusted in place, as a page does it
     const sides = { keladjust: Object.fromEntries(Object.entries(work).map(([name, settings]) =>
-        [name, (given) => library.adjust({ data: given.slice(), ...part }, settings)])) };
+        [name, (given) => {
+            data.set(given);
+            library.adjust({ data, ...part }, settings);
+        }])) };
     for (const [name, start] of Object.entries(peers)) sides[name] = await start(part);
 
-    const times = {};
-    for (let round = -1; round < rounds; ++round) {  // the first does not count
+    const eachJob = async (body) => {
         for (const job of Object.keys(work)) {
-            for (const [side, jobs] of Object.entries(sides)) {
-                const took = await timed(() => jobs[job](top));
-                if (round >= 0) ((times[job] ??= {})[side] ??= []).push(took);
-            }
+            for (const [side, jobs] of Object.entries(sides)) await body(job, side, () => timed(() => jobs[job](top)));
         }
+    };
+    await eachJob((job, side, run) => warm(run));
+    const times = {};
+    for (let round = 0; round < rounds; ++round) {
+        await eachJob(async (job, side, run) => ((times[job] ??= {})[side] ??= []).push(await run()));
     }
     console.log(`\n${part.width} x ${part.height} RGBA\n`);
     const names = Object.keys(peers);

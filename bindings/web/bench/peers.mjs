@@ -35,7 +35,8 @@ function jimp({ width, height }) {
 
 function photonNode({ width, height }) {
     const run = (...changes) => (pixels) => {
-        const image = new photon.PhotonImage(new Uint8Array(pixels), width, height);
+        const bytes = new Uint8Array(pixels.buffer, pixels.byteOffset, pixels.length);
+        const image = new photon.PhotonImage(bytes, width, height);
         for (const change of changes) change(image);
         const changed = image.get_raw_pixels();
         image.free();

@@ -34,9 +34,10 @@ test("tables and cube files come from the worker as well", async () => {
 });
 
 test("of a slot's waiting requests the latest alone runs", async () => {
-    const begun = [];
+    // Of one request more than one may be told, where a machine is slow.
+    const begun = new Set();
     const request = (exposure, slot) => client.adjust(small(), { exposure },
-        { slot, progress: (share) => { if (share === 0) begun.push(`${slot} ${exposure}`); } });
+        { slot, progress: () => { begun.add(`${slot} ${exposure}`); } });
     const requests = [
         client.adjust(large(), { clarity: 10 }),
         request(1, "a"), request(2, "a"), request(1, "b"), request(3, "a"), request(2, "b"),
@@ -49,7 +50,7 @@ test("of a slot's waiting requests the latest alone runs", async () => {
         assert.equal(reason.name, "SupersededError");
     }
     // Each in the place of the first of its slot.
-    assert.deepEqual(begun, ["a 3", "b 2"]);
+    assert.deepEqual([...begun], ["a 3", "b 2"]);
     assert.deepEqual(results[4].value, library.adjust(small(), { exposure: 3 }));
 });
 
@@ -149,7 +150,7 @@ test("short memory in the worker is an OutOfMemoryError, and the next request ru
     const limited = await createWorkerClient({ maximumMemory: 8 * 2 ** 20 });
     try {
         const data = new Uint8Array(2000 * 2000 * 4);
-        await assert.rejects(limited.adjust({ data, width: 2000, height: 2000 }, { exposure: 9 }),
+        await assert.rejects(limited.adjust({ data, width: 2000, height: 2000 }, { clarity: 9 }),
             (error) => error instanceof OutOfMemoryError);
         assert.deepEqual(await limited.adjust(small(), { exposure: 9 }), library.adjust(small(), { exposure: 9 }));
     } finally {

@@ -46,12 +46,21 @@ test("a large picture's memory is used again for the next", async () => {
 test("a picture that does not fit is refused and untouched", async () => {
     const library = await load({ maximumMemory: 8 * mebibyte });
     const data = new Uint8Array(2000 * 2000 * 4).fill(99);
-    assert.throws(() => library.adjust({ data, width: 2000, height: 2000 }, { exposure: 20 }), (error) => {
+    assert.throws(() => library.adjust({ data, width: 2000, height: 2000 }, { clarity: 20 }), (error) => {
         assert.ok(error instanceof OutOfMemoryError && error instanceof RangeError);
         assert.equal(error.message, "out of memory: there is none for 16000000 bytes");
         return true;
     });
     assert.ok(data.every((byte) => byte === 99));
+});
+
+test("what changes each pixel by itself needs no memory for the whole picture", async () => {
+    const library = await load({ maximumMemory: 8 * mebibyte });
+    const before = library.memory;
+    const data = new Uint8Array(2000 * 2000 * 4).fill(99);
+    library.adjust({ data, width: 2000, height: 2000 }, { brightness: 100 });
+    assert.ok(data.every((byte, at) => byte === (at % 4 === 3 ? 99 : 2 * 99)));
+    assert.equal(library.memory, before);
 });
 
 for (const [name, settings] of Object.entries({

@@ -37,6 +37,21 @@ for (const [name, settings] of Object.entries(records)) {
     });
 }
 
+// Of a quarter of a mebibyte and more the library gets a few rows at a time, where that serves.
+for (const [name, settings] of Object.entries({
+    "nothing": {},
+    "nothing that shows": { "vignette-roundness": 30 },
+    "exposure": { exposure: 20 },
+    "tones": { exposure: -15, contrast: 30, vibrance: 30, saturation: -20 },
+    "tones and a vignette": { exposure: 15, "vignette-amount": -60 },
+    "tones and clarity": { contrast: 15, clarity: 40 },
+    "eleven settings": records["eleven settings"],
+})) {
+    test(`large pictures, ${name}, in every order`, () => {
+        for (const order of orders) expectNative(order, 1021, 601, settings);
+    });
+}
+
 test("pictures of a few pixels", () => {
     for (const [width, height] of [[1, 1], [2, 1], [1, 3], [3, 2], [5, 5]]) {
         for (const order of orders) expectNative(order, width, height, records["a little of everything"]);

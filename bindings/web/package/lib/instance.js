@@ -166,6 +166,17 @@ export class Instance {
         }
     }
 
+    /** Whether the settings do nothing to any picture. */
+    leavesPicturesAlone(record) {
+        return this.#withRecord(record, (address) => this.#exports.leavesPicturesAlone(address) !== 0);
+    }
+
+    /** Whether a picture, of which one row is at the address, can as well be adjusted a few rows at a time. */
+    rowsStandAlone(address, { width, order, channels }, record) {
+        return this.#withRecord(record, (recordAddress) =>
+            this.#exports.rowsStandAlone(address, width, 8 * channels, formatNumbers[order], recordAddress) !== 0);
+    }
+
     /** A colour table of dimension^3 triples, at the address. */
     bake(address, record, dimension, redFastest) {
         return this.#withRecord(record, (recordAddress) => {

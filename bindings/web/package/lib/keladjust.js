@@ -3,7 +3,7 @@
 import { checkChoice, checkFunction, checkObject, checkSignal, checkWhole } from "./checks.js";
 import { abortError, OutOfMemoryError } from "./errors.js";
 import { Instance } from "./instance.js";
-import { copyIn, copyOut, shapeOf } from "./pictures.js";
+import { bandOf, bytesOf, copyIn, copyOut, rowsOf, shapeOf } from "./pictures.js";
 import { readPreset, writePreset } from "./presets.js";
 import { Settings } from "./settings.js";
 
@@ -66,22 +66,48 @@ export class Keladjust {
         checkFunction(progress, "options.progress");
         checkSignal(signal, "options.signal");
         signal?.throwIfAborted();
-        const bytes = shape.paddedRowBytes * shape.height;
-        if (bytes > 0) this.#adjustCopy(shape, bytes, record, progress, signal);
+        if (bytesOf(shape) === 0) return picture;
+        const watched = progress !== undefined || signal !== undefined;
+        const watch = watched ? new Watch(progress, signal) : null;
+        if (watch === null && this.#instance.leavesPicturesAlone(record)) return picture;
+        const band = bandOf(shape);
+        // Not while somebody may stop it in the middle.
+        if (watch === null && band.height < shape.height && this.#rowsStandAlone(band, record)) {
+            this.#adjustBands(shape, band, record);
+        } else {
+            this.#adjustCopy(shape, record, watch);
+        }
         return picture;
     }
 
-    #adjustCopy(shape, bytes, record, progress, signal) {
-        const instance = this.#instance;
-        instance.withMemory(bytes, (address) => {
-            copyIn(shape, instance.bytes(address, bytes));
-            const watched = progress !== undefined || signal !== undefined;
-            const watch = watched ? new Watch(progress, signal) : null;
-            const outcome = instance.adjust(address, shape, record, watch && ((share) => watch.tell(share)));
-            if (watch?.stopped) throw watch.reason;
-            if (outcome === "out of memory") throw new OutOfMemoryError();
-            copyOut(instance.bytes(address, bytes), shape);
+    #rowsStandAlone(band, record) {
+        return this.#instance.withMemory(band.paddedRowBytes, (address) =>
+            this.#instance.rowsStandAlone(address, band, record));
+    }
+
+    #adjustCopy(shape, record, watch) {
+        const bytes = bytesOf(shape);
+        this.#instance.withMemory(bytes, (address) => this.#adjustAt(address, bytes, shape, record, watch));
+    }
+
+    /** Memory is the same for every band: if it is short, it is so for the first, before a pixel is changed. */
+    #adjustBands(shape, band, record) {
+        const bytes = bytesOf(band);
+        this.#instance.withMemory(bytes, (address) => {
+            for (let y = 0; y < shape.height; y += band.height) {
+                const rows = rowsOf(shape, y, Math.min(band.height, shape.height - y));
+                this.#adjustAt(address, bytesOf(rows), rows, record, null);
+            }
         });
+    }
+
+    #adjustAt(address, bytes, shape, record, watch) {
+        const instance = this.#instance;
+        copyIn(shape, instance.bytes(address, bytes));
+        const outcome = instance.adjust(address, shape, record, watch && ((share) => watch.tell(share)));
+        if (watch?.stopped) throw watch.reason;
+        if (outcome === "out of memory") throw new OutOfMemoryError();
+        copyOut(instance.bytes(address, bytes), shape);
     }
 
     lut(settings, dimension = 32, options = {}) {

@@ -26,6 +26,26 @@ export function shapeOf(picture) {
     return { data, width, height, order, channels, rowBytes, paddedRowBytes };
 }
 
+/** What a picture takes in the library's memory. */
+export function bytesOf({ paddedRowBytes, height }) {
+    return paddedRowBytes * height;
+}
+
+/** Some of a picture's rows. */
+export function rowsOf(shape, first, height) {
+    const { data, rowBytes } = shape;
+    return { ...shape, data: data.subarray(rowBytes * first, rowBytes * (first + height)), height };
+}
+
+/** What of a picture stays in a processor's second-level cache from one copy to the other. */
+const bandBytes = 256 * 1024;
+
+/** The first rows of a picture, as many as are best adjusted together where rows stand alone. */
+export function bandOf(shape) {
+    const rows = Math.max(1, Math.floor(bandBytes / shape.paddedRowBytes));
+    return rowsOf(shape, 0, Math.min(rows, shape.height));
+}
+
 /** Into the library's memory; what pads a row is 0. */
 export function copyIn({ data, height, rowBytes, paddedRowBytes }, memory) {
     if (rowBytes === paddedRowBytes) {
