@@ -201,7 +201,11 @@ class Firefox extends Page {
             const fresh = names.filter((name) => !before.has(name) && !name.endsWith(".part"));
             if (fresh.length === 1 && names.every((name) => !name.endsWith(".part"))) {
                 const bytes = await readFile(join(this.downloads, fresh[0]));
-                if (bytes.length > 0) return { name: fresh[0], bytes };
+                if (bytes.length > 0) {
+                    // What tells of the download may cover the page, which is then not drawn any more.
+                    await this.page.bringToFront();
+                    return { name: fresh[0], bytes };
+                }
             }
             if (Date.now() > end) throw new Error("nothing was saved");
             await new Promise((wait) => setTimeout(wait, 50));
