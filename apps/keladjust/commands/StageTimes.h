@@ -18,8 +18,8 @@ struct StageTime {
 };
 
 /// Measures stage after stage, each with a setting that a user might choose and each run on the
-/// picture as it came; last come several settings in one call. First of all comes a pass that does no
-/// more than read and write every byte, which is the least that a change in place takes on this
+/// picture as it came; last come several settings in one call. First of all comes a pass that does
+/// no more than read and write every byte, which is the least that a change in place takes on this
 /// machine. A run before the first is not counted: it meets memory that is new.
 ///
 /// @param given   settings to be measured in one call, too
