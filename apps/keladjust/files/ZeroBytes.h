@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdlib>
+#include <memory>
 #include <new>
 #include <vector>
 
@@ -12,9 +13,7 @@ namespace keladjust::app {
 /// writes what is to be in them, which takes a fifth of the time that decoding a photograph into
 /// them does.
 template <class Element>
-struct ZeroAllocator {
-    using value_type = Element;
-
+struct ZeroAllocator : std::allocator<Element> {
     Element* allocate(std::size_t count) {
         void* const memory = std::calloc(count, sizeof(Element));
         if (memory == nullptr) throw std::bad_alloc();
@@ -29,8 +28,6 @@ struct ZeroAllocator {
     void construct(Other* place, Values&&... values) {
         ::new (static_cast<void*>(place)) Other(static_cast<Values&&>(values)...);
     }
-
-    friend bool operator==(const ZeroAllocator&, const ZeroAllocator&) { return true; }
 };
 
 /// Zeros, as many as it is made with.
