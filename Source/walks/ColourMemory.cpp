@@ -210,9 +210,11 @@ void RememberingKernels::run(PackedSpan& span) {
     }
     unknown_ = HWY_DYNAMIC_DISPATCH(recall)(memory_.words(), memory_.placeBits(), span,
                                             colours_.data(), places_.data());
-    // Where most colours are new, as in noise, it is not worth asking for each span.
-    constexpr unsigned pause = 1;
-    if (4 * unknown_ > 3 * span.count) spansToPass_ = pause;
+    // Where most colours are new, as in noise, it is not worth asking for each span, and the less
+    // so the longer that lasts.
+    constexpr unsigned longest = 15;
+    pause_ = 4 * unknown_ > 3 * span.count ? std::min(2 * pause_ + 1, longest) : 0;
+    spansToPass_ = pause_;
     if (unknown_ > 0) learn(span);
 }
 

@@ -65,6 +65,7 @@ private:
     PixelLayout layout_;
     std::span<const PixelKernel* const> kernels_;
     ColourMemory& memory_;
+    unsigned pause_ = 0;        ///< spans to pass after one of new colours
     unsigned spansToPass_ = 0;  ///< for which not to ask
     std::size_t unknown_ = 0;   ///< pixels of the span whose colours are to be learned
     // Vectors are stored whole.

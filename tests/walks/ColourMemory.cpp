@@ -94,14 +94,14 @@ TEST(ColourMemory, TakesNoColourForAnother) {
     const PixelKernel* const one[] = {&saturate};
     for (const std::size_t pixels : {std::size_t{1}, std::size_t{1} << 26}) {
         ColourMemory memory(pixels);
-        RememberingKernels remembering(PixelLayout::bgra32, one, memory);
-        // Each colour twice, so that no span is passed over; the second round finds what the first
-        // one left.
+        // The second round finds what the first one left.
         for (int round = 0; round < 2; ++round) {
             for (std::uint32_t first = 0; first < 1 << 24; first += 4 * PackedSpan::capacity) {
+                // Each time somebody who has not met new colours and passes no span over.
+                RememberingKernels remembering(PixelLayout::bgra32, one, memory);
                 Pixels given;
                 for (std::uint32_t i = 0; i < PackedSpan::capacity; ++i) {
-                    const std::uint32_t colour = first + i / 2;
+                    const std::uint32_t colour = first + i;
                     std::memcpy(given.memory.bytes + 4 * std::size_t{i}, &colour, sizeof colour);
                 }
                 Pixels expected = given;
