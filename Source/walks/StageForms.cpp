@@ -18,14 +18,13 @@ namespace {
 
 // The kernels of a call: those before the first that looks at a pixel's place may go by way of a
 // memory.
-class CallKernels {
-public:
+struct CallKernels {
     CallKernels(const Picture& picture, std::span<const PixelKernel* const> kernels)
         : placed(kernels) {
         const auto looksAtPlace = [](const PixelKernel* kernel) { return kernel->looksAtPlace(); };
         const auto before = static_cast<std::size_t>(
             std::find_if(kernels.begin(), kernels.end(), looksAtPlace) - kernels.begin());
-        const std::size_t pixels = picture.width * picture.height;
+        const std::size_t pixels = picture.pixels();
         if (pixels < pixelsPerThread || !ColourMemory::pays(kernels.first(before))) return;
         try {
             memory.emplace(pixels);

@@ -8,13 +8,13 @@
 #include <cmath>
 #include <cstddef>
 #include <cstring>
-#include <fstream>
 #include <string>
 #include <string_view>
 
 #include "filters/Stages.h"
 #include "support/BenchPicture.h"
 #include "support/BenchSettings.h"
+#include "support/ProcessMemory.h"
 #include "support/StageSettings.h"
 
 namespace {
@@ -45,15 +45,6 @@ void create(CxImage& image, double megapixels, const Format& format) {
     }
 }
 
-// A line of the kernel's account of this process, in bytes.
-double memoryOf(const std::string& what) {
-    std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);) {
-        if (line.rfind(what + ":", 0) == 0) return std::stod(line.substr(what.size() + 1)) * 1024;
-    }
-    return 0;
-}
-
 struct Extent {
     double megapixels = 12;
     int threads = 0;  ///< 0: one a core
@@ -67,13 +58,11 @@ void measure(benchmark::State& state, const _AdjustParam& record, const Extent& 
     double copies = 0;
     for (auto _ : state) {
         state.PauseTiming();
-        const double before = memoryOf("VmRSS");
-        std::ofstream("/proc/self/clear_refs") << "5";  // forgets the peak
+        const keladjust::bench::MemoryRise rise;
         state.ResumeTiming();
         doAdjust(&image, record);
         state.PauseTiming();
-        copies =
-            std::max(copies, (memoryOf("VmHWM") - before) / static_cast<double>(image.GetSize()));
+        copies = std::max(copies, rise.peak() / static_cast<double>(image.GetSize()));
         state.ResumeTiming();
     }
     setMaxThreads(0);

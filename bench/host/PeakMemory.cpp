@@ -3,10 +3,10 @@
 
 #include <benchmark/benchmark.h>
 
-#include <fstream>
 #include <string>
 
 #include "support/BenchPicture.h"
+#include "support/ProcessMemory.h"
 
 namespace {
 
@@ -43,27 +43,13 @@ constexpr Row rows[] = {
     {"pipeline without lens stages", wholePipeline},
 };
 
-// A line of the kernel's account of this process, in bytes.
-double memoryOf(const std::string& what) {
-    std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);) {
-        if (line.rfind(what + ":", 0) == 0) return std::stod(line.substr(what.size() + 1)) * 1024;
-    }
-    return 0;
-}
-
-void forgetPeak() {
-    std::ofstream("/proc/self/clear_refs") << "5";
-}
-
 void measure(benchmark::State& state, const Row& row) {
     CxImage image;
     keladjust::bench::createPhotographLike(image, state.range(0), state.range(1));
     for (auto _ : state) {
-        const double before = memoryOf("VmRSS");
-        forgetPeak();
+        const keladjust::bench::MemoryRise rise;
         row.run(&image);
-        const double extra = memoryOf("VmHWM") - before;
+        const double extra = rise.peak();
         state.counters["MiB"] = extra / (1 << 20);
         state.counters["copies"] = extra / static_cast<double>(image.GetSize());
     }

@@ -50,11 +50,11 @@ void Adjuster::refuse(const std::string& obstacle) {
     throw Failure("the GPU cannot be used (" + obstacle + "); use --auto or --cpu");
 }
 
-KeladjustRun Adjuster::runOn(KeladjustPath path, int threads) {
+KeladjustRun Adjuster::runOn(KeladjustPath path) {
     KeladjustRun run{};
     run.size = sizeof run;
     run.path = path;
-    run.maxThreads = threads;
+    run.maxThreads = threads_;
     if (stop_ != nullptr) {
         run.progress = asksToStop;
         run.user = &stop_;
@@ -72,7 +72,7 @@ bool Adjuster::takesRows(const Photo& photo, const _AdjustParam& record) const {
 void Adjuster::adjustRows(Photo& photo, std::uint32_t firstRow, std::uint32_t rows,
                           const _AdjustParam& record) {
     const PhotoImage image(photo, firstRow, rows);
-    KeladjustRun run = runOn(KELADJUST_CPU, 1);
+    KeladjustRun run = runOn(KELADJUST_CPU);
     const platform::AllocationWatch watch;
     const KeladjustResult result = keladjustRun(image.get(), &record, sizeof record, &run);
     if (result == KELADJUST_CANCELLED) throw Cancelled();
@@ -87,8 +87,7 @@ Adjustment Adjuster::adjust(Photo& photo, const _AdjustParam& record) {
     const PhotoImage image(photo);
     KeladjustRun run = runOn(use_ == GpuUse::always ? KELADJUST_GPU
                              : engine_ == nullptr   ? KELADJUST_CPU
-                                                    : KELADJUST_AUTO,
-                             threads_);
+                                                    : KELADJUST_AUTO);
     run.hardwareOnly = run.path == KELADJUST_AUTO ? 1 : 0;
     const platform::AllocationWatch watch;
     const KeladjustResult result = keladjustRun(image.get(), &record, sizeof record, &run);

@@ -47,7 +47,7 @@ public:
     /// pixel, and no engine may be used.
     bool takesRows(const Photo& photo, const _AdjustParam& record) const;
 
-    /// Some rows of a picture that takesRows(), from any thread, on that thread.
+    /// Some rows of a picture that takesRows(), from any thread, whoever else is adjusting.
     ///
     /// @throws Cancelled if it was to stop
     void adjustRows(Photo& photo, std::uint32_t firstRow, std::uint32_t rows,
@@ -58,7 +58,7 @@ public:
     Adjustment adjust(Photo& photo, const _AdjustParam& record);
 
 private:
-    KeladjustRun runOn(KeladjustPath path, int threads);
+    KeladjustRun runOn(KeladjustPath path);
     void startEngine();
     std::string obstacle() const;
     [[noreturn]] static void refuse(const std::string& obstacle);
