@@ -8,9 +8,13 @@ namespace keladjust::app {
 
 namespace {
 
-// Enough that what a call of the library costs does not count, and few enough that the encoder has
-// not long to wait.
-constexpr std::uint32_t pixelsAtATime = 1 << 19;
+// What the library remembers of a picture's colours it has for one call: with many calls, long
+// lists of settings take longer than all that overlapping gains. With few the encoder has not long
+// to wait.
+constexpr std::uint32_t parts = 4;
+
+// What a call costs that does nothing does not count beside so many pixels.
+constexpr std::uint32_t fewestPixels = 1 << 19;
 
 }  // namespace
 
@@ -45,7 +49,8 @@ Bytes OverlappedEncoding::takeResult() {
 }
 
 void OverlappedEncoding::work(Photo& photo) {
-    const std::uint32_t rowsAtATime = std::max(pixelsAtATime / photo.width(), std::uint32_t{16});
+    const std::uint32_t rowsAtATime =
+        std::max({photo.height() / parts + 1, fewestPixels / photo.width(), std::uint32_t{16}});
     std::uint32_t adjusted = 0;
     try {
         result_ = writer_.encode(photo, options_, [&](std::uint32_t rows) {

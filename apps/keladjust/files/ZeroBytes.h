@@ -9,9 +9,8 @@
 
 namespace keladjust::app {
 
-/// Memory that is zero because the system gives it so. Pages are touched for the first time by who
-/// writes what is to be in them, which takes a fifth of the time that decoding a photograph into
-/// them does.
+/// Memory that is zero because the system gives it so: no pass over all of it comes before who
+/// writes what is to be in it.
 template <class Element>
 struct ZeroAllocator : std::allocator<Element> {
     Element* allocate(std::size_t count) {
