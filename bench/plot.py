@@ -1,4 +1,4 @@
-"""Lines in an SVG: small charts side by side, one a series, on common axes."""
+"""Lines in an SVG: small charts side by side, one a series, each from 0 to its own highest value."""
 
 from html import escape
 
@@ -25,15 +25,15 @@ def panel(title, points, ticks, highest, x, y):
     for index, tick in enumerate(ticks):
         column, _ = place(index, 0)
         yield f'<text class="tick" x="{column:.1f}" y="{base + 12}">{escape(str(tick))}</text>'
-    there = [(place(index, value)) for index, value in enumerate(points) if value is not None]
-    line = "L".join(f"{column:.1f} {level:.1f}" for column, level in there)
+    places = [place(index, value) for index, value in enumerate(points)]
+    line = "L".join(f"{column:.1f} {level:.1f}" for column, level in places)
     yield f'<path class="line" d="M{line}"/>'
-    for column, level in there:
+    for column, level in places:
         yield f'<circle cx="{column:.1f}" cy="{level:.1f}" r="2.2"/>'
 
 
 def charts(title, ticks, series):
-    """The text of an SVG file. `series` maps names to values over `ticks`; None where there is none."""
+    """The text of an SVG file. `series` maps names to values over `ticks`."""
     rows = -(-len(series) // COLUMNS)
     width, height = COLUMNS * WIDTH + 10, rows * HEIGHT + 40
     parts = [
@@ -46,7 +46,7 @@ def charts(title, ticks, series):
         f'<text class="head" x="10" y="22">{escape(title)}</text>',
     ]
     for index, (name, points) in enumerate(series.items()):
-        highest = 1.15 * max(value for value in points if value is not None) or 1
+        highest = 1.15 * max(points) or 1
         parts += panel(name, points, ticks, highest, 5 + index % COLUMNS * WIDTH,
                        32 + index // COLUMNS * HEIGHT)
     return "\n".join([*parts, "</svg>", ""])

@@ -63,7 +63,7 @@ KeladjustRun Adjuster::runOn(KeladjustPath path) {
 }
 
 bool Adjuster::takesRows(const Photo& photo, const _AdjustParam& record) const {
-    return use_ == GpuUse::never && photo.layout() == ChannelLayout::bgra &&
+    return use_ == GpuUse::never && threads_ != 1 && photo.layout() == ChannelLayout::bgra &&
            std::ranges::all_of(allSettings(), [&](const KeladjustSetting& setting) {
                return looksAtOnePixel(setting) || isAtIdentity(record, setting);
            });

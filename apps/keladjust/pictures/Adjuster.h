@@ -43,8 +43,9 @@ public:
     /// @throws Failure if the engine does not come up and has to
     explicit Adjuster(GpuUse use, int threads = 0, bool (*stop)() = nullptr);
 
-    /// Whether a picture becomes the same some rows at a time: nothing of the record looks beyond a
-    /// pixel, and no engine may be used.
+    /// Whether a picture may be adjusted some rows at a time beside other work: it becomes the
+    /// same, since nothing of the record looks beyond a pixel, no engine may be used, and there may
+    /// be more than one thread.
     bool takesRows(const Photo& photo, const _AdjustParam& record) const;
 
     /// Some rows of a picture that takesRows(), from any thread, whoever else is adjusting.

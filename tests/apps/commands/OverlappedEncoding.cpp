@@ -139,8 +139,9 @@ TEST(AdjusterRows, AreThoseOfTheWholePicture) {
     EXPECT_EQ(kept, expected);
 }
 
-TEST(AdjusterRows, AreNotForAnEngine) {
+TEST(AdjusterRows, AreNeitherForAnEngineNorForOneThread) {
     const Photo photo = noise(8, 8, ChannelLayout::bgra);
+    EXPECT_FALSE(Adjuster(GpuUse::never, 1).takesRows(photo, usualRecord()));
     EXPECT_FALSE(Adjuster(GpuUse::whenPossible).takesRows(photo, usualRecord()));
     EXPECT_TRUE(Adjuster(GpuUse::never).takesRows(photo, usualRecord()));
 }
