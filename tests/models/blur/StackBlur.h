@@ -34,11 +34,17 @@ inline void blurLineModel(std::uint8_t* line, int length, std::ptrdiff_t step, i
     const BlurScaleModel scale = blurScaleModel(radius);
     std::vector<std::uint8_t> samples(static_cast<std::size_t>(length));
     for (int i = 0; i < length; ++i) samples[static_cast<std::size_t>(i)] = line[i * step];
+    // The edges' repetitions have the weights 1, 2, ... up to how many there are: radii are large
+    // beside many lines, and most of a window is repetition there.
+    const auto repeated = [radius](int distance) {
+        const auto count = static_cast<std::uint64_t>(std::max(radius - distance, 0));
+        return count * (count + 1) / 2;
+    };
     for (int i = 0; i < length; ++i) {
-        std::uint64_t sum = 0;
-        for (int k = -radius; k <= radius; ++k) {
-            const int weight = radius + 1 - std::abs(k);
-            const int at = std::clamp(i + k, 0, length - 1);
+        std::uint64_t sum =
+            repeated(i) * samples.front() + repeated(length - 1 - i) * samples.back();
+        for (int at = std::max(i - radius, 0); at <= std::min(i + radius, length - 1); ++at) {
+            const int weight = radius + 1 - std::abs(at - i);
             sum += static_cast<std::uint64_t>(weight) * samples[static_cast<std::size_t>(at)];
         }
         const std::uint64_t limit = alpha != 0 ? line[i * step + alpha] : 255;

@@ -13,20 +13,27 @@
 
 namespace keladjust::test {
 
+/// Means of 15 x 15 pixels, of those that the picture has, from sums over all that is above and
+/// left.
 inline std::vector<std::uint8_t> meanModel(const std::vector<std::uint8_t>& map, int width,
                                            int height) {
-    std::vector<std::uint8_t> means(map.size());
+    const auto at = [width](int x, int y) { return static_cast<std::size_t>(y * (width + 1) + x); };
+    std::vector<unsigned> sums(at(width, height) + 1);
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
-            unsigned sum = 0;
-            unsigned count = 0;
-            for (int v = std::max(y - 7, 0); v <= std::min(y + 7, height - 1); ++v) {
-                for (int u = std::max(x - 7, 0); u <= std::min(x + 7, width - 1); ++u) {
-                    sum += map[static_cast<std::size_t>(v * width + u)];
-                    ++count;
-                }
-            }
-            means[static_cast<std::size_t>(y * width + x)] = static_cast<std::uint8_t>(sum / count);
+            sums[at(x + 1, y + 1)] = sums[at(x, y + 1)] + sums[at(x + 1, y)] - sums[at(x, y)] +
+                                     map[static_cast<std::size_t>(y * width + x)];
+        }
+    }
+    std::vector<std::uint8_t> means;
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const int left = std::max(x - 7, 0), right = std::min(x + 8, width);
+            const int top = std::max(y - 7, 0), bottom = std::min(y + 8, height);
+            const unsigned sum = sums[at(right, bottom)] - sums[at(left, bottom)] -
+                                 sums[at(right, top)] + sums[at(left, top)];
+            means.push_back(static_cast<std::uint8_t>(
+                sum / static_cast<unsigned>((right - left) * (bottom - top))));
         }
     }
     return means;
