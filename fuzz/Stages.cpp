@@ -135,10 +135,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (picture.bytes.empty()) return 0;
 
     const std::vector<std::uint8_t> expected = expectedBytes(steps, picture);
+    // Large pictures, which would take nine tenths of the time, run on one of five instruction
+    // sets.
+    const bool isLarge = picture.bytes.size() > 32768;
+    std::size_t number = offset;
     test::forEachInstructionSet([&](const std::string& set) {
-        setMaxThreads(isThreaded ? 3 : 1);
-        expectAsModel(steps, picture, expected, offset, set);
         isThreaded = !isThreaded;
+        if (isLarge && ++number % 5 != 0) return;
+        setMaxThreads(isThreaded ? 1 : 3);
+        expectAsModel(steps, picture, expected, offset, set);
     });
     return 0;
 }

@@ -1,16 +1,26 @@
 """The client's memory, over more pictures than it could ever keep."""
 
 import asyncio
+import contextlib
 import os
+import time
 import types
 
 import pytest
+from farm_support import PROGRAM, SETTINGS, by_program, write_pictures
 
 from keladjust.farm import _manifest, _output, _progress, _report, _run, _sources, _task
 
 PICTURES = 1_000_000
 # What the manifest keeps at hand is full by then.
 SETTLED = 500_000
+
+ADJUSTED = 100_000
+
+
+def resident_of(pid):
+    with open(f"/proc/{pid}/statm") as file:
+        return int(file.read().split()[1]) * os.sysconf("SC_PAGE_SIZE")
 
 
 class ReadyCrew:
@@ -27,9 +37,7 @@ class ReadyCrew:
     async def watch(self):
         while True:
             await asyncio.sleep(1)
-            with open("/proc/self/statm") as file:
-                resident = int(file.read().split()[1]) * os.sysconf("SC_PAGE_SIZE")
-            self.samples.append((self._progress.counts["done"], resident))
+            self.samples.append((self._progress.counts["done"], resident_of("self")))
 
     def judge(self, _outcome):
         pass
@@ -74,3 +82,39 @@ def test_memory_stays_flat_over_a_million_pictures(tmp_path, monkeypatch):
     assert len(settled) > 2
     # A byte a picture would be half a megabyte; the allocator moves as much by itself.
     assert max(settled) - settled[0] < 1 << 20
+
+
+@pytest.mark.long
+def test_a_hundred_thousand_pictures_are_adjusted_in_flat_memory(farm, tmp_path):
+    # A hundred pictures, each of which has a thousand names.
+    written = write_pictures(tmp_path / "originals", 100, width=32, height=24)
+    made = by_program(tmp_path / "originals", tmp_path / "expected")
+    expected = {path: made[str(path.relative_to(tmp_path / "originals"))] for path in written}
+    source, target = tmp_path / "in", tmp_path / "out"
+    names = {}
+    for index in range(ADJUSTED):
+        place = f"{index // 1000:03}/{index:06}.jpg"
+        (source / place).parent.mkdir(parents=True, exist_ok=True)
+        original = written[index % len(written)]
+        os.link(original, source / place)
+        names[place] = original
+
+    run = farm(source, target, *SETTINGS, "--workers", 2, "--program", PROGRAM)
+    manifest = target / ".keladjust-farm/manifest.sqlite"
+    samples = []
+    while run.process.poll() is None:
+        time.sleep(1)
+        with contextlib.suppress(OSError, ValueError, IndexError):
+            samples.append((resident_of(run.process.pid), manifest.stat().st_size))
+    assert run.process.returncode == 0, run.said
+    for place, original in names.items():
+        assert (target / place).read_bytes() == expected[original], place
+
+    # The scheduler is in there, too. What grows is what the manifest keeps at hand of its own file; a
+    # megabyte is what the allocator moves by itself, and less than fourteen bytes a picture.
+    samples = samples[:-1]  # the last one may be of a process that ends
+    resident, file = zip(*samples[len(samples) // 4:])
+    grown = max(resident) - resident[0]
+    print(f"client: {resident[0] >> 10} kB after a quarter, {max(resident) >> 10} kB at most, "
+          f"manifest: {file[0] >> 10} to {file[-1] >> 10} kB")
+    assert grown < file[-1] - file[0] + (1 << 20)
