@@ -7,6 +7,7 @@
 
 #include "platform/CallScope.h"
 #include "platform/Parallel.h"
+#include "platform/Turns.h"
 #include "walks/ByteMap.h"
 #include "walks/ColourMemory.h"
 #include "walks/RawWalk.h"
@@ -170,14 +171,14 @@ void runKernels(const Picture& picture, std::span<const PixelKernel* const> kern
         return;
     }
     CallKernels callKernels(picture, kernels);
-    platform::parallelBands(picture.height, rowBands(picture),
-                            [&](std::size_t, std::size_t begin, std::size_t end) {
-                                SpanRunner runner(picture, callKernels);
-                                for (std::size_t y = begin; y < end; ++y) {
-                                    if (platform::checkpoint(y - begin, end - begin)) return;
-                                    runner.run(y);
-                                }
-                            });
+    // Colours that come again make some rows several times as fast as others.
+    constexpr std::size_t pixelsOfTurn = 1 << 13;
+    const std::size_t bands = rowBands(picture);
+    platform::Turns rows(picture.height, bands, pixelsOfTurn / picture.width + 1);
+    platform::parallelBands(bands, bands, [&](std::size_t band, std::size_t, std::size_t) {
+        SpanRunner runner(picture, callKernels);
+        rows.take(band, [&](std::size_t y) { runner.run(y); });
+    });
 }
 
 void runColourKernel(float* lut, std::size_t count, std::ptrdiff_t stride,
