@@ -139,9 +139,16 @@ Darkness darkestChannels(const std::uint8_t* pixels, std::size_t count, std::siz
 // The veil on some pixels. It leaves every channel at least a tenth, so nothing here grows large.
 class VeilOnPixels {
 public:
-    explicit VeilOnPixels(Veil veil)
-        : factor_(held(hn::Set(FloatTag(), veil.factor))),
-          light_(held(hn::Set(FloatTag(), veil.light))) {}
+    explicit VeilOnPixels(Veil veil) : factor_(held(hn::Set(FloatTag(), veil.factor))) {
+#if HWY_NATIVE_FMA
+        const float high = 1.0f / veil.light;
+        const double rest = 1.0 / static_cast<double>(veil.light) - static_cast<double>(high);
+        high_ = hn::Set(FloatTag(), high);
+        low_ = hn::Set(FloatTag(), static_cast<float>(rest));
+#else
+        light_ = held(hn::Set(FloatTag(), veil.light));
+#endif
+    }
 
     HWY_INLINE SignedQuads depth(const std::uint8_t* means, SignedQuads darkest) const {
         const SignedQuads mean = hn::PromoteTo(SignedQuadTag(), hn::LoadU(PixelTag(), means));
@@ -149,7 +156,7 @@ public:
     }
 
     HWY_INLINE Floats kept(SignedQuads depth) const {
-        return hn::Sub(held(hn::Set(FloatTag(), 1.0f)), hn::Div(toFloats(depth), light_));
+        return hn::Sub(held(hn::Set(FloatTag(), 1.0f)), overLight(toFloats(depth)));
     }
 
     // Of a channel from which the depth is taken off.
@@ -158,8 +165,23 @@ public:
     }
 
 private:
+    // As hn::Div() gives it, by a reciprocal in two parts, for every depth and light that there
+    // are.
+    HWY_INLINE Floats overLight(Floats depth) const {
+#if HWY_NATIVE_FMA
+        return hn::MulAdd(depth, high_, hn::Mul(depth, low_));
+#else
+        return hn::Div(depth, light_);
+#endif
+    }
+
     Floats factor_;
+#if HWY_NATIVE_FMA
+    Floats high_;
+    Floats low_;
+#else
     Floats light_;
+#endif
 };
 
 // The bytes at some place of every pixel of four as quads.
