@@ -105,6 +105,54 @@ HWY_INLINE Words load(const ColourMemory::Word* words, Words places) {
 #endif
 }
 
+// Puts the lanes of a mask side by side at the beginning of vectors.
+#if HWY_TARGET == HWY_AVX2
+// For all eight bits of a mask the places of those that are set. hn::Compress() has them in 32 bits
+// and eight shifts, which GCC copies to the stack each time.
+struct SetBits {
+    std::uint8_t places[256][8] = {};
+};
+constexpr SetBits setBits = [] {
+    SetBits all;
+    for (unsigned bits = 0; bits < 256; ++bits) {
+        std::size_t count = 0;
+        for (std::uint8_t place = 0; place < 8; ++place) {
+            if ((bits >> place & 1) != 0) all.places[bits][count++] = place;
+        }
+    }
+    return all;
+}();
+
+class Compressing {
+public:
+    explicit HWY_INLINE Compressing(hn::Mask<WordTag> mask)
+        : count_(hn::CountTrue(WordTag(), mask)) {
+        std::uint8_t bits[8];
+        hn::StoreMaskBits(WordTag(), mask, bits);
+        const hn::Rebind<std::uint8_t, WordTag> byteTag;
+        places_ = hn::PromoteTo(WordTag(), hn::LoadU(byteTag, setBits.places[bits[0]]));
+    }
+    HWY_INLINE Words operator()(Words lanes) const {
+        return hn::TableLookupLanes(lanes, hn::IndicesFromVec(WordTag(), places_));
+    }
+    HWY_INLINE std::size_t count() const { return count_; }
+
+private:
+    std::size_t count_;
+    Words places_;
+};
+#else
+class Compressing {
+public:
+    explicit HWY_INLINE Compressing(hn::Mask<WordTag> mask) : mask_(mask) {}
+    HWY_INLINE Words operator()(Words lanes) const { return hn::Compress(lanes, mask_); }
+    HWY_INLINE std::size_t count() const { return hn::CountTrue(WordTag(), mask_); }
+
+private:
+    hn::Mask<WordTag> mask_;
+};
+#endif
+
 // Changes the pixels that are known and puts the others together with their places in the span.
 std::size_t recall(const ColourMemory::Word* words, unsigned placeBits, const PackedSpan& span,
                    std::uint32_t* unknown, std::uint32_t* places) {
@@ -122,9 +170,10 @@ std::size_t recall(const ColourMemory::Word* words, unsigned placeBits, const Pa
         storePixels(hn::IfThenElse(isUnknown, before, changed), pixels);
         // Whether a vector has unknown colours is hard to foretell: none asks.
         const Words at = hn::Add(lanes, constant(static_cast<std::uint32_t>(i)));
-        hn::StoreU(hn::Compress(at, isUnknown), tag, places + count);
-        hn::StoreU(hn::Compress(before, isUnknown), tag, unknown + count);
-        count += hn::CountTrue(tag, isUnknown);
+        const Compressing compressed(isUnknown);
+        hn::StoreU(compressed(at), tag, places + count);
+        hn::StoreU(compressed(before), tag, unknown + count);
+        count += compressed.count();
     }
     // The last vector may have run past the pixels that count.
     while (count > 0 && places[count - 1] >= span.count) --count;
