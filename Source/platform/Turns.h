@@ -27,6 +27,9 @@ public:
     /// cancelled; the thread works on `band`.
     template <class Body>
     void take(std::size_t band, const Body& body) {
+        // Of the thread's own: a count for all would go from core to core.
+        std::size_t done = 0;
+        const std::size_t share = count_ / bands_ + 1;
         for (std::size_t i = 0; i < bands_; ++i) {
             const std::size_t from = (band + i) % bands_;
             const std::size_t end = beginOf(from + 1);
@@ -34,7 +37,7 @@ public:
             while ((item = next_[from].item.fetch_add(together_)) < end) {
                 for (const std::size_t stop = std::min(item + together_, end); item < stop;
                      ++item) {
-                    if (checkpoint(done_.fetch_add(1), count_)) return;
+                    if (checkpoint(std::min(done++, share), share)) return;
                     body(item);
                 }
             }
@@ -52,7 +55,6 @@ private:
     std::size_t count_;
     std::size_t bands_;
     std::size_t together_;
-    std::atomic<std::size_t> done_{0};
     std::array<Next, mostThreads> next_;
 };
 
