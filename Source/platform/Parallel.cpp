@@ -17,14 +17,6 @@ namespace keladjust::platform {
 
 namespace {
 
-#if defined(__EMSCRIPTEN__) && !defined(__EMSCRIPTEN_PTHREADS__)
-// No thread can be started, and bands that the caller does one after another only cost.
-constexpr std::size_t mostThreads = 1;
-#else
-// More threads than this are of no use to a picture; it lets them be kept without allocation.
-constexpr std::size_t mostThreads = 64;
-#endif
-
 std::atomic<int> threadLimit{0};
 
 /// Counts the threads that help a call whose host wants to be asked while the caller waits.

@@ -5,12 +5,20 @@
 
 namespace keladjust::platform {
 
+#if defined(__EMSCRIPTEN__) && !defined(__EMSCRIPTEN_PTHREADS__)
+// No thread can be started, and bands that the caller does one after another only cost.
+inline constexpr std::size_t mostThreads = 1;
+#else
+// More threads than this are of no use to a picture; it lets them be kept without allocation.
+inline constexpr std::size_t mostThreads = 64;
+#endif
+
 /// Bounds the threads of parallelBands(), the caller's included; 0 or less: as many as cores. A
 /// call may have a limit of its own; see CallScope.
 void setThreadLimit(int count) noexcept;
 
 /// How many bands parallelBands() makes of `count` items when a band holds at least `grain` (>= 1).
-/// Never 0; for callers that need working storage per band.
+/// Never 0 nor above mostThreads; for callers that need working storage per band.
 std::size_t bandCount(std::size_t count, std::size_t grain) noexcept;
 
 /// The work of parallelBands() without its type: what to call, and with which object.

@@ -39,6 +39,7 @@ struct Places {
 // Grain is mostly lightness, with which the channels rise and fall together: colours of a line have
 // the distances of red and blue from green in common and all but four bits of green. Those 20 bits,
 // moved to the top and multiplied by an odd number, which loses none of them, make line and label.
+// Of the numbers that are usual for it this one brings the fewest colours of photographs together.
 class Hashing {
 public:
     static constexpr unsigned lineBits = 4;
@@ -55,7 +56,7 @@ public:
         const Words together = hn::Or(
             hn::ShiftLeft<8>(masked(red, 0xFF0000)),
             hn::Or(hn::ShiftLeft<8>(masked(green, 0xF000)), hn::ShiftLeft<12>(masked(blue, 0xFF))));
-        const Words hash = hn::Mul(together, constant(0x9E3779B1));
+        const Words hash = hn::Mul(together, constant(0x7FEB352D));
         const Words line = hn::ShiftRightSame(hash, lineShift_);
         const Words label = masked(hn::ShiftRight<32 - hashedBits>(hash), labelMask_);
         return {hn::Or(hn::ShiftLeft<lineBits>(line), masked(hn::ShiftRight<8>(colours), 0xF)),
@@ -104,11 +105,60 @@ HWY_INLINE Words load(const ColourMemory::Word* words, Words places) {
 #endif
 }
 
+// Puts the lanes of a mask side by side at the beginning of vectors.
+#if HWY_TARGET == HWY_AVX2
+// For all eight bits of a mask the places of those that are set. hn::Compress() has them in 32 bits
+// and eight shifts, which GCC copies to the stack each time.
+struct SetBits {
+    std::uint8_t places[256][8] = {};
+};
+constexpr SetBits setBits = [] {
+    SetBits all;
+    for (unsigned bits = 0; bits < 256; ++bits) {
+        std::size_t count = 0;
+        for (std::uint8_t place = 0; place < 8; ++place) {
+            if ((bits >> place & 1) != 0) all.places[bits][count++] = place;
+        }
+    }
+    return all;
+}();
+
+class Compressing {
+public:
+    explicit HWY_INLINE Compressing(hn::Mask<WordTag> mask)
+        : count_(hn::CountTrue(WordTag(), mask)) {
+        std::uint8_t bits[8];
+        hn::StoreMaskBits(WordTag(), mask, bits);
+        const hn::Rebind<std::uint8_t, WordTag> byteTag;
+        places_ = hn::PromoteTo(WordTag(), hn::LoadU(byteTag, setBits.places[bits[0]]));
+    }
+    HWY_INLINE Words operator()(Words lanes) const {
+        return hn::TableLookupLanes(lanes, hn::IndicesFromVec(WordTag(), places_));
+    }
+    HWY_INLINE std::size_t count() const { return count_; }
+
+private:
+    std::size_t count_;
+    Words places_;
+};
+#else
+class Compressing {
+public:
+    explicit HWY_INLINE Compressing(hn::Mask<WordTag> mask) : mask_(mask) {}
+    HWY_INLINE Words operator()(Words lanes) const { return hn::Compress(lanes, mask_); }
+    HWY_INLINE std::size_t count() const { return hn::CountTrue(WordTag(), mask_); }
+
+private:
+    hn::Mask<WordTag> mask_;
+};
+#endif
+
 // Changes the pixels that are known and puts the others together with their places in the span.
 std::size_t recall(const ColourMemory::Word* words, unsigned placeBits, const PackedSpan& span,
                    std::uint32_t* unknown, std::uint32_t* places) {
     const WordTag tag;
     const Hashing placesOf(placeBits);
+    const Words lanes = hn::Iota(tag, 0);
     std::size_t count = 0;
     for (std::size_t i = 0; i < span.count; i += hn::Lanes(tag)) {
         std::uint8_t* const pixels = span.pixels + 4 * i;
@@ -118,10 +168,12 @@ std::size_t recall(const ColourMemory::Word* words, unsigned placeBits, const Pa
         const auto isUnknown = hn::Ne(hn::ShiftRight<24>(word), place.label);
         const Words changed = hn::Or(masked(word, 0xFFFFFF), masked(before, 0xFF000000));
         storePixels(hn::IfThenElse(isUnknown, before, changed), pixels);
-        if (hn::AllFalse(tag, isUnknown)) continue;
-        hn::CompressStore(hn::Iota(tag, static_cast<std::uint32_t>(i)), isUnknown, tag,
-                          places + count);
-        count += hn::CompressStore(before, isUnknown, tag, unknown + count);
+        // Whether a vector has unknown colours is hard to foretell: none asks.
+        const Words at = hn::Add(lanes, constant(static_cast<std::uint32_t>(i)));
+        const Compressing compressed(isUnknown);
+        hn::StoreU(compressed(at), tag, places + count);
+        hn::StoreU(compressed(before), tag, unknown + count);
+        count += compressed.count();
     }
     // The last vector may have run past the pixels that count.
     while (count > 0 && places[count - 1] >= span.count) --count;
@@ -199,13 +251,13 @@ bool ColourMemory::pays(std::span<const PixelKernel* const> kernels) {
 
 RememberingKernels::RememberingKernels(PixelLayout layout,
                                        std::span<const PixelKernel* const> kernels,
-                                       ColourMemory& memory)
-    : layout_(layout), kernels_(kernels), memory_(memory) {}
+                                       ColourMemory& memory, RememberingKernels* last)
+    : layout_(layout), kernels_(kernels), memory_(memory), last_(last) {}
 
 void RememberingKernels::run(PackedSpan& span) {
     if (spansToPass_ > 0) {
         --spansToPass_;
-        runInTurn(layout_, kernels_, span);
+        runThrough(span);
         return;
     }
     unknown_ = HWY_DYNAMIC_DISPATCH(recall)(memory_.words(), memory_.placeBits(), span,
@@ -218,12 +270,19 @@ void RememberingKernels::run(PackedSpan& span) {
     if (unknown_ > 0) learn(span);
 }
 
+void RememberingKernels::runThrough(PackedSpan& span) {
+    runInTurn(layout_, kernels_, span);
+    if (last_ == nullptr) return;
+    roundTrip(layout_, span);
+    last_->run(span);
+}
+
 void RememberingKernels::learn(PackedSpan& span) {
     std::memcpy(learning_.bytes, colours_.data(), 4 * unknown_);
     PackedSpan together;
     together.count = unknown_;
     together.pixels = learning_.bytes;
-    runInTurn(layout_, kernels_, together);
+    runThrough(together);
     for (std::size_t i = 0; i < unknown_; ++i) {
         std::uint32_t changed;
         std::memcpy(&changed, learning_.bytes + 4 * i, sizeof changed);

@@ -53,18 +53,21 @@ private:
 class RememberingKernels {
 public:
     /// The kernels must not look at a pixel's place.
+    /// @param last what follows them, with a memory of its own; may be null
     RememberingKernels(PixelLayout layout, std::span<const PixelKernel* const> kernels,
-                       ColourMemory& memory);
+                       ColourMemory& memory, RememberingKernels* last = nullptr);
 
-    /// What runInTurn() does.
+    /// What runInTurn() does with the kernels and the last ones.
     void run(PackedSpan& span);
 
 private:
+    void runThrough(PackedSpan& span);
     void learn(PackedSpan& span);
 
     PixelLayout layout_;
     std::span<const PixelKernel* const> kernels_;
     ColourMemory& memory_;
+    RememberingKernels* last_;
     unsigned pause_ = 0;        ///< spans to pass after one of new colours
     unsigned spansToPass_ = 0;  ///< for which not to ask
     std::size_t unknown_ = 0;   ///< pixels of the span whose colours are to be learned

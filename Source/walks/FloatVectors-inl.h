@@ -86,6 +86,18 @@ HWY_INLINE IntsOf<Values> clampToBytes(Values values) {
 #endif
 }
 
+/// The same of numbers that 32 bits hold, or of none.
+template <class Values>
+HWY_INLINE IntsOf<Values> clampInRangeToBytes(Values values) {
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_SSE4
+    // Whole numbers are compared sooner than floats; none has become the lowest one.
+    const hn::RebindToSigned<hn::DFromV<Values>> tag;
+    return hn::Min(hn::Max(truncateInRange(values), hn::Zero(tag)), held(hn::Set(tag, 255)));
+#else
+    return clampToBytes(values);
+#endif
+}
+
 }  // namespace HWY_NAMESPACE
 }  // namespace keladjust
 HWY_AFTER_NAMESPACE();

@@ -190,13 +190,22 @@ HWY_INLINE Channels<Ints> loadIntChannels(const PackedSpan& span, std::size_t i)
 }
 HWY_INLINE void storeClamped(const Channels<Ints>& c, PackedSpan& span, std::size_t i) {
     std::uint8_t* const pixels = span.pixels + 4 * i;
-    const Ints fourth = byteOfPixels<3>(hn::LoadU(PackedTag(), pixels));
-    // Four blues, four greens, four reds and their fourths in each 16 bytes.
-    const Packed clamped = clampToPacked(hn::ReorderDemote2To(HalfTag(), c.blue, c.green),
-                                         hn::ReorderDemote2To(HalfTag(), c.red, fourth));
-    HWY_ALIGN static constexpr std::uint8_t places[] = {0, 4, 8,  12, 1, 5, 9,  13,
-                                                        2, 6, 10, 14, 3, 7, 11, 15};
-    hn::StoreU(bytesAtPlaces(clamped, hn::LoadDup128(PackedTag(), places)), PackedTag(), pixels);
+    const Packed before = hn::LoadU(PackedTag(), pixels);
+    HWY_ALIGN static constexpr std::uint8_t placesOfBytes[] = {0, 4, 8,  12, 1, 5, 9,  13,
+                                                               2, 6, 10, 14, 3, 7, 11, 15};
+    const Packed places = hn::LoadDup128(PackedTag(), placesOfBytes);
+    // Four blues, four greens, four reds and what becomes of the fourths in each 16 bytes.
+    const Halves lower = hn::ReorderDemote2To(HalfTag(), c.blue, c.green);
+#if HWY_TARGET <= HWY_AVX3
+    // A mask leaves the fourths as they are.
+    const Packed clamped = clampToPacked(lower, hn::ReorderDemote2To(HalfTag(), c.red, c.red));
+    const Packed after{
+        _mm512_mask_shuffle_epi8(before.raw, 0x7777777777777777, clamped.raw, places.raw)};
+#else
+    const Halves upper = hn::ReorderDemote2To(HalfTag(), c.red, byteOfPixels<3>(before));
+    const Packed after = bytesAtPlaces(clampToPacked(lower, upper), places);
+#endif
+    hn::StoreU(after, PackedTag(), pixels);
 }
 
 #endif

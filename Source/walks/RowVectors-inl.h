@@ -28,8 +28,13 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// At most 32 bytes, eight pixels of four: wider vectors would only wait longer for memory.
-using RowTag = hn::CappedTag<std::uint8_t, 32>;
+// At most 32 bytes, eight pixels of four, unless a file that computes much with what it loads says
+// so before it includes this: wider vectors would only wait longer for memory.
+#ifndef KELADJUST_MOST_ROW_BYTES
+#define KELADJUST_MOST_ROW_BYTES 32
+#endif
+constexpr std::size_t mostRowBytes = KELADJUST_MOST_ROW_BYTES;
+using RowTag = hn::CappedTag<std::uint8_t, mostRowBytes>;
 using WordTag = hn::Repartition<std::uint16_t, RowTag>;
 using QuadTag = hn::Repartition<std::uint32_t, RowTag>;
 using SignedQuadTag = hn::RebindToSigned<QuadTag>;
@@ -59,7 +64,7 @@ HWY_INLINE Bytes load(const std::uint8_t* from, Whole) {
     return hn::LoadU(RowTag(), from);
 }
 HWY_INLINE Bytes load(const std::uint8_t* from, Part part) {
-    HWY_ALIGN std::uint8_t bytes[32] = {};
+    HWY_ALIGN std::uint8_t bytes[mostRowBytes] = {};
     std::memcpy(bytes, from, part.bytes);
     return hn::Load(RowTag(), bytes);
 }
@@ -67,7 +72,7 @@ HWY_INLINE void store(Bytes v, std::uint8_t* to, Whole) {
     hn::StoreU(v, RowTag(), to);
 }
 HWY_INLINE void store(Bytes v, std::uint8_t* to, Part part) {
-    HWY_ALIGN std::uint8_t bytes[32];
+    HWY_ALIGN std::uint8_t bytes[mostRowBytes];
     hn::Store(v, RowTag(), bytes);
     std::memcpy(to, bytes, part.bytes);
 }

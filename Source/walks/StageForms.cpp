@@ -7,6 +7,7 @@
 
 #include "platform/CallScope.h"
 #include "platform/Parallel.h"
+#include "platform/Turns.h"
 #include "walks/ByteMap.h"
 #include "walks/ColourMemory.h"
 #include "walks/RawWalk.h"
@@ -16,28 +17,50 @@ namespace keladjust {
 
 namespace {
 
-// The kernels of a call: those before the first that looks at a pixel's place may go by way of a
-// memory.
+using Kernels = std::span<const PixelKernel* const>;
+
+// Kernels by way of a memory of their own.
+struct RememberedKernels {
+    RememberedKernels(Kernels these, std::size_t pixels) : kernels(these), memory(pixels) {}
+
+    Kernels kernels;
+    ColourMemory memory;
+};
+
+// Where the dear kernels at the end begin that pay for a second memory: the cheap ones before make
+// fewer colours of many.
+std::size_t beginOfDear(Kernels kernels) {
+    constexpr unsigned dear = 3;  // nanoseconds
+    std::size_t begin = kernels.size();
+    while (begin > 0 && kernels[begin - 1]->effort() >= dear) --begin;
+    const bool paysTwice =
+        ColourMemory::pays(kernels.first(begin)) && ColourMemory::pays(kernels.subspan(begin));
+    return paysTwice ? begin : kernels.size();
+}
+
+// The kernels of a call: those before the first that looks at a pixel's place may go by way of one
+// memory or two.
 struct CallKernels {
-    CallKernels(const Picture& picture, std::span<const PixelKernel* const> kernels)
-        : placed(kernels) {
+    CallKernels(const Picture& picture, Kernels kernels) : placed(kernels) {
         const auto looksAtPlace = [](const PixelKernel* kernel) { return kernel->looksAtPlace(); };
         const auto before = static_cast<std::size_t>(
             std::find_if(kernels.begin(), kernels.end(), looksAtPlace) - kernels.begin());
         const std::size_t pixels = picture.pixels();
-        if (pixels < pixelsPerThread || !ColourMemory::pays(kernels.first(before))) return;
+        const Kernels remembered = kernels.first(before);
+        if (pixels < pixelsPerThread || !ColourMemory::pays(remembered)) return;
+        const std::size_t dear = beginOfDear(remembered);
         try {
-            memory.emplace(pixels);
-            remembered = kernels.first(before);
+            if (dear < before) last.emplace(remembered.subspan(dear), pixels / 2);
+            first.emplace(remembered.first(dear), pixels);
             placed = kernels.subspan(before);
         } catch (const std::bad_alloc&) {
             // Every pixel goes through every kernel then.
         }
     }
 
-    std::optional<ColourMemory> memory;
-    std::span<const PixelKernel* const> remembered;
-    std::span<const PixelKernel* const> placed;
+    std::optional<RememberedKernels> first;
+    std::optional<RememberedKernels> last;
+    Kernels placed;
 };
 
 // Runs kernels on the rows of a band, one span after another.
@@ -45,7 +68,10 @@ class SpanRunner {
 public:
     SpanRunner(const Picture& picture, CallKernels& kernels)
         : picture_(picture), layout_(picture.layout), placed_(kernels.placed) {
-        if (kernels.memory) remembering_.emplace(layout_, kernels.remembered, *kernels.memory);
+        if (!kernels.first) return;
+        if (kernels.last) last_.emplace(layout_, kernels.last->kernels, kernels.last->memory);
+        remembering_.emplace(layout_, kernels.first->kernels, kernels.first->memory,
+                             last_ ? &*last_ : nullptr);
     }
 
     void run(std::size_t y) {
@@ -79,10 +105,11 @@ private:
     }
 
     PackedPixels packed_;
+    std::optional<RememberingKernels> last_;
     std::optional<RememberingKernels> remembering_;
     const Picture& picture_;
     PixelLayout layout_;
-    std::span<const PixelKernel* const> placed_;
+    Kernels placed_;
 };
 
 // How many threads share the rows.
@@ -96,7 +123,7 @@ constexpr MappedBytes mappedBytesOf(std::size_t pixelBytes) {
 
 // The table that does all the work, where it can do it on the bytes in their places: they are the
 // channels, and what a lane loses in its picture is one of three alike.
-const ByteTable* onlyTable(PixelLayout layout, std::span<const PixelKernel* const> kernels) {
+const ByteTable* onlyTable(PixelLayout layout, Kernels kernels) {
     const bool bytesAreChannels = storesLanesWhole(layout) || layout == PixelLayout::gray8;
     return bytesAreChannels && kernels.size() == 1 ? kernels.front()->table() : nullptr;
 }
@@ -144,14 +171,14 @@ void runKernels(const Picture& picture, std::span<const PixelKernel* const> kern
         return;
     }
     CallKernels callKernels(picture, kernels);
-    platform::parallelBands(picture.height, rowBands(picture),
-                            [&](std::size_t, std::size_t begin, std::size_t end) {
-                                SpanRunner runner(picture, callKernels);
-                                for (std::size_t y = begin; y < end; ++y) {
-                                    if (platform::checkpoint(y - begin, end - begin)) return;
-                                    runner.run(y);
-                                }
-                            });
+    // Colours that come again make some rows several times as fast as others.
+    constexpr std::size_t pixelsOfTurn = 1 << 13;
+    const std::size_t bands = rowBands(picture);
+    platform::Turns rows(picture.height, bands, pixelsOfTurn / picture.width + 1);
+    platform::parallelBands(bands, bands, [&](std::size_t band, std::size_t, std::size_t) {
+        SpanRunner runner(picture, callKernels);
+        rows.take(band, [&](std::size_t y) { runner.run(y); });
+    });
 }
 
 void runColourKernel(float* lut, std::size_t count, std::ptrdiff_t stride,

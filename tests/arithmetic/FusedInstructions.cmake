@@ -6,9 +6,11 @@ cmake_policy(VERSION 3.25)
 # The sources that call MulAdd() themselves or by quotientBy(), whose results are held exact.
 set(meant
     filters/colour-ranges/ColourRanges.cpp
+    filters/dehaze/DehazeRows.cpp
     filters/saturation/Saturation.cpp
     filters/temperature/Temperature.cpp
-    filters/tonal/TonalRanges.cpp)
+    filters/tonal/TonalRanges.cpp
+    filters/vignette/VignettePixels.cpp)
 
 # Of x86, then of ARM: vectors and single numbers.
 set(fused "\tvfn?m(add|sub|addsub|subadd)[0-9]+[ps][sd]|\tf(ml[as]l?2?|cmla|n?m(add|sub))\t")

@@ -33,6 +33,7 @@ void expectEveryQuotient() {
 
 // Every divisor that a kernel divides by this way.
 TEST(Reciprocal, GivesTheRoundedQuotientOfEveryMantissa) {
+    expectEveryQuotient<3>();
     expectEveryQuotient<6>();
     expectEveryQuotient<60>();
     expectEveryQuotient<255>();

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <random>
+#include <span>
 
 #include "filters/colour-ranges/ColourRanges.h"
 #include "filters/saturation/Saturation.h"
@@ -53,23 +54,39 @@ void expectSame(const Pixels& a, const Pixels& b, std::size_t count) {
     ASSERT_EQ(std::memcmp(a.memory.bytes, b.memory.bytes, 4 * count), 0);
 }
 
+// Spans through someone who remembers and through the kernels.
+void expectAnswers(PixelLayout layout, RememberingKernels& remembering) {
+    std::mt19937 random(3);
+    for (int i = 0; i < 60; ++i) {
+        // Flat parts and noise in turn, spans of every length.
+        Pixels pixels;
+        pixels.fill(i % 20 < 10 ? 3 : 8, random);
+        PackedSpan span = pixels.span(1 + random() % PackedSpan::capacity);
+        if (layout == PixelLayout::gray8) roundTrip(layout, span);
+        Pixels expected = pixels;
+        PackedSpan expectedSpan = expected.span(span.count);
+        keladjust::runInTurn(layout, kernels, expectedSpan);
+        remembering.run(span);
+        ASSERT_NO_FATAL_FAILURE(expectSame(pixels, expected, span.count)) << i;
+    }
+}
+
 TEST(ColourMemory, AnswersAsTheKernelsDo) {
     for (const PixelLayout layout : {PixelLayout::bgra32, PixelLayout::rgb16, PixelLayout::gray8}) {
         ColourMemory memory(1 << 16);
         RememberingKernels remembering(layout, kernels, memory);
-        std::mt19937 random(3);
-        for (int i = 0; i < 60; ++i) {
-            // Flat parts and noise in turn, spans of every length.
-            Pixels pixels;
-            pixels.fill(i % 20 < 10 ? 3 : 8, random);
-            PackedSpan span = pixels.span(1 + random() % PackedSpan::capacity);
-            if (layout == PixelLayout::gray8) roundTrip(layout, span);
-            Pixels expected = pixels;
-            PackedSpan expectedSpan = expected.span(span.count);
-            keladjust::runInTurn(layout, kernels, expectedSpan);
-            remembering.run(span);
-            ASSERT_NO_FATAL_FAILURE(expectSame(pixels, expected, span.count)) << i;
-        }
+        expectAnswers(layout, remembering);
+    }
+}
+
+TEST(ColourMemory, AnswersAsTheKernelsDoWhereTheLastHaveOneOfTheirOwn) {
+    for (const PixelLayout layout : {PixelLayout::bgra32, PixelLayout::rgb16, PixelLayout::gray8}) {
+        ColourMemory memory(1 << 16);
+        ColourMemory memoryOfLast(1 << 16);
+        const std::span all(kernels);
+        RememberingKernels last(layout, all.subspan(2), memoryOfLast);
+        RememberingKernels remembering(layout, all.first(2), memory, &last);
+        expectAnswers(layout, remembering);
     }
 }
 
@@ -122,14 +139,16 @@ TEST(ColourMemory, PaysForMuchWorkAlone) {
     EXPECT_TRUE(ColourMemory::pays(kernels));
 }
 
-// With the memory or without: large pictures use it, small ones do not.
+// With memories or without: large pictures use them, small ones do not.
 TEST(ColourMemory, DoesNotShowInAPicture) {
     for (const PixelFormat format : everyFormat) {
         HostPicture whole(400, 300, format.bpp, format.format);
         whole.fillRandom(4);
         HostPicture inTurn(whole);
         const keladjust::VignetteKernel vignette(400, 300, -40, 50, 60, 40, 20, 10);
-        const PixelKernel* const all[] = {&temperature, &saturation, &range, &vignette, &range};
+        // Two memories: those before the range pay, and so does the range.
+        const PixelKernel* const all[] = {&temperature, &saturation, &saturation,
+                                          &range,       &vignette,   &range};
         keladjust::runKernels(*keladjust::pictureOf(whole.image()), all);
 
         const PixelLayout layout = keladjust::layoutOf(*inTurn.image());

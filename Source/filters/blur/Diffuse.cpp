@@ -41,8 +41,9 @@ void applyDiffuse(const Picture& picture, float setting) {
     // Along padded rows the gain changes the padding, too, which the blur does not see.
     const bool padded = rows->stride != rows->bytes;
     const auto scale = padded ? std::nullopt : byteScaleOf(table);
-    SmallBlur blur(*rows, walk.step, scale);
-    if (!scale) mapRawWalk(picture, table);
+    const bool addsShare = scale && scale->whole == 1;
+    SmallBlur blur(*rows, walk.step, addsShare ? std::optional(scale->fraction) : std::nullopt);
+    if (!addsShare) mapRawWalk(picture, table);
     blur.run();
 }
 

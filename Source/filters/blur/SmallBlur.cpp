@@ -10,10 +10,11 @@
 
 namespace keladjust {
 
-SmallBlur::SmallBlur(const ByteRows& rows, std::size_t pixelBytes, std::optional<ByteScale> gain)
+SmallBlur::SmallBlur(const ByteRows& rows, std::size_t pixelBytes,
+                     std::optional<std::uint16_t> share)
     : rows_(rows),
       pixelBytes_(pixelBytes),
-      gain_(gain),
+      share_(share),
       bands_(rows, 1, 2 * bytesPerThread / rows.bytes + 1),
       spaces_(bands_.count()) {
     for (Workspace& space : spaces_) {
@@ -29,15 +30,15 @@ void SmallBlur::run() {
 void SmallBlur::blurRow(const std::uint8_t* row, Workspace& space, BlurredRows& blurred,
                         std::uint8_t* target) const {
     const std::uint8_t* source = row;
-    if (gain_) {
-        complementScaled(row, rows_.bytes, pixelBytes_, *gain_, space.row.data());
+    if (share_) {
+        complementBrightened(row, rows_.bytes, pixelBytes_, *share_, space.row.data());
         source = space.row.data();
     } else if (target != nullptr && row == target) {
         // The last one, which goes on below.
         std::memcpy(space.row.data(), row, rows_.bytes);
         source = space.row.data();
     }
-    smallBlurRow({source, !gain_, blurred.above, blurred.middle, blurred.below, target},
+    smallBlurRow({source, !share_, blurred.above, blurred.middle, blurred.below, target},
                  rows_.bytes, pixelBytes_);
     // The row below becomes the middle one, and the one above makes room.
     std::swap(blurred.above, blurred.middle);

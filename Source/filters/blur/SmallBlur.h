@@ -6,7 +6,6 @@
 #include <optional>
 #include <vector>
 
-#include "walks/ByteScale.h"
 #include "walks/HaloBands.h"
 
 namespace keladjust {
@@ -18,9 +17,9 @@ public:
     static constexpr int radius = 1;
 
     /// Pixels of 1, 3 or 4 bytes; colours of 4-byte pixels are limited to alpha.
-    /// @param gain what colours are brightened by before
+    /// @param share 65536ths of themselves that are added to colours before
     SmallBlur(const ByteRows& rows, std::size_t pixelBytes,
-              std::optional<ByteScale> gain = std::nullopt);
+              std::optional<std::uint16_t> share = std::nullopt);
 
     void run();
 
@@ -43,7 +42,7 @@ private:
 
     ByteRows rows_;
     std::size_t pixelBytes_;
-    std::optional<ByteScale> gain_;
+    std::optional<std::uint16_t> share_;
     HaloBands bands_;
     std::vector<Workspace> spaces_;
 };

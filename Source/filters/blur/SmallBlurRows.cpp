@@ -11,6 +11,7 @@
 
 #include <algorithm>
 
+#define KELADJUST_MOST_ROW_BYTES 64
 #include "walks/RowVectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -32,11 +33,12 @@ std::uint8_t weighted(std::uint8_t before, std::uint8_t middle, std::uint8_t aft
     return pixelBytes == 4 ? std::max(mean, limit) : mean;
 }
 
-void complementScaled(const std::uint8_t* row, std::size_t bytes, std::size_t pixelBytes,
-                      ByteScale gain, std::uint8_t* out) {
+void complementBrightened(const std::uint8_t* row, std::size_t bytes, std::size_t pixelBytes,
+                          std::uint16_t share, std::uint8_t* out) {
     for (std::size_t i = 0; i < bytes; ++i) {
         const bool alpha = pixelBytes == 4 && i % 4 == 3;
-        out[i] = static_cast<std::uint8_t>(255 - (alpha ? row[i] : gain(row[i])));
+        const int added = alpha ? 0 : row[i] * share >> 16;
+        out[i] = static_cast<std::uint8_t>(255 - std::min(255, row[i] + added));
     }
 }
 
@@ -66,22 +68,18 @@ HWY_INLINE Bytes weighted(Bytes before, Bytes middle, Bytes after, bool premulti
     return hn::Max(hn::And(mean, everyFour(0x00FFFFFF)), fourthBytes(middle));
 }
 
-void complementScaled(const std::uint8_t* row, std::size_t bytes, std::size_t pixelBytes,
-                      ByteScale gain, std::uint8_t* out) {
-    const Words whole = hn::Set(WordTag(), gain.whole);
-    const Words fraction = hn::Set(WordTag(), gain.fraction);
+void complementBrightened(const std::uint8_t* row, std::size_t bytes, std::size_t pixelBytes,
+                          std::uint16_t share, std::uint8_t* out) {
+    const Words even = hn::Set(WordTag(), share);
     // Every second odd byte of a pixel of four is alpha and stays.
-    const Words kept = hn::BitCast(WordTag(), hn::Set(QuadTag(), 0xFFFF0000u));
-    const bool keepsFourth = pixelBytes == 4;
-    const Words oddWhole = keepsFourth ? hn::Or(hn::AndNot(kept, whole),
-                                                hn::And(kept, hn::Set(WordTag(), std::uint16_t{1})))
-                                       : whole;
-    const Words oddFraction = keepsFourth ? hn::AndNot(kept, fraction) : fraction;
+    const Words odd =
+        pixelBytes == 4 ? hn::BitCast(WordTag(), hn::Set(QuadTag(), std::uint32_t{share})) : even;
     forEachVector(bytes, [&](std::size_t i, auto extent) HWY_ATTR {
-        const WordPair in = toWords(load(row + i, extent));
-        const WordPair gained{scaled(in.even, whole, fraction),
-                              scaled(in.odd, oddWhole, oddFraction)};
-        store(hn::Not(toBytes(gained)), out + i, extent);
+        const Bytes in = load(row + i, extent);
+        const WordPair words = toWords(in);
+        const Bytes added =
+            toBytes({upperProductOfBytes(words.even, even), upperProductOfBytes(words.odd, odd)});
+        store(hn::SaturatedSub(hn::Not(in), added), out + i, extent);
     });
 }
 
@@ -101,7 +99,7 @@ HWY_INLINE Neighbours neighboursAt(const std::uint8_t* bytes, std::size_t pixelB
 Neighbours neighboursAtEnd(const std::uint8_t* row, std::size_t i, std::size_t bytes,
                            std::size_t pixelBytes) {
     constexpr std::size_t mostPixelBytes = 4;
-    std::uint8_t around[32 + 3 * mostPixelBytes] = {};
+    std::uint8_t around[mostRowBytes + 3 * mostPixelBytes] = {};
     const std::size_t first = i - std::min(i, pixelBytes);
     const std::size_t end = std::min(bytes, i + hn::Lanes(RowTag()) + pixelBytes);
     std::uint8_t* const middle = around + pixelBytes;
@@ -171,12 +169,12 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace keladjust {
 
-HWY_EXPORT(complementScaled);
+HWY_EXPORT(complementBrightened);
 HWY_EXPORT(smallBlurRow);
 
-void complementScaled(const std::uint8_t* row, std::size_t bytes, std::size_t pixelBytes,
-                      ByteScale gain, std::uint8_t* out) {
-    HWY_DYNAMIC_DISPATCH(complementScaled)(row, bytes, pixelBytes, gain, out);
+void complementBrightened(const std::uint8_t* row, std::size_t bytes, std::size_t pixelBytes,
+                          std::uint16_t share, std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(complementBrightened)(row, bytes, pixelBytes, share, out);
 }
 void smallBlurRow(const BlurRow& row, std::size_t bytes, std::size_t pixelBytes) {
     HWY_DYNAMIC_DISPATCH(smallBlurRow)(row, bytes, pixelBytes);

@@ -4,16 +4,14 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "walks/ByteScale.h"
-
 /// The two passes of a Stack Blur of radius 1 over rows of bytes, compiled for every instruction
 /// set and chosen when they run. All of them give the same bytes. The fourth byte of pixels of four
 /// is alpha and stays.
 namespace keladjust {
 
-/// The complement of every byte, before which colours are brightened by `gain`.
-void complementScaled(const std::uint8_t* row, std::size_t bytes, std::size_t pixelBytes,
-                      ByteScale gain, std::uint8_t* out);
+/// The complement of every byte, to which colours have had `share` 65536ths of themselves added.
+void complementBrightened(const std::uint8_t* row, std::size_t bytes, std::size_t pixelBytes,
+                          std::uint16_t share, std::uint8_t* out);
 
 /// A row on its way through a Stack Blur of radius 1: blurred along its length, and with that the
 /// row above it across.

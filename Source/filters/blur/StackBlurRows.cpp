@@ -177,17 +177,38 @@ HWY_INLINE Places<pixelsOfFour> pushedAway(Bytes sharp, const Places<pixelsOfFou
     return places;
 }
 
-// Pixels of four bytes, four by four: what lies side by side in the four runs from `from(0..3)`
-// stands below one another in those at `to(0..3)`.
+using BlockTag = hn::Full128<std::uint8_t>;
+using Block = hn::Vec<BlockTag>;
+
+// Four pixels of three or four bytes, with the alpha of pixels without one, which limits nothing;
+// and back. Of three bytes a pixel four bytes behind them are read and written, too.
+template <std::size_t pixelBytes>
+HWY_INLINE Block loadFour(const std::uint8_t* pixels) {
+    const Block block = hn::LoadU(BlockTag(), pixels);
+    if constexpr (pixelBytes == 4) return block;
+    HWY_ALIGN static constexpr std::uint8_t places[16] = {0, 1, 2, noByte, 3, 4,  5,  noByte,
+                                                          6, 7, 8, noByte, 9, 10, 11, noByte};
+    HWY_ALIGN static constexpr std::uint8_t alpha[16] = {0, 0, 0, 255, 0, 0, 0, 255,
+                                                         0, 0, 0, 255, 0, 0, 0, 255};
+    return hn::Or(bytesAtPlaces(block, hn::Load(BlockTag(), places)), hn::Load(BlockTag(), alpha));
+}
+template <std::size_t pixelBytes>
+HWY_INLINE void storeFour(Block block, std::uint8_t* pixels) {
+    HWY_ALIGN static constexpr std::uint8_t places[16] = {
+        0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, noByte, noByte, noByte, noByte};
+    if constexpr (pixelBytes == 3) block = bytesAtPlaces(block, hn::Load(BlockTag(), places));
+    hn::StoreU(block, BlockTag(), pixels);
+}
+
+// Pixels of four bytes, four by four: what lies side by side in the blocks `from(0..3)` stands
+// below one another in those that `to(block, 0..3)` gets.
 template <class From, class To>
 HWY_INLINE void turnFour(From from, To to) {
-    const hn::Full128<std::uint8_t> byteTag;
     const hn::Full128<std::uint32_t> tag;
     const hn::Full128<std::uint64_t> pairTag;
-    const auto at = [&](std::size_t i)
-                        HWY_ATTR { return hn::BitCast(tag, hn::LoadU(byteTag, from(i))); };
+    const auto at = [&](std::size_t i) HWY_ATTR { return hn::BitCast(tag, from(i)); };
     const auto put = [&](auto pixels, std::size_t i)
-                         HWY_ATTR { hn::StoreU(hn::BitCast(byteTag, pixels), byteTag, to(i)); };
+                         HWY_ATTR { to(hn::BitCast(BlockTag(), pixels), i); };
     const auto a = at(0);
     const auto b = at(1);
     const auto c = at(2);
@@ -200,6 +221,84 @@ HWY_INLINE void turnFour(From from, To to) {
     put(hn::InterleaveUpper(pairTag, lowerAB, lowerCD), 1);
     put(hn::InterleaveLower(pairTag, upperAB, upperCD), 2);
     put(hn::InterleaveUpper(pairTag, upperAB, upperCD), 3);
+}
+
+// Bytes, sixteen by sixteen, from the runs at `from(0..15)` to those at `to(0..15)`. Dealing one
+// half of the blocks between those of the other moves a bit of a byte's place from its number in
+// the block to the block's number; four times make one the other.
+template <class From, class To>
+HWY_INLINE void turnSixteen(From from, To to) {
+    const BlockTag tag;
+    Block blocks[16];
+    for (std::size_t i = 0; i < 16; ++i) blocks[i] = hn::LoadU(tag, from(i));
+    for (int round = 0; round < 4; ++round) {
+        Block dealt[16];
+        for (std::size_t i = 0; i < 8; ++i) {
+            dealt[2 * i] = hn::InterleaveLower(tag, blocks[i], blocks[i + 8]);
+            dealt[2 * i + 1] = hn::InterleaveUpper(tag, blocks[i], blocks[i + 8]);
+        }
+        for (std::size_t i = 0; i < 16; ++i) blocks[i] = dealt[i];
+    }
+    for (std::size_t i = 0; i < 16; ++i) hn::StoreU(blocks[i], tag, to(i));
+}
+
+// Turn what whole blocks can, and return where the rest begins.
+
+template <std::size_t pixelBytes>
+std::size_t turnBlocksIntoTile(const std::uint8_t* const* rows, std::size_t width,
+                               std::uint8_t* tile) {
+    std::size_t x = 0;
+    for (; (x + 4) * pixelBytes + (4 - pixelBytes) * 4 <= width * pixelBytes; x += 4) {
+        for (std::size_t row = 0; row < tileRows(pixelBytes); row += 4) {
+            turnFour([&](std::size_t i)
+                         HWY_ATTR { return loadFour<pixelBytes>(rows[row + i] + pixelBytes * x); },
+                     [&](Block block, std::size_t i) HWY_ATTR {
+                         hn::StoreU(block, BlockTag(), tile + (x + i) * tileBytes + 4 * row);
+                     });
+        }
+    }
+    return x;
+}
+template <>
+std::size_t turnBlocksIntoTile<1>(const std::uint8_t* const* rows, std::size_t width,
+                                  std::uint8_t* tile) {
+    std::size_t x = 0;
+    for (; x + 16 <= width; x += 16) {
+        for (std::size_t row = 0; row < tileRows(1); row += 16) {
+            turnSixteen([&](std::size_t i) { return rows[row + i] + x; },
+                        [&](std::size_t i) { return tile + (x + i) * tileBytes + row; });
+        }
+    }
+    return x;
+}
+
+template <std::size_t pixelBytes>
+std::size_t turnBlocksIntoRows(const std::uint8_t* tile, std::size_t width,
+                               std::uint8_t* const* rows) {
+    std::size_t x = 0;
+    for (; (x + 4) * pixelBytes + (4 - pixelBytes) * 4 <= width * pixelBytes; x += 4) {
+        for (std::size_t row = 0; row < tileRows(pixelBytes); row += 4) {
+            turnFour(
+                [&](std::size_t i) HWY_ATTR {
+                    return hn::LoadU(BlockTag(), tile + (x + i) * tileBytes + 4 * row);
+                },
+                [&](Block block, std::size_t i)
+                    HWY_ATTR { storeFour<pixelBytes>(block, rows[row + i] + pixelBytes * x); });
+        }
+    }
+    return x;
+}
+template <>
+std::size_t turnBlocksIntoRows<1>(const std::uint8_t* tile, std::size_t width,
+                                  std::uint8_t* const* rows) {
+    std::size_t x = 0;
+    for (; x + 16 <= width; x += 16) {
+        for (std::size_t row = 0; row < tileRows(1); row += 16) {
+            turnSixteen([&](std::size_t i) { return tile + (x + i) * tileBytes + row; },
+                        [&](std::size_t i) { return rows[row + i] + x; });
+        }
+    }
+    return x;
 }
 
 // Differences of sums up to this radius fit a signed word.
@@ -312,14 +411,9 @@ void turnIntoTile(const std::uint8_t* const* rows, std::size_t width, std::size_
     constexpr std::size_t sample = tileBytes;
     std::size_t x = 0;
 #if HWY_TARGET != HWY_SCALAR
-    if (pixelBytes == 4) {
-        for (; x + 4 <= width; x += 4) {
-            for (std::size_t row = 0; row < tileRows(4); row += 4) {
-                turnFour([&](std::size_t i) { return rows[row + i] + 4 * x; },
-                         [&](std::size_t i) { return tile + (x + i) * sample + 4 * row; });
-            }
-        }
-    }
+    if (pixelBytes == 4) x = turnBlocksIntoTile<4>(rows, width, tile);
+    if (pixelBytes == 3) x = turnBlocksIntoTile<3>(rows, width, tile);
+    if (pixelBytes == 1) x = turnBlocksIntoTile<1>(rows, width, tile);
 #endif
     const std::size_t slot = tileBytes / tileRows(pixelBytes);
     for (; x < width; ++x) {
@@ -337,14 +431,9 @@ void turnIntoRows(const std::uint8_t* tile, std::size_t width, std::size_t pixel
     constexpr std::size_t sample = tileBytes;
     std::size_t x = 0;
 #if HWY_TARGET != HWY_SCALAR
-    if (pixelBytes == 4) {
-        for (; x + 4 <= width; x += 4) {
-            for (std::size_t row = 0; row < tileRows(4); row += 4) {
-                turnFour([&](std::size_t i) { return tile + (x + i) * sample + 4 * row; },
-                         [&](std::size_t i) { return rows[row + i] + 4 * x; });
-            }
-        }
-    }
+    if (pixelBytes == 4) x = turnBlocksIntoRows<4>(tile, width, rows);
+    if (pixelBytes == 3) x = turnBlocksIntoRows<3>(tile, width, rows);
+    if (pixelBytes == 1) x = turnBlocksIntoRows<1>(tile, width, rows);
 #endif
     const std::size_t slot = tileBytes / tileRows(pixelBytes);
     for (; x < width; ++x) {

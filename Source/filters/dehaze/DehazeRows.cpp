@@ -7,6 +7,7 @@
 #include "filters/dehaze/DehazeRows.h"
 
 #include <algorithm>
+#include <type_traits>
 
 #include "arithmetic/Rounding.h"
 #include "walks/RowVectors-inl.h"
@@ -63,27 +64,54 @@ void unveil(std::uint8_t* pixels, std::size_t count, std::size_t step, const std
 // One byte for every quad.
 using PixelTag = hn::Rebind<std::uint8_t, SignedQuadTag>;
 
+// The channels of as many pixels of so many bytes as there are quads.
+template <std::size_t channels>
 struct Colour {
-    SignedQuads at[3];
+    SignedQuads at[channels];
 };
 
-// The channels of as many pixels of three bytes as there are quads.
-HWY_INLINE Colour loadColour(const std::uint8_t* pixels) {
-    hn::Vec<PixelTag> bytes[3];
-    hn::LoadInterleaved3(PixelTag(), pixels, bytes[0], bytes[1], bytes[2]);
-    const SignedQuadTag tag;
-    return {
-        {hn::PromoteTo(tag, bytes[0]), hn::PromoteTo(tag, bytes[1]), hn::PromoteTo(tag, bytes[2])}};
-}
-
-HWY_INLINE void storeColour(const Colour& colour, std::uint8_t* pixels) {
+template <std::size_t channels>
+HWY_INLINE Colour<channels> loadColour(const std::uint8_t* pixels) {
     const PixelTag tag;
-    hn::StoreInterleaved3(hn::DemoteTo(tag, colour.at[0]), hn::DemoteTo(tag, colour.at[1]),
-                          hn::DemoteTo(tag, colour.at[2]), tag, pixels);
+    const auto quads = [](auto bytes) HWY_ATTR { return hn::PromoteTo(SignedQuadTag(), bytes); };
+    hn::Vec<PixelTag> bytes[3];
+    if constexpr (channels == 1) {
+        return {{quads(hn::LoadU(tag, pixels))}};
+    } else if constexpr (channels == 2) {
+        hn::LoadInterleaved2(tag, pixels, bytes[0], bytes[1]);
+        return {{quads(bytes[0]), quads(bytes[1])}};
+    } else {
+        hn::LoadInterleaved3(tag, pixels, bytes[0], bytes[1], bytes[2]);
+        return {{quads(bytes[0]), quads(bytes[1]), quads(bytes[2])}};
+    }
 }
 
-HWY_INLINE SignedQuads darkestOf(const Colour& colour) {
-    return hn::Min(hn::Min(colour.at[0], colour.at[1]), colour.at[2]);
+template <std::size_t channels>
+HWY_INLINE void storeColour(const Colour<channels>& colour, std::uint8_t* pixels) {
+    const PixelTag tag;
+    const auto bytes = [&](std::size_t c)
+                           HWY_ATTR { return hn::DemoteTo(PixelTag(), colour.at[c]); };
+    if constexpr (channels == 1) {
+        hn::StoreU(bytes(0), tag, pixels);
+    } else if constexpr (channels == 2) {
+        hn::StoreInterleaved2(bytes(0), bytes(1), tag, pixels);
+    } else {
+        hn::StoreInterleaved3(bytes(0), bytes(1), bytes(2), tag, pixels);
+    }
+}
+
+template <std::size_t channels>
+HWY_INLINE SignedQuads darkestOf(const Colour<channels>& colour) {
+    SignedQuads darkest = colour.at[0];
+    for (std::size_t c = 1; c < channels; ++c) darkest = hn::Min(darkest, colour.at[c]);
+    return darkest;
+}
+
+template <std::size_t channels>
+HWY_INLINE SignedQuads brightestOf(const Colour<channels>& colour) {
+    SignedQuads brightest = colour.at[0];
+    for (std::size_t c = 1; c < channels; ++c) brightest = hn::Max(brightest, colour.at[c]);
+    return brightest;
 }
 
 // Of pixels of four, without taking them apart.
@@ -93,6 +121,14 @@ HWY_INLINE SignedQuads darkestOf(Bytes pixels) {
     const Bytes third = hn::BitCast(RowTag(), hn::ShiftRight<16>(quads));
     const Bytes darkest = hn::Min(hn::Min(pixels, second), third);
     return hn::And(hn::BitCast(SignedQuadTag(), darkest), hn::Set(SignedQuadTag(), 255));
+}
+
+// Calls `work(channels)`, a constant, for pixels of up to three bytes, of which each is a channel.
+template <class Work>
+HWY_INLINE void withColours(std::size_t step, Work work) {
+    if (step == 1) work(std::integral_constant<std::size_t, 1>());
+    if (step == 2) work(std::integral_constant<std::size_t, 2>());
+    if (step == 3) work(std::integral_constant<std::size_t, 3>());
 }
 
 std::uint8_t largestOf(Bytes bytes) {
@@ -111,6 +147,13 @@ Darkness darkestChannels(const std::uint8_t* pixels, std::size_t count, std::siz
         sums = hn::Add(sums, smallest);
     };
     std::size_t i = 0;
+    const auto takeColours = [&](auto channels) HWY_ATTR {
+        for (; i + vector <= count; i += vector) {
+            const auto colour = loadColour<channels>(pixels + i * channels);
+            take(i, darkestOf(colour));
+            brightest = hn::Max(brightest, hn::BitCast(RowTag(), brightestOf(colour)));
+        }
+    };
     if (step == 4) {
         for (; i + vector <= count; i += vector) {
             const Bytes bytes = load(pixels + i * 4, Whole{});
@@ -118,13 +161,8 @@ Darkness darkestChannels(const std::uint8_t* pixels, std::size_t count, std::siz
             brightest = hn::Max(brightest, bytes);
         }
         brightest = hn::And(brightest, everyFour(0x00FFFFFF));
-    } else if (step == 3) {
-        for (; i + vector <= count; i += vector) {
-            const Colour colour = loadColour(pixels + i * 3);
-            take(i, darkestOf(colour));
-            const SignedQuads largest = hn::Max(hn::Max(colour.at[0], colour.at[1]), colour.at[2]);
-            brightest = hn::Max(brightest, hn::BitCast(RowTag(), largest));
-        }
+    } else {
+        withColours(step, takeColours);
     }
     Darkness darkness = darkestOneByOne(pixels + i * step, count - i, step, darkest + i);
     HWY_ALIGN std::int32_t lanes[8];
@@ -139,9 +177,16 @@ Darkness darkestChannels(const std::uint8_t* pixels, std::size_t count, std::siz
 // The veil on some pixels. It leaves every channel at least a tenth, so nothing here grows large.
 class VeilOnPixels {
 public:
-    explicit VeilOnPixels(Veil veil)
-        : factor_(held(hn::Set(FloatTag(), veil.factor))),
-          light_(held(hn::Set(FloatTag(), veil.light))) {}
+    explicit VeilOnPixels(Veil veil) : factor_(held(hn::Set(FloatTag(), veil.factor))) {
+#if HWY_NATIVE_FMA
+        const float high = 1.0f / veil.light;
+        const double rest = 1.0 / static_cast<double>(veil.light) - static_cast<double>(high);
+        high_ = hn::Set(FloatTag(), high);
+        low_ = hn::Set(FloatTag(), static_cast<float>(rest));
+#else
+        light_ = held(hn::Set(FloatTag(), veil.light));
+#endif
+    }
 
     HWY_INLINE SignedQuads depth(const std::uint8_t* means, SignedQuads darkest) const {
         const SignedQuads mean = hn::PromoteTo(SignedQuadTag(), hn::LoadU(PixelTag(), means));
@@ -149,7 +194,7 @@ public:
     }
 
     HWY_INLINE Floats kept(SignedQuads depth) const {
-        return hn::Sub(held(hn::Set(FloatTag(), 1.0f)), hn::Div(toFloats(depth), light_));
+        return hn::Sub(held(hn::Set(FloatTag(), 1.0f)), overLight(toFloats(depth)));
     }
 
     // Of a channel from which the depth is taken off.
@@ -158,8 +203,23 @@ public:
     }
 
 private:
+    // As hn::Div() gives it, by a reciprocal in two parts, for every depth and light that there
+    // are.
+    HWY_INLINE Floats overLight(Floats depth) const {
+#if HWY_NATIVE_FMA
+        return hn::MulAdd(depth, high_, hn::Mul(depth, low_));
+#else
+        return hn::Div(depth, light_);
+#endif
+    }
+
     Floats factor_;
+#if HWY_NATIVE_FMA
+    Floats high_;
+    Floats low_;
+#else
     Floats light_;
+#endif
 };
 
 // The bytes at some place of every pixel of four as quads.
@@ -189,9 +249,10 @@ HWY_INLINE void unveilFour(const VeilOnPixels& veil, const std::uint8_t* means,
     store(joined(places, bytes), pixels, Whole{});
 }
 
-HWY_INLINE void unveilThree(const VeilOnPixels& veil, const std::uint8_t* means,
-                            std::uint8_t* pixels) {
-    Colour colour = loadColour(pixels);
+template <std::size_t channels>
+HWY_INLINE void unveilColours(const VeilOnPixels& veil, const std::uint8_t* means,
+                              std::uint8_t* pixels) {
+    auto colour = loadColour<channels>(pixels);
     const SignedQuads depth = veil.depth(means, darkestOf(colour));
     const Floats kept = veil.kept(depth);
     for (SignedQuads& channel : colour.at) {
@@ -209,10 +270,12 @@ void unveil(std::uint8_t* pixels, std::size_t count, std::size_t step, const std
         for (; i + vector <= count; i += vector) {
             unveilFour(veilOnPixels, means + i, pixels + i * 4);
         }
-    } else if (step == 3) {
-        for (; i + vector <= count; i += vector) {
-            unveilThree(veilOnPixels, means + i, pixels + i * 3);
-        }
+    } else {
+        withColours(step, [&](auto channels) HWY_ATTR {
+            for (; i + vector <= count; i += vector) {
+                unveilColours<channels>(veilOnPixels, means + i, pixels + i * channels);
+            }
+        });
     }
     unveilOneByOne(pixels + i * step, count - i, step, means + i, veil);
 }

@@ -21,7 +21,9 @@ Darkness darkestChannels(const std::uint8_t* pixels, std::size_t count, std::siz
 
 struct Veil {
     float factor;  ///< the part of the mean that may be haze, 0..0.9
-    float light;   ///< what haze looks like where nothing shows through: not 0, nor below any mean
+    /// What haze looks like where nothing shows through: a half of a whole number, 0.5 to 255, and
+    /// not below any mean.
+    float light;
 };
 
 /// Takes the veil off: the smaller of a pixel's darkest channel and of the haze that the mean of

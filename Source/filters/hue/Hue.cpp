@@ -25,18 +25,19 @@ void rotateHue(PackedSpan& span, const HueMatrix& matrix) {
     const Floats diagonal = constant(matrix.diagonal);
     const Floats minus = constant(matrix.minus);
     const Floats plus = constant(matrix.plus);
+    // Nothing in the matrix exceeds 2, so that no sum is large.
     const auto sumOf = [](Floats a, Floats b, Floats c)
-                           HWY_ATTR { return clampToBytes(hn::Add(hn::Add(a, b), c)); };
+                           HWY_ATTR { return hn::Add(hn::Add(a, b), c); };
     forEachVector(span, [&](std::size_t i) HWY_ATTR {
         const Channels<Floats> c = loadFloatChannels(span, i);
-        const Ints blue =
-            sumOf(hn::Mul(c.blue, m00), hn::Mul(c.green, minus), hn::Mul(c.red, plus));
+        const Ints blue = clampInRangeToBytes(
+            sumOf(hn::Mul(c.blue, m00), hn::Mul(c.green, minus), hn::Mul(c.red, plus)));
         const Floats newBlue = toFloats(blue);
-        const Ints green =
-            sumOf(hn::Mul(c.green, diagonal), hn::Mul(newBlue, plus), hn::Mul(c.red, minus));
+        const Ints green = clampInRangeToBytes(
+            sumOf(hn::Mul(c.green, diagonal), hn::Mul(newBlue, plus), hn::Mul(c.red, minus)));
         const Floats newGreen = toFloats(green);
-        const Ints red =
-            sumOf(hn::Mul(newGreen, plus), hn::Mul(newBlue, minus), hn::Mul(c.red, diagonal));
+        const Ints red = truncateInRange(
+            sumOf(hn::Mul(newGreen, plus), hn::Mul(newBlue, minus), hn::Mul(c.red, diagonal)));
         storeClamped(Channels<Ints>{red, green, blue}, span, i);
     });
 }

@@ -7,6 +7,8 @@
 #include "filters/sharpen/SharpenRows.h"
 
 #include "arithmetic/Rounding.h"
+
+#define KELADJUST_MOST_ROW_BYTES 64
 #include "walks/RowVectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();

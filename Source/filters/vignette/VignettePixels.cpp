@@ -110,25 +110,55 @@ HWY_INLINE Floats loadMasks(const VignetteRow& row, std::ptrdiff_t i) {
     return hn::Load(tag, values);
 }
 
+// Factors of the sliders' size, or 0. What is multiplied by 0 for them, and added, changes nothing,
+// every number is small enough for stores that saturate, and what is divided is 0 or not tiny.
+struct ModestLook {
+    static constexpr bool isModest = true;
+
+    template <int divisor>
+    static HWY_INLINE Floats quotient(Floats values) {
+        return quotientBy<divisor>(values);
+    }
+};
+struct AnyLook {
+    static constexpr bool isModest = false;
+
+    template <int divisor>
+    static HWY_INLINE Floats quotient(Floats values) {
+        return hn::Div(values, constant(static_cast<float>(divisor)));
+    }
+};
+
+bool isModest(const VignetteShade& look) {
+    const auto isFactor = [](float factor) {
+        return factor == 0.0f || (factor >= 1e-6f && factor <= 2.0f);
+    };
+    return isFactor(look.outerFactor) && isFactor(look.innerFactor) &&
+           std::fabs(look.highlights) <= 1.0f;
+}
+
 // Protects highlights where the border has a share. Not a number, from absurd settings, ends as
 // black.
+template <class Look>
 HWY_INLINE Channels<Floats> screened(const Channels<Floats>& c, Floats lift) {
     const Floats white = constant(255.0f);
     return mapChannels(c, [&](Floats channel) HWY_ATTR {
         const Floats product =
             hn::Mul(hn::Sub(white, hn::Mul(lift, channel)), hn::Sub(white, channel));
-        return hn::Sub(white, hn::Div(product, white));
+        return hn::Sub(white, Look::template quotient<255>(product));
     });
 }
 
 // How dark the three channels are together.
+template <class Look>
 HWY_INLINE Floats darknessOf(const Channels<Floats>& c) {
     const Floats sum = hn::Add(hn::Add(c.red, c.green), c.blue);
-    const Floats grey = hn::Div(hn::Div(sum, constant(3.0f)), constant(255.0f));
+    const Floats grey = Look::template quotient<255>(Look::template quotient<3>(sum));
     return hn::Sub(constant(1.0f), grey);
 }
 
 // Channels between border and inside.
+template <class Look>
 HWY_INLINE Channels<Ints> shade(const VignetteShade& look, const Channels<Floats>& c, Floats mask) {
     const Floats one = constant(1.0f);
     const Floats border =
@@ -140,20 +170,15 @@ HWY_INLINE Channels<Ints> shade(const VignetteShade& look, const Channels<Floats
     });
     const Floats rest = hn::Sub(one, mask);
     const Floats lift =
-        hn::Mul(hn::Mul(hn::Mul(rest, rest), constant(look.highlights)), darknessOf(blended));
-    const Channels<Floats> lifted = screened(blended, lift);
+        hn::Mul(hn::Mul(hn::Mul(rest, rest), constant(look.highlights)), darknessOf<Look>(blended));
+    const Channels<Floats> lifted = screened<Look>(blended, lift);
     const FloatMask isInside = hn::Eq(mask, one);
     return {clampToBytes(hn::IfThenElse(isInside, blended.red, lifted.red)),
             clampToBytes(hn::IfThenElse(isInside, blended.green, lifted.green)),
             clampToBytes(hn::IfThenElse(isInside, blended.blue, lifted.blue))};
 }
 
-// The same for a mask of 1 and of 0 and factors of the sliders' size: what they are multiplied by 0
-// for, and added, changes nothing, and every number is small enough for stores that saturate.
-bool isModest(const VignetteShade& look) {
-    return std::fabs(look.outerFactor) <= 2.0f && std::fabs(look.innerFactor) <= 2.0f &&
-           std::fabs(look.highlights) <= 1.0f;
-}
+// The same of a modest look for a mask of 1 and of 0.
 
 HWY_INLINE void storeSmall(const Channels<Floats>& c, PackedSpan& span, std::size_t i) {
     storeClamped(mapChannels(c, truncateInRange<Floats>), span, i);
@@ -169,25 +194,26 @@ HWY_INLINE Channels<Floats> shadeInside(const VignetteShade& look, const Channel
 }
 HWY_INLINE Channels<Floats> shadeOutside(const VignetteShade& look, const Channels<Floats>& c) {
     const Channels<Floats> border = scaled(c, look.outerFactor);
-    return screened(border, hn::Mul(constant(look.highlights), darknessOf(border)));
+    return screened<ModestLook>(border,
+                                hn::Mul(constant(look.highlights), darknessOf<ModestLook>(border)));
 }
 
-void applyVignette(PackedSpan& span, const VignetteRow& row, const VignetteShade& look) {
+template <class Look>
+void shadeSpan(PackedSpan& span, const VignetteRow& row, const VignetteShade& look) {
     const FloatTag tag;
     const Floats zero = constant(0.0f);
     const Floats one = constant(1.0f);
-    const bool modest = isModest(look);
     forEachVector(span, [&](std::size_t i) HWY_ATTR {
         const Channels<Floats> c = loadFloatChannels(span, i);
         const Floats inner = hn::Add(hn::LoadU(tag, row.columns.inner + i), constant(row.inner));
         const FloatMask isInside = hn::Le(hn::Sub(inner, one), zero);
-        if (modest && hn::AllTrue(tag, isInside)) {
+        if (Look::isModest && hn::AllTrue(tag, isInside)) {
             storeSmall(shadeInside(look, c), span, i);
             return;
         }
         const Floats outer = hn::Add(hn::LoadU(tag, row.columns.outer + i), constant(row.outer));
         const FloatMask isOutside = hn::AndNot(isInside, hn::Ge(hn::Sub(outer, one), zero));
-        if (modest && hn::AllTrue(tag, isOutside)) {
+        if (Look::isModest && hn::AllTrue(tag, isOutside)) {
             storeSmall(shadeOutside(look, c), span, i);
             return;
         }
@@ -196,8 +222,12 @@ void applyVignette(PackedSpan& span, const VignetteRow& row, const VignetteShade
         if (!hn::AllFalse(tag, inBand)) {
             mask = hn::IfThenElse(inBand, loadMasks(row, static_cast<std::ptrdiff_t>(i)), mask);
         }
-        storeClamped(shade(look, c, mask), span, i);
+        storeClamped(shade<Look>(look, c, mask), span, i);
     });
+}
+
+void applyVignette(PackedSpan& span, const VignetteRow& row, const VignetteShade& look) {
+    (isModest(look) ? shadeSpan<ModestLook> : shadeSpan<AnyLook>)(span, row, look);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <random>
 #include <vector>
 
+#include "filters/dehaze/DehazeRows.h"
 #include "support/HostPicture.h"
 
 namespace {
@@ -174,6 +175,39 @@ TEST(MeanFilter, RefusesMapsThatOverlap) {
     meanFilter15(map.data(), map.data() + 600, 20, 30);
     EXPECT_NE(map, before);
     EXPECT_TRUE(std::equal(map.begin(), map.begin() + 600, before.begin()));
+}
+
+// What is left of a channel, by the divisions of the formula.
+std::uint8_t unveiledModel(int channel, int depth, float light) {
+    const float kept = 1.0f - static_cast<float>(depth) / light;
+    return static_cast<std::uint8_t>(std::min(255.0f, static_cast<float>(channel - depth) / kept));
+}
+
+// Every light and depth that there are, and every channel that is not below the depth.
+TEST(Unveil, DividesAsTheFormulaDoes) {
+    constexpr float factor = 0.9f;
+    constexpr std::size_t count = 256;
+    const std::vector<std::uint8_t> means(count, 255);
+    for (int twiceLight = 1; twiceLight <= 510; ++twiceLight) {
+        const float light = static_cast<float>(twiceLight) * 0.5f;
+        const int deepest = static_cast<int>(factor * std::min(255.0f, light));
+        for (int depth = 0; depth <= deepest; ++depth) {
+            std::vector<std::uint8_t> pixels(4 * count);
+            for (std::size_t i = 0; i < count; ++i) {
+                const auto channel =
+                    static_cast<std::uint8_t>(std::max<std::size_t>(i, std::size_t(depth)));
+                pixels[4 * i] = static_cast<std::uint8_t>(depth);
+                pixels[4 * i + 1] = channel;
+                pixels[4 * i + 2] = channel;
+            }
+            std::vector<std::uint8_t> unveiled = pixels;
+            keladjust::unveil(unveiled.data(), count, 4, means.data(), {factor, light});
+            for (std::size_t i = 0; i < pixels.size(); ++i) {
+                if (i % 4 != 3) pixels[i] = unveiledModel(pixels[i], depth, light);
+            }
+            ASSERT_EQ(unveiled, pixels) << light << ", " << depth;
+        }
+    }
 }
 
 }  // namespace
