@@ -25,6 +25,7 @@
 HWY_BEFORE_NAMESPACE();
 namespace keladjust {
 namespace HWY_NAMESPACE {
+namespace {  // of each file its own, since files differ in how long the vectors are
 
 namespace hn = hwy::HWY_NAMESPACE;
 
@@ -166,6 +167,7 @@ HWY_INLINE Floats toFloats(SignedQuads values) {
     return hn::ConvertTo(FloatTag(), values);
 }
 
+}  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace keladjust
 HWY_AFTER_NAMESPACE();
