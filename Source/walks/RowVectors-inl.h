@@ -34,8 +34,7 @@ namespace hn = hwy::HWY_NAMESPACE;
 #ifndef KELADJUST_MOST_ROW_BYTES
 #define KELADJUST_MOST_ROW_BYTES 32
 #endif
-constexpr std::size_t mostRowBytes = KELADJUST_MOST_ROW_BYTES;
-using RowTag = hn::CappedTag<std::uint8_t, mostRowBytes>;
+using RowTag = hn::CappedTag<std::uint8_t, KELADJUST_MOST_ROW_BYTES>;
 using WordTag = hn::Repartition<std::uint16_t, RowTag>;
 using QuadTag = hn::Repartition<std::uint32_t, RowTag>;
 using SignedQuadTag = hn::RebindToSigned<QuadTag>;
@@ -65,7 +64,7 @@ HWY_INLINE Bytes load(const std::uint8_t* from, Whole) {
     return hn::LoadU(RowTag(), from);
 }
 HWY_INLINE Bytes load(const std::uint8_t* from, Part part) {
-    HWY_ALIGN std::uint8_t bytes[mostRowBytes] = {};
+    HWY_ALIGN std::uint8_t bytes[hn::MaxLanes(RowTag())] = {};
     std::memcpy(bytes, from, part.bytes);
     return hn::Load(RowTag(), bytes);
 }
@@ -73,7 +72,7 @@ HWY_INLINE void store(Bytes v, std::uint8_t* to, Whole) {
     hn::StoreU(v, RowTag(), to);
 }
 HWY_INLINE void store(Bytes v, std::uint8_t* to, Part part) {
-    HWY_ALIGN std::uint8_t bytes[mostRowBytes];
+    HWY_ALIGN std::uint8_t bytes[hn::MaxLanes(RowTag())];
     hn::Store(v, RowTag(), bytes);
     std::memcpy(to, bytes, part.bytes);
 }

@@ -99,7 +99,7 @@ HWY_INLINE Neighbours neighboursAt(const std::uint8_t* bytes, std::size_t pixelB
 Neighbours neighboursAtEnd(const std::uint8_t* row, std::size_t i, std::size_t bytes,
                            std::size_t pixelBytes) {
     constexpr std::size_t mostPixelBytes = 4;
-    std::uint8_t around[mostRowBytes + 3 * mostPixelBytes] = {};
+    std::uint8_t around[hn::MaxLanes(RowTag()) + 3 * mostPixelBytes] = {};
     const std::size_t first = i - std::min(i, pixelBytes);
     const std::size_t end = std::min(bytes, i + hn::Lanes(RowTag()) + pixelBytes);
     std::uint8_t* const middle = around + pixelBytes;

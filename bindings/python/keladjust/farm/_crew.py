@@ -22,6 +22,8 @@ OWN_CLUSTER = {
     # The scheduler is part of this process, and would keep what became of the last hundred thousand.
     "distributed.scheduler.transition-log-length": 1000,
     "distributed.scheduler.events-log-length": 1000,
+    # And a dozen numbers about this machine for each time that it looks, of the last 7200 times.
+    "distributed.admin.system-monitor.interval": "10s",
 }
 
 # Times in a row that a worker is at fault until it gets no more pictures.
