@@ -42,7 +42,7 @@ class Manifest:
         # Until it is closed nobody else writes. A log of its own makes commits cheap: they wait for no
         # disk, and what a loss of power takes of them is the last ones.
         for pragma in ("locking_mode = EXCLUSIVE", "journal_mode = WAL", "synchronous = NORMAL",
-                       "cache_size = -16384"):
+                       "cache_size = -4096"):
             self._rows.execute(f"PRAGMA {pragma}")
         self._rows.execute("CREATE TABLE IF NOT EXISTS pictures (output BLOB PRIMARY KEY, mark BLOB,"
                            " result INTEGER, size INTEGER, run INTEGER, reason TEXT) WITHOUT ROWID")
