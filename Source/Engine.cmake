@@ -77,6 +77,14 @@ if(WIN32)
     configure_file(${OGRE_PREFIX_DIR}/bin/OgreMain.dll ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/OgreMain.dll
         COPYONLY)
 endif()
+if(MINGW)
+    # The linker sorts what a module imports by the names of the libraries that say so. Those in the build
+    # are named from there, so that it comes out the same wherever somebody builds.
+    set(import_library ${CMAKE_CURRENT_BINARY_DIR}/libOgreMain.dll.a)
+    configure_file(${OGRE_PREFIX_DIR}/lib/libOgreMain.dll.a ${import_library} COPYONLY)
+    set_target_properties(OgreMain PROPERTIES
+        IMPORTED_IMPLIB ${import_library} IMPORTED_IMPLIB_RELEASE ${import_library})
+endif()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/plugins.cfg.in
     ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/plugins.cfg @ONLY)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/resources.cfg.in

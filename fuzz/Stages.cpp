@@ -135,8 +135,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (picture.bytes.empty()) return 0;
 
     const std::vector<std::uint8_t> expected = expectedBytes(steps, picture);
-    // Large pictures, which would take nine tenths of the time, run on one of five instruction
-    // sets.
+    // Large pictures, which would take nine tenths of the time, run on one instruction set in
+    // five, which the input chooses.
     const bool isLarge = picture.bytes.size() > 32768;
     std::size_t number = offset;
     test::forEachInstructionSet([&](const std::string& set) {
